@@ -1,0 +1,181 @@
+// The XML library on a workstation: libxml2, fed from the stream in blocks, within its own limits of depth and size,
+// and reading nothing but that stream.
+
+#include <sysxml.h>
+
+#include <cerrno>
+#include <cstring>
+#include <istream>
+#include <memory>
+#include <new>
+#include <string>
+
+#include <libxml/SAX2.h>
+#include <libxml/parser.h>
+#include <libxml/parserInternals.h>
+#include <libxml/tree.h>
+#include <libxml/xmlerror.h>
+#include <sysipc.h>
+
+namespace sysxml {
+namespace {
+
+// What the callbacks of one reading share.
+struct reading {
+    std::istream& in;
+    int stream_error = 0;        // of the system, when the stream failed
+    bool stream_failed = false;  // the stream itself, not the text in it
+    std::string problem = {};    // the first one, with its place
+};
+
+struct context_deleter {
+    void operator()(xmlParserCtxtPtr context) const { xmlFreeParserCtxt(context); }
+};
+using context_ptr = std::unique_ptr<xmlParserCtxt, context_deleter>;
+
+struct doc_deleter {
+    void operator()(xmlDocPtr doc) const { xmlFreeDoc(doc); }
+};
+using doc_ptr = std::unique_ptr<xmlDoc, doc_deleter>;
+
+reading& reading_of(void* context) {
+    return *static_cast<reading*>(static_cast<xmlParserCtxtPtr>(context)->_private);
+}
+
+std::string current_place(void* context) {
+    return "line " + std::to_string(xmlSAX2GetLineNumber(context)) + ", column " +
+           std::to_string(xmlSAX2GetColumnNumber(context)) + ": ";
+}
+
+void keep_first_problem(void* context, xmlErrorPtr error) {
+    reading& state = reading_of(context);
+    if (state.problem.empty() && error->level >= XML_ERR_ERROR) {
+        std::string text = error->message == nullptr ? "unknown error" : error->message;
+        text.erase(text.find_last_not_of("\r\n") + 1);
+        state.problem = current_place(context) + text;
+    }
+}
+
+// An entity that stands in another file would be read from there; a document is the text of its stream alone.
+void declare_entity(void* context, const xmlChar* name, int type, const xmlChar* public_id, const xmlChar* system_id,
+                    xmlChar* content) {
+    if (type != XML_EXTERNAL_GENERAL_PARSED_ENTITY && type != XML_EXTERNAL_PARAMETER_ENTITY) {
+        xmlSAX2EntityDecl(context, name, type, public_id, system_id, content);
+        return;
+    }
+    reading& state = reading_of(context);
+    if (state.problem.empty()) {
+        state.problem =
+            current_place(context) + "External entity '" + reinterpret_cast<const char*>(name) + "' is refused";
+    }
+    auto* parser = static_cast<xmlParserCtxtPtr>(context);
+    parser->wellFormed = 0;
+    xmlStopParser(parser);
+}
+
+// A stream that fails ends the input here; it is reported once libxml2 is done.
+int read_block(void* opaque, char* buffer, int size) {
+    auto& state = *static_cast<reading*>(opaque);
+    errno = 0;
+    try {
+        state.in.read(buffer, size);
+    } catch (const std::ios::failure&) {
+        // The stream was told to throw; its state says what happened.
+    }
+    if (state.in.bad()) {
+        state.stream_error = errno;
+        state.stream_failed = true;
+        return 0;
+    }
+    return static_cast<int>(state.in.gcount());
+}
+
+// libxml2 reports what it meets outside the parser, in a character encoding say, to one handler a thread.
+class thread_errors_to {
+public:
+    explicit thread_errors_to(xmlParserCtxtPtr context)
+        : handler_(xmlStructuredError), handler_context_(xmlStructuredErrorContext) {
+        xmlSetStructuredErrorFunc(context, keep_first_problem);
+    }
+    ~thread_errors_to() { xmlSetStructuredErrorFunc(handler_context_, handler_); }
+    thread_errors_to(const thread_errors_to&) = delete;
+    thread_errors_to& operator=(const thread_errors_to&) = delete;
+
+private:
+    xmlStructuredErrorFunc handler_;
+    void* handler_context_;
+};
+
+context_ptr make_context(reading& state) {
+    context_ptr context(xmlNewParserCtxt());
+    if (context == nullptr) {
+        throw std::bad_alloc();
+    }
+    context->_private = &state;
+    context->sax->serror = keep_first_problem;
+    context->sax->entityDecl = declare_entity;
+    return context;
+}
+
+[[noreturn]] void throw_unreadable(int error) {
+    throw sysipc::exception(std::string("cannot read the input: ") +
+                            (error == 0 ? "the stream is not open or has failed" : std::strerror(error)));
+}
+
+doc_ptr read_document(std::istream& in, bool recover) {
+    if (!in) {
+        throw_unreadable(0);
+    }
+    reading state{in};
+    const context_ptr context = make_context(state);
+    const thread_errors_to errors(context.get());
+    const int options = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_COMPACT | (recover ? XML_PARSE_RECOVER : 0);
+    doc_ptr doc(xmlCtxtReadIO(context.get(), read_block, nullptr, &state, nullptr, nullptr, options));
+    if (state.stream_failed) {
+        throw_unreadable(state.stream_error);
+    }
+    if (doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
+        throw sysipc::exception(state.problem.empty() ? "the input is no XML document" : state.problem);
+    }
+    return doc;
+}
+
+}  // namespace
+
+// libxml2 must be initialised once before it is used; it stays so, since others in the process may use it as well.
+parser::parser() {
+    xmlInitParser();
+}
+
+parser::~parser() = default;
+
+node::node(xmlNode* record) : record_(record) {}
+
+xmlNode* node::get() const {
+    return record_;
+}
+
+const char* node::name() const {
+    return reinterpret_cast<const char*>(record_->name);
+}
+
+const char* node::content() const {
+    return reinterpret_cast<const char*>(record_->content);
+}
+
+struct document::tree {
+    explicit tree(doc_ptr read) : doc(std::move(read)), root(xmlDocGetRootElement(doc.get())) {}
+
+    doc_ptr doc;
+    node root;
+};
+
+document::document(std::istream& in, bool recover) : tree_(std::make_unique<tree>(read_document(in, recover))) {}
+
+document::~document() = default;
+
+node& document::root() {
+    return tree_->root;
+}
+
+}  // namespace sysxml

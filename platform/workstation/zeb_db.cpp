@@ -1,0 +1,421 @@
+// The inventory database client on a workstation: SQLite. Error codes are SQLite's primary result codes.
+
+#include <sqlite3.h>
+#include <vonk_log.h>
+
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "schema.h"
+#include "zeb_db_workstation.h"
+
+namespace {
+
+constexpr int busy_timeout_ms = 5000;
+constexpr int row_available = 9;
+
+// Far more than the column sets of any real file; beyond it the statements are made anew.
+constexpr std::size_t most_statements = 64;
+
+struct connection_deleter {
+    void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
+};
+using connection_ptr = std::unique_ptr<sqlite3, connection_deleter>;
+
+struct statement_deleter {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+using statement_ptr = std::unique_ptr<sqlite3_stmt, statement_deleter>;
+
+enum class value_type { text, integer };
+
+struct column_value {
+    std::string column;
+    value_type type = value_type::integer;
+    sqlite3_int64 integer = 0;
+    std::string text;
+};
+
+}  // namespace
+
+struct _zeb_db_handle_t {
+    connection_ptr connection;
+    std::unordered_map<std::string, statement_ptr> inserts;  // by table and column set
+    std::string insert_key;                                  // kept for its memory
+    bool in_transaction = false;
+};
+
+// Cleared values keep their memory: one buffer is refilled for every row of a load.
+struct zeb_db_content_values_t {
+    std::vector<column_value> values;
+    std::size_t count = 0;
+};
+
+struct zeb_db_result_t {
+    statement_ptr statement;
+    bool on_row = false;
+};
+
+namespace {
+
+// No exception crosses the C interface.
+template <class Body>
+int guarded(Body body) {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return SQLITE_NOMEM;
+    }
+}
+
+int reported(const _zeb_db_handle_t& handle, int rc, const std::string& action) {
+    vonk_log::logErr("inventory database: %s: %s", action.c_str(), sqlite3_errmsg(handle.connection.get()));
+    return rc;
+}
+
+std::string quoted(const char* identifier) {
+    std::string text = "\"";
+    for (; *identifier != '\0'; ++identifier) {
+        text.append(*identifier == '"' ? 2 : 1, *identifier);
+    }
+    return text + '"';
+}
+
+std::string where(const char* condition) {
+    return condition == nullptr ? "" : std::string(" WHERE ") + condition;
+}
+
+int execute(_zeb_db_handle_t& handle, const char* sql, const char* action) {
+    const int rc = sqlite3_exec(handle.connection.get(), sql, nullptr, nullptr, nullptr);
+    return rc == SQLITE_OK ? rc : reported(handle, rc, action);
+}
+
+// After some errors, a full disk among them, SQLite rolls back by itself; what is written then would be permanent at
+// once, although the caller still counts on its transaction.
+bool transaction_was_lost(const _zeb_db_handle_t& handle) {
+    return handle.in_transaction && sqlite3_get_autocommit(handle.connection.get()) != 0;
+}
+
+int refuse_without_transaction(const std::string& action) {
+    vonk_log::logErr("inventory database: %s: the transaction was rolled back by an earlier error", action.c_str());
+    return SQLITE_ABORT;
+}
+
+int prepare(_zeb_db_handle_t& handle, const std::string& sql, statement_ptr& statement) {
+    sqlite3_stmt* prepared = nullptr;
+    const int rc = sqlite3_prepare_v2(handle.connection.get(), sql.c_str(), -1, &prepared, nullptr);
+    statement.reset(prepared);
+    return rc;
+}
+
+int bind_arguments(sqlite3_stmt* statement, const char* const* arguments, unsigned count) {
+    int rc = SQLITE_OK;
+    for (unsigned i = 0; i < count && rc == SQLITE_OK; ++i) {
+        rc = sqlite3_bind_text(statement, static_cast<int>(i) + 1, arguments[i], -1, SQLITE_TRANSIENT);
+    }
+    return rc;
+}
+
+std::string insert_sql(const char* table, const zeb_db_content_values_t& content) {
+    std::string columns;
+    std::string places;
+    for (std::size_t i = 0; i < content.count; ++i) {
+        columns += (i == 0 ? "" : ", ") + quoted(content.values[i].column.c_str());
+        places += i == 0 ? "?" : ", ?";
+    }
+    const std::string row = content.count == 0 ? " DEFAULT VALUES" : " (" + columns + ") VALUES (" + places + ")";
+    return "INSERT INTO " + quoted(table) + row;
+}
+
+int find_insert(_zeb_db_handle_t& handle, const char* table, const zeb_db_content_values_t& content,
+                sqlite3_stmt*& statement) {
+    std::string& key = handle.insert_key;
+    key = table;
+    for (std::size_t i = 0; i < content.count; ++i) {
+        key += '\n';
+        key += content.values[i].column;
+    }
+    const auto known = handle.inserts.find(key);
+    if (known != handle.inserts.end()) {
+        statement = known->second.get();
+        return SQLITE_OK;
+    }
+    if (handle.inserts.size() == most_statements) {
+        handle.inserts.clear();
+    }
+    statement_ptr prepared;
+    const int rc = prepare(handle, insert_sql(table, content), prepared);
+    statement = prepared.get();
+    if (rc == SQLITE_OK) {
+        handle.inserts.emplace(key, std::move(prepared));
+    }
+    return rc;
+}
+
+int bind_value(sqlite3_stmt* statement, int place, const column_value& value) {
+    if (value.type == value_type::text) {
+        return sqlite3_bind_text(statement, place, value.text.data(), static_cast<int>(value.text.size()),
+                                 SQLITE_STATIC);
+    }
+    return sqlite3_bind_int64(statement, place, value.integer);
+}
+
+int insert_row(_zeb_db_handle_t& handle, const char* table, const zeb_db_content_values_t& content,
+               std::int64_t* row_id) {
+    sqlite3_stmt* statement = nullptr;
+    int rc = find_insert(handle, table, content, statement);
+    for (std::size_t i = 0; i < content.count && rc == SQLITE_OK; ++i) {
+        rc = bind_value(statement, static_cast<int>(i) + 1, content.values[i]);
+    }
+    if (rc != SQLITE_OK) {
+        return rc;
+    }
+    rc = sqlite3_step(statement);
+    sqlite3_reset(statement);
+    if (rc != SQLITE_DONE) {
+        return rc;
+    }
+    if (row_id != nullptr) {
+        *row_id = sqlite3_last_insert_rowid(handle.connection.get());
+    }
+    return SQLITE_OK;
+}
+
+column_value& next_value(zeb_db_content_values_t& content, const char* column) {
+    if (content.count == content.values.size()) {
+        content.values.emplace_back();
+    }
+    column_value& value = content.values[content.count];
+    value.column = column;
+    return value;
+}
+
+int put_integer(zeb_db_content_values_t* content, const char* column, sqlite3_int64 integer) {
+    if (content == nullptr || column == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    return guarded([&] {
+        column_value& value = next_value(*content, column);
+        value.type = value_type::integer;
+        value.integer = integer;
+        ++content->count;
+        return SQLITE_OK;
+    });
+}
+
+sqlite3_int64 same_bits(std::uint64_t value) {
+    sqlite3_int64 integer = 0;
+    static_assert(sizeof integer == sizeof value);
+    std::memcpy(&integer, &value, sizeof integer);
+    return integer;
+}
+
+std::string query_sql(const char* table, const char* const* columns, unsigned column_count, const char* condition,
+                      const char* order_by) {
+    std::string sql = "SELECT ";
+    for (unsigned i = 0; i < column_count; ++i) {
+        sql += (i == 0 ? "" : ", ") + quoted(columns[i]);
+    }
+    sql += " FROM " + quoted(table) + where(condition);
+    return order_by == nullptr ? sql : sql + " ORDER BY " + order_by;
+}
+
+int open_connection(const char* path, _zeb_db_handle_t& handle) {
+    sqlite3* connection = nullptr;
+    const int rc = sqlite3_open_v2(path, &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    handle.connection.reset(connection);
+    if (rc != SQLITE_OK) {
+        return rc;
+    }
+    sqlite3_busy_timeout(connection, busy_timeout_ms);
+    return sqlite3_exec(connection, (std::string("BEGIN;") + inventory_schema + "COMMIT;").c_str(), nullptr, nullptr,
+                        nullptr);
+}
+
+std::string open_problem(sqlite3* connection) {
+    const int system_error = sqlite3_system_errno(connection);
+    const std::string message = sqlite3_errmsg(connection);
+    return system_error == 0 ? message : message + " (" + std::strerror(system_error) + ")";
+}
+
+}  // namespace
+
+int zeb_db_open(const char* path, _zeb_db_handle_t** handle) {
+    if (path == nullptr || handle == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    *handle = nullptr;
+    return guarded([&] {
+        auto opened = std::make_unique<_zeb_db_handle_t>();
+        const int rc = open_connection(path, *opened);
+        if (rc != SQLITE_OK) {
+            vonk_log::logErr("cannot open inventory database '%s': %s", path,
+                             open_problem(opened->connection.get()).c_str());
+            return rc;
+        }
+        *handle = opened.release();
+        return SQLITE_OK;
+    });
+}
+
+void zeb_db_close(_zeb_db_handle_t* handle) {
+    delete handle;
+}
+
+int zeb_db_delete(_zeb_db_handle_t* handle, const char* table, const char* condition, const char* const* arguments,
+                  unsigned argument_count, unsigned /*flags*/) {
+    if (handle == nullptr || table == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    return guarded([&]() -> int {
+        const std::string action = std::string("delete from ") + table;
+        if (transaction_was_lost(*handle)) {
+            return refuse_without_transaction(action);
+        }
+        statement_ptr statement;
+        int rc = prepare(*handle, "DELETE FROM " + quoted(table) + where(condition), statement);
+        if (rc == SQLITE_OK) {
+            rc = bind_arguments(statement.get(), arguments, argument_count);
+        }
+        if (rc == SQLITE_OK) {
+            rc = sqlite3_step(statement.get());
+        }
+        return rc == SQLITE_DONE ? SQLITE_OK : reported(*handle, rc, action);
+    });
+}
+
+int zeb_db_insert(_zeb_db_handle_t* handle, const char* table, zeb_db_content_values_t* values, unsigned /*flags*/,
+                  std::int64_t* row_id) {
+    if (handle == nullptr || table == nullptr || values == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    return guarded([&]() -> int {
+        if (transaction_was_lost(*handle)) {
+            return refuse_without_transaction(std::string("insert into ") + table);
+        }
+        const int rc = insert_row(*handle, table, *values, row_id);
+        return rc == SQLITE_OK ? rc : reported(*handle, rc, std::string("insert into ") + table);
+    });
+}
+
+int zeb_db_query(_zeb_db_handle_t* handle, const char* table, const char* const* columns, unsigned column_count,
+                 const char* condition, const char* const* arguments, unsigned argument_count, const char* order_by,
+                 zeb_db_result_t** result) {
+    if (handle == nullptr || table == nullptr || columns == nullptr || column_count == 0 || result == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    *result = nullptr;
+    return guarded([&] {
+        auto selected = std::make_unique<zeb_db_result_t>();
+        int rc = prepare(*handle, query_sql(table, columns, column_count, condition, order_by), selected->statement);
+        if (rc == SQLITE_OK) {
+            rc = bind_arguments(selected->statement.get(), arguments, argument_count);
+        }
+        if (rc != SQLITE_OK) {
+            return reported(*handle, rc, std::string("query ") + table);
+        }
+        *result = selected.release();
+        return SQLITE_OK;
+    });
+}
+
+int zeb_db_result_step(zeb_db_result_t* result) {
+    if (result == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    const int rc = sqlite3_step(result->statement.get());
+    result->on_row = rc == SQLITE_ROW;
+    if (result->on_row) {
+        return row_available;
+    }
+    return rc == row_available ? SQLITE_ERROR : rc;  // SQLite's own 9 is an interrupted statement
+}
+
+int zeb_db_result_column_uint(zeb_db_result_t* result, unsigned column, std::uint32_t* value) {
+    if (result == nullptr || value == nullptr || !result->on_row) {
+        return SQLITE_MISUSE;
+    }
+    sqlite3_stmt* statement = result->statement.get();
+    if (column >= static_cast<unsigned>(sqlite3_data_count(statement))) {
+        return SQLITE_RANGE;
+    }
+    const int index = static_cast<int>(column);
+    if (sqlite3_column_type(statement, index) != SQLITE_INTEGER) {
+        return SQLITE_MISMATCH;
+    }
+    *value = static_cast<std::uint32_t>(sqlite3_column_int64(statement, index));
+    return SQLITE_OK;
+}
+
+void zeb_db_free_result(zeb_db_result_t* result) {
+    delete result;
+}
+
+zeb_db_content_values_t* zeb_db_get_content_values(void) {
+    return new (std::nothrow) zeb_db_content_values_t;
+}
+
+void zeb_db_content_clear(zeb_db_content_values_t* values) {
+    if (values != nullptr) {
+        values->count = 0;
+    }
+}
+
+int zeb_db_content_put_text(zeb_db_content_values_t* values, const char* column, const char* text) {
+    if (values == nullptr || column == nullptr || text == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    return guarded([&] {
+        column_value& value = next_value(*values, column);
+        value.type = value_type::text;
+        value.text = text;
+        ++values->count;
+        return SQLITE_OK;
+    });
+}
+
+int zeb_db_content_put_uint(zeb_db_content_values_t* values, const char* column, std::uint32_t value) {
+    return put_integer(values, column, sqlite3_int64{value});
+}
+
+int zeb_db_content_put_uint64(zeb_db_content_values_t* values, const char* column, std::uint64_t value) {
+    return put_integer(values, column, same_bits(value));
+}
+
+void zeb_db_free_content_values(zeb_db_content_values_t* values) {
+    delete values;
+}
+
+int zeb_db_begin_transaction(_zeb_db_handle_t* handle) {
+    if (handle == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    const int rc = execute(*handle, "BEGIN IMMEDIATE", "begin a transaction");
+    handle->in_transaction = handle->in_transaction || rc == SQLITE_OK;
+    return rc;
+}
+
+int zeb_db_commit_transaction(_zeb_db_handle_t* handle) {
+    if (handle == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    if (transaction_was_lost(*handle)) {
+        return refuse_without_transaction("commit");
+    }
+    const int rc = execute(*handle, "COMMIT", "commit");
+    handle->in_transaction = handle->in_transaction && rc != SQLITE_OK;
+    return rc;
+}
+
+int zeb_db_rollback_transaction(_zeb_db_handle_t* handle) {
+    if (handle == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    const int rc = transaction_was_lost(*handle) ? SQLITE_OK : execute(*handle, "ROLLBACK", "roll back");
+    handle->in_transaction = handle->in_transaction && rc != SQLITE_OK;
+    return rc;
+}
