@@ -1,0 +1,86 @@
+// One row of "Memory" for each memory device; persistent-memory modules get their capacities and place as well.
+
+#include <vonk_log.h>
+
+#include "record.h"
+#include "zebdb_cds_parser/component.h"
+#include "zebdb_cds_parser/parser.h"
+
+namespace cds_parser {
+namespace {
+
+constexpr column memory_columns[] = {
+    {"Slot Number", "SlotNo", column_type::uint},
+    {"Total Width", "TotalWidth", column_type::uint},
+    {"Data Width", "DataWidth", column_type::uint},
+    {"Size in MB", "MemSize", column_type::uint},
+    {"Form Factor", "FormFactor", column_type::uint},
+    {"Device Locator", "DevLocator", column_type::text},
+    {"Bank Locator", "BankLocator", column_type::text},
+    {"Memory Type", "MemType", column_type::uint},
+    {"Type Detail", "TypeDetail", column_type::uint},
+    {"Maximum Speed", "MaxSpeed", column_type::uint},
+    {"Configured Memory Clock Speed", "ClockSpeed", column_type::uint},
+    {"Manufacturer", "Manufacturer", column_type::text},
+    {"Serial Number", "SerialNo", column_type::text},
+    {"Asset Tag", "AssetTag", column_type::text},
+    {"Part Number", "PartNo", column_type::text},
+    {"Attributes", "Attributes", column_type::uint},
+};
+
+constexpr column persistent_memory_columns[] = {
+    {"Capacity", "Capacity", column_type::uint64},
+    {"Memory Capacity", "MemCapacity", column_type::uint64},
+    {"App Direct Capacity", "AppDirCap", column_type::uint64},
+    {"Unconfigured Capacity", "UnconfigCap", column_type::uint64},
+    {"Inaccessible Capacity", "InaccCap", column_type::uint64},
+    {"Reserved Capacity", "ReservedCap", column_type::uint64},
+    {"Classification", "Classification", column_type::uint},
+    {"Firmware Version", "FirmwareVersion", column_type::text},
+    {"SoftwareID", "SoftwareID", column_type::text},
+    {"CPUIndex", "CPUIndex", column_type::uint},
+    {"iMCNum", "iMCNum", column_type::uint},
+    {"ChannelNum", "ChannelNum", column_type::uint},
+    {"DimmNum", "DimmNum", column_type::uint},
+};
+
+constexpr long long non_volatile = 0x1000;  // bit 12 of the type detail
+
+bool is_persistent(const setting_group& memory) {
+    return (int_of(memory, "Type Detail", 0) & non_volatile) != 0 && text_of(memory, "Manufacturer") == "Intel";
+}
+
+}  // namespace
+
+int parser::parse_memory(_zeb_db_handle_t* handle, component* visited) {
+    const setting_group* memory = visited->get_setting_group("memory_info");
+    if (memory == nullptr) {
+        return 0;
+    }
+
+    const bool persistent = is_persistent(*memory);
+    zeb_db_content_clear(content);
+    put_row_id(content, "ArrayId", parent_id);
+    put_int32(content, "NodeIndex", node_index);
+    std::size_t found = put_columns(content, *memory, memory_columns);
+    if (persistent) {
+        found += put_columns(content, *memory, persistent_memory_columns);
+    }
+    if (found == 0) {
+        return 1;
+    }
+
+    const int rc = zeb_db_insert(handle, "Memory", content, 0, &last_row_id);
+    if (rc != 0) {
+        const std::string bank = text_of(*memory, "Bank Locator");
+        vonk_log::logWarn("failed to insert Memory (%s), rc=%d", bank.c_str(), rc);
+        return 0;
+    }
+    return 1;
+}
+
+int parser::parse_memory_array(_zeb_db_handle_t*, component*) {
+    return 1;
+}
+
+}  // namespace cds_parser

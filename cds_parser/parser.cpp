@@ -1,0 +1,172 @@
+// The loader: empties the inventory tables, reads the CDS file and walks its tree, handing each component to the one
+// record writer that its setting groups call for.
+
+#include "zebdb_cds_parser/parser.h"
+
+#include <cstdlib>
+
+#include <vonk_log.h>
+
+#include "record.h"
+#include "zebdb_cds_parser/child_slot_group.h"
+#include "zebdb_cds_parser/component.h"
+#include "zebdb_cds_parser/document.h"
+#include "zebdb_cds_parser/entry_points.h"
+#include "zebdb_cds_parser/errors.h"
+
+namespace cds_parser {
+namespace {
+
+bool empty_table(_zeb_db_handle_t* handle, const char* table, const char* rows) {
+    const int rc = zeb_db_delete(handle, table, nullptr, nullptr, 0, 0);
+    if (rc != 0) {
+        vonk_log::logErr("CDS PARSER: failed to delete %s, rc=%d", rows, rc);
+    }
+    return rc == 0;
+}
+
+// Tells the rest of the controller that the memory rows were deleted; nothing here ever removes the file.
+void leave_memory_deleted_marker() {
+    if (std::system("touch /tmp/.dmdb_memory_deleted_flag") != 0) {
+        vonk_log::logErr("CDS PARSER: failed to create /tmp/.dmdb_memory_deleted_flag");
+    }
+}
+
+const setting_group* main_server_info(const component& candidate) {
+    const setting_group* info = candidate.get_setting_group("component_struct_info");
+    return info != nullptr && text_of(*info, "comp_type") == "EFI_CT_MAIN_SERVER" ? info : nullptr;
+}
+
+int walk_children(parser& walker, _zeb_db_handle_t* handle, const component& parent) {
+    parser::component_visitor visit_component{handle, &walker};
+    parser::child_slot_group_visitor visit_group{&visit_component};
+    for (child_slot_group* group : parent.child_slot_groups) {
+        visit_group(group);
+    }
+    return visit_component.failures == 0 ? 1 : 0;
+}
+
+int walk_bridge(parser& walker, _zeb_db_handle_t* handle, component& bridge) {
+    if (walker.parse_pci_bridge(handle, &bridge) == 0) {
+        return 0;
+    }
+    walker.parent_stack.push_back(walker.parent_id);
+    walker.parent_id = walker.last_row_id;
+    const int result = walk_children(walker, handle, bridge);
+    walker.parent_id = walker.parent_stack.back();
+    walker.parent_stack.pop_back();
+    return result;
+}
+
+}  // namespace
+
+int parser::component_visitor::operator()(component* visited) {
+    const int result = visited == nullptr ? 0 : owner->parse_component(handle, visited);
+    if (result == 0) {
+        ++failures;
+    }
+    return result;
+}
+
+int parser::child_slot_group_visitor::operator()(child_slot_group* visited) {
+    if (visited == nullptr) {
+        return 0;
+    }
+    for (component* child : visited->components) {
+        (*visitor)(child);
+    }
+    return 1;
+}
+
+parser::parser() : node_index(-1), parent_id(-1), last_row_id(-1), content(nullptr) {}
+
+parser::~parser() {
+    clear();
+}
+
+int parser::wipe(_zeb_db_handle_t* handle) {
+    if (!empty_table(handle, "Processor", "Processors") || !empty_table(handle, "Memory", "Memory Devices")) {
+        return 0;
+    }
+    leave_memory_deleted_marker();
+    return empty_table(handle, "PCIBridge", "PCI Bridges") && empty_table(handle, "PCIs", "PCI devices") ? 1 : 0;
+}
+
+int parser::init() {
+    content = zeb_db_get_content_values();
+    if (content == nullptr) {
+        vonk_log::logErr("no memory");
+        return 0;
+    }
+    return 1;
+}
+
+void parser::clear() {
+    node_index = -1;
+    parent_id = -1;
+    last_row_id = -1;
+    parent_stack.clear();
+    if (content != nullptr) {
+        zeb_db_content_clear(content);
+        zeb_db_free_content_values(content);
+        content = nullptr;
+    }
+}
+
+int parser::parse(_zeb_db_handle_t* handle, const char* path) {
+    if (init() == 0) {
+        vonk_log::logErr("failed to initialize the parser");
+        return 0;
+    }
+
+    document cds;
+    try {
+        if (!cds.parse(path)) {
+            vonk_log::logErr("failed to parse the CDS XML file");
+            return 0;
+        }
+    } catch (const sysipc::exception& error) {  // node_error and name_error among them
+        vonk_log::logErr("CDS XML ERROR: %s", error.what());
+        return 0;
+    }
+
+    const int result = parse_component(handle, &cds.root);
+    if (result == 0) {
+        vonk_log::logErr("failed to extract settings");
+        return 0;
+    }
+    vonk_log::logInfo("successfully parsed \"%s\"", path);
+    return result;
+}
+
+int parser::parse_component(_zeb_db_handle_t* handle, component* visited) {
+    if (visited == nullptr) {
+        return 0;
+    }
+    if (const setting_group* info = main_server_info(*visited)) {
+        node_index = int32_of(*info, "slot_index", 0);
+    }
+    if (visited->has_setting_group("pci_device_info")) {
+        return parse_pci_device(handle, visited);
+    }
+    if (visited->has_setting_group("pci_bridge_info")) {
+        return walk_bridge(*this, handle, *visited);
+    }
+    if (visited->has_setting_group("memory_info")) {
+        return parse_memory(handle, visited);
+    }
+    if (visited->has_setting_group("cpu_info")) {
+        return parse_processor(handle, visited);
+    }
+    return walk_children(*this, handle, *visited);
+}
+
+}  // namespace cds_parser
+
+int parse_cds(_zeb_db_handle_t* handle, const char* path) {
+    cds_parser::parser parser;
+    if (handle == nullptr || parser.wipe(handle) == 0) {
+        return -1;
+    }
+    return parser.parse(handle, path) - 1;
+}

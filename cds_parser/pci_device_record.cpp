@@ -1,0 +1,194 @@
+// One row of "PCIs" for each PCI function that has an address and a place in the server.
+
+#include <vonk_log.h>
+
+#include "pci_class.h"
+#include "pci_device_ids.h"
+#include "pci_function_type.h"
+#include "pci_keys.h"
+#include "record.h"
+#include "zebdb_cds_parser/component.h"
+#include "zebdb_cds_parser/parser.h"
+
+namespace cds_parser {
+namespace {
+
+constexpr std::int32_t on_board_location = 0;
+constexpr std::int32_t unknown_location = 2;
+
+constexpr column device_columns[] = {
+    {"Device ID", "DeviceId", column_type::uint},
+    {"Revision ID", "RevId", column_type::uint},
+    {"Subsystem Vendor ID", "SubVendorId", column_type::uint},
+    {"Subsystem ID", "SubDeviceId", column_type::uint},
+    {"Slot Designation", "SlotDesignation", column_type::text},
+    {"Slot Type", "SlotType", column_type::uint},
+    {"Slot Data Bus Width", "SlotDataBusWidth", column_type::uint},
+    {"Hotplug", "Hotplug", column_type::uint},
+    {"PCI Type", "PCIType", column_type::uint},
+    {"Blade Slot Port", "BladeSlotPort", column_type::uint},
+    {"Negotiated Link Width", "LanesInUse", column_type::uint},
+    {"Maximum Link Width", "MaxLanes", column_type::uint},
+    {"Max Link Speed", "MaxPCIeType", column_type::uint},
+    {"Current Link Speed", "PCIeType", column_type::uint},
+};
+
+// The values of a "pci_device_info" group that decide about its row.
+struct pci_function {
+    explicit pci_function(const setting_group& info)
+        : vendor(int32_of(info, "Vendor ID", -1)),
+          class_code(int32_of(info, "Class Code", -1)),
+          location(int32_of(info, "Location", unknown_location)),
+          device(int32_of(info, "Device ID", -1)),
+          subsystem_vendor(int32_of(info, "Subsystem Vendor ID", -1)),
+          subsystem(int32_of(info, "Subsystem ID", -1)),
+          has_subsystem(info.has_setting("Subsystem ID")),
+          segment(int32_of(info, "Segment Number", 0)),
+          bus(int32_of(info, "Bus Number", -1)),
+          device_number(int32_of(info, "Device Number", -1)),
+          function_number(int32_of(info, "Function Number", -1)),
+          slot(int32_of(info, "Slot Number", -1)) {}
+
+    std::int32_t vendor;
+    std::int32_t class_code;
+    std::int32_t location;
+    std::int32_t device;
+    std::int32_t subsystem_vendor;
+    std::int32_t subsystem;
+    bool has_subsystem;
+    std::int32_t segment;
+    std::int32_t bus;
+    std::int32_t device_number;
+    std::int32_t function_number;
+    std::int32_t slot;
+};
+
+bool is_misreported_accelerator(const pci_function& function) {
+    return function.vendor == pci_ids::accelerator_vendor && function.device == pci_ids::accelerator_device &&
+           function.has_subsystem && function.subsystem == pci_ids::accelerator_subsystem &&
+           function.subsystem_vendor == pci_ids::accelerator_vendor && function.class_code == pci_class::unassigned;
+}
+
+bool is_misreported_raid(const pci_function& function) {
+    constexpr std::int32_t last_plain_model = 4;
+    return function.vendor == pci_ids::raid_vendor && function.device == pci_ids::raid_device &&
+           (!function.has_subsystem || ((function.subsystem >> 8) & 0xFF) > last_plain_model);
+}
+
+std::int32_t corrected_class_code(const pci_function& function) {
+    if (is_misreported_accelerator(function)) {
+        return pci_class::accelerator;
+    }
+    return is_misreported_raid(function) ? pci_class::raid_controller : function.class_code;
+}
+
+bool is_on_board_storage(const pci_function& function) {
+    return function.vendor == pci_ids::storage_vendor && function.device != pci_ids::storage_switch_device &&
+           pci_class::base_class(function.class_code) == pci_class::mass_storage &&
+           function.location == on_board_location;
+}
+
+bool has_address(const pci_function& function) {
+    return function.bus >= 0 && function.device_number >= 0 && function.function_number >= 0;
+}
+
+// NVM Express drives are recorded wherever they are.
+bool has_valid_location(const pci_function& function) {
+    return function.location != unknown_location || function.class_code == pci_class::nvm_express;
+}
+
+bool is_flex_140(const pci_function& function) {
+    return function.vendor == pci_ids::intel_vendor && function.device == pci_ids::flex_140_device;
+}
+
+// Only the first function of each card is recorded. Both lines stand for every later one: the first is logged before
+// the card is looked up.
+bool is_first_of_flex_140(const pci_function& function, std::uint32_t key,
+                          std::map<std::uint32_t, std::int32_t>& device_keys) {
+    vonk_log::logWarn(
+        "CDS PARSER: pcie_dev Intel GUP Flex 140 vendorid %d device id %d slot %d seg_num %d bus %d dev_num %d fun_num "
+        "%d  will be insert.",
+        function.vendor, function.device, function.slot, function.segment, function.bus, function.device_number,
+        function.function_number);
+    if (device_keys.try_emplace(key, function.bus).second) {
+        return true;
+    }
+    vonk_log::logWarn(
+        "CDS PARSER: pcie_dev Ignore Intel GUP Flex 140 vendorid %d device id %d slot %d seg_num %d bus %d dev_num %d "
+        "fun_num %d ",
+        function.vendor, function.device, function.slot, function.segment, function.bus, function.device_number,
+        function.function_number);
+    return false;
+}
+
+void put_identity(zeb_db_content_values_t* content, const pci_function& function) {
+    put_int32(content, "SegNo", function.segment);
+    put_int32(content, "BusNo", function.bus);
+    put_int32(content, "DeviceNo", function.device_number);
+    put_int32(content, "FunctionNo", function.function_number);
+    put_int32(content, "SlotNo", function.slot);
+    put_int32(content, "Location", function.location);
+    if (function.vendor >= 0) {
+        put_int32(content, "VendorId", function.vendor);
+    }
+    if (function.class_code >= 0) {
+        put_int32(content, "ClsCode", function.class_code);
+    }
+}
+
+void put_classification(zeb_db_content_values_t* content, const pci_function& function, std::uint32_t key) {
+    zeb_db_content_put_uint(content, "HardwareId", key);
+    zeb_db_content_put_uint(content, "HardwareTypeId",
+                            hardware_type(function.vendor, function.device, function.class_code));
+    zeb_db_content_put_uint(content, "FunType", function_type(function.vendor, function.device, function.class_code));
+}
+
+}  // namespace
+
+int parser::parse_pci_device(_zeb_db_handle_t* handle, component* visited) {
+    const setting_group* info = visited->get_setting_group("pci_device_info");
+    if (info == nullptr) {
+        return 0;
+    }
+
+    pci_function function(*info);
+    function.class_code = corrected_class_code(function);
+    if (!has_address(function)) {
+        last_row_id = -1;
+        return 1;
+    }
+    if (is_on_board_storage(function)) {
+        function.slot = 0;
+    } else if (!has_valid_location(function)) {
+        vonk_log::logWarn("CDS PARSER: Device on slot %d bus %d doesn't have valid location info.", function.slot,
+                          function.bus);
+        return 1;
+    }
+    const std::uint32_t card = device_key(node_index, function.location, function.slot);
+    if (is_flex_140(function) && !is_first_of_flex_140(function, card, device_keys)) {
+        return 1;
+    }
+
+    const std::uint32_t key =
+        function_key(function.segment, function.bus, function.device_number, function.function_number);
+    zeb_db_content_clear(content);
+    put_row_id(content, "BridgeId", parent_id);
+    put_int32(content, "NodeIndex", node_index);
+    zeb_db_content_put_uint(content, "DevKey", card);
+    zeb_db_content_put_uint(content, "FunKey", key);
+    put_identity(content, function);
+    put_columns(content, *info, device_columns);
+    put_classification(content, function, key);
+
+    const int rc = zeb_db_insert(handle, "PCIs", content, 0, &last_row_id);
+    if (rc != 0) {
+        vonk_log::logWarn("failed to insert PCI device (seg_num=%d, bus_num=%d, dev_num=%d, fun_num=%d), rc=%d",
+                          function.segment, function.bus, function.device_number, function.function_number, rc);
+        return 0;
+    }
+    vonk_log::logInfo("CDS PARSER: find a PCI device, slot=%d, bus=%d, funNo=%d", function.slot, function.bus,
+                      function.function_number);
+    return 1;
+}
+
+}  // namespace cds_parser

@@ -1,0 +1,214 @@
+// Reads the element tree from the node records of an XML document. A node that is not the element asked for is told
+// by false; content that breaks the grammar inside the right element is told by an exception.
+
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include <libxml/tree.h>
+#include <sysxml.h>
+
+#include "xml_document.h"
+#include "zebdb_cds_parser/child_slot_group.h"
+#include "zebdb_cds_parser/component.h"
+#include "zebdb_cds_parser/document.h"
+#include "zebdb_cds_parser/errors.h"
+
+namespace cds_parser {
+namespace {
+
+constexpr const char* name_tag = "name";
+
+// In the order in which a child's name is compared with them: the frequent ones of a real file first.
+constexpr setting_node::setting_value_type value_elements[] = {
+    setting_node::hex_value,  setting_node::text_value, setting_node::integer_value, setting_node::decimal_value,
+    setting_node::bool_value, setting_node::date_value, setting_node::time_value,    setting_node::guid_value,
+};
+
+bool is_named(const xmlNode* record, const char* name) {
+    return record->name != nullptr && std::strcmp(reinterpret_cast<const char*>(record->name), name) == 0;
+}
+
+bool is_element(const sysxml::node& node, const char* tag) {
+    const xmlNode* record = node.get();
+    return record->type == XML_ELEMENT_NODE && is_named(record, tag);
+}
+
+// The first child that is no text at or behind `record`, or null: text between elements means nothing.
+xmlNode* skip_text(xmlNode* record) {
+    while (record != nullptr && record->type == XML_TEXT_NODE) {
+        record = record->next;
+    }
+    return record;
+}
+
+xmlNode* first_child(const sysxml::node& node) {
+    return skip_text(node.get()->children);
+}
+
+xmlNode* next_sibling(const xmlNode* record) {
+    return skip_text(record->next);
+}
+
+// Whether the element has text at all. Text that begins on a line of its own counts as absent.
+bool has_text(const xmlNode* element) {
+    const xmlNode* first = element->children;
+    return first != nullptr && first->content != nullptr && first->content[0] != '\0' && first->content[0] != '\n';
+}
+
+void replace_by_text(std::string& target, const xmlNode* element) {
+    if (has_text(element)) {
+        target = sysxml::node(element->children).content();
+    }
+}
+
+bool read_value(setting_node& setting, const xmlNode* element) {
+    for (const setting_node::setting_value_type type : value_elements) {
+        if (is_named(element, setting_node::map_value_type(type))) {
+            if (has_text(element)) {
+                setting.value = sysxml::node(element->children).content();
+                setting.value_type = type;
+            }
+            return true;
+        }
+    }
+    return false;
+}
+
+// Reads `record` into a new child of `parent`; false when it turned out not to be the child's element. A child whose
+// content breaks the grammar is not destroyed: it never was, and nobody owns it yet.
+template <class Parent, class Child>
+bool read_child(Parent& parent, void (Parent::*add)(Child*), xmlNode* record) {
+    auto* child = new Child(parent.level + 1);
+    sysxml::node node(record);
+    if (!child->parse(node)) {
+        delete child;
+        return false;
+    }
+    (parent.*add)(child);
+    return true;
+}
+
+[[noreturn]] void throw_unexpected(xmlNode* record, const char* parent_tag) {
+    std::ostringstream message;
+    message << "Unexpected node '" << sysxml::node(record).name() << "' in " << parent_tag;
+    throw node_error(message.str());
+}
+
+}  // namespace
+
+bool setting_node::parse(sysxml::node& node) {
+    if (!is_element(node, TAG)) {
+        return false;
+    }
+    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
+        if (is_named(child, name_tag)) {
+            replace_by_text(name, child);
+        } else if (!read_value(*this, child)) {
+            throw_unexpected(child, TAG);
+        }
+    }
+    if (name.empty()) {
+        throw name_error("empty setting name");
+    }
+    return true;
+}
+
+bool setting_group::parse(sysxml::node& node) {
+    clear();
+    if (!is_element(node, TAG)) {
+        return false;
+    }
+    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
+        if (is_named(child, name_tag)) {
+            replace_by_text(name, child);
+        } else if (is_named(child, setting_node::TAG)) {
+            if (!read_child(*this, &setting_group::add_setting, child)) {
+                break;
+            }
+        } else {
+            throw_unexpected(child, TAG);
+        }
+    }
+    if (name.empty()) {
+        throw name_error("empty setting group name");
+    }
+    return true;
+}
+
+bool child_slot_group::parse(sysxml::node& node) {
+    clear();
+    if (!is_element(node, TAG)) {
+        return false;
+    }
+    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
+        bool read = false;
+        if (is_named(child, setting_group::TAG)) {
+            read = read_child(*this, &child_slot_group::add_setting_group, child);
+        } else if (is_named(child, component::TAG)) {
+            read = read_child(*this, &child_slot_group::add_component, child);
+        } else {
+            throw_unexpected(child, TAG);
+        }
+        if (!read) {
+            break;
+        }
+    }
+    return true;
+}
+
+bool component::parse(sysxml::node& node) {
+    clear();
+    if (!is_element(node, TAG)) {
+        return false;
+    }
+    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
+        bool read = false;
+        if (is_named(child, setting_group::TAG)) {
+            read = read_child(*this, &component::add_setting_group, child);
+        } else if (is_named(child, child_slot_group::TAG)) {
+            read = read_child(*this, &component::add_child_slot_group, child);
+        } else {
+            throw_unexpected(child, TAG);
+        }
+        if (!read) {
+            break;
+        }
+    }
+    return true;
+}
+
+xml_document::~xml_document() = default;
+
+bool document::parse(sysxml::node& node) {
+    return root.parse(node);
+}
+
+bool document::parse(std::istream& in) {
+    const sysxml::parser library;
+    xml_document xml(in, false);
+    return parse(xml.root());
+}
+
+bool document::parse(const char* path) {
+    if (path == nullptr) {
+        return false;
+    }
+    std::ifstream file(path);
+    const bool read = parse(file);
+    file.close();
+    return read;
+}
+
+std::istream& operator>>(std::istream& in, document& doc) {
+    try {
+        if (!doc.parse(in)) {
+            in.setstate(std::ios::failbit);
+        }
+    } catch (const sysipc::exception&) {
+        in.setstate(std::ios::failbit);
+    }
+    return in;
+}
+
+}  // namespace cds_parser

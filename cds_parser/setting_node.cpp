@@ -1,0 +1,75 @@
+#include "zebdb_cds_parser/setting_node.h"
+
+#include <cstdlib>
+#include <limits>
+
+namespace cds_parser {
+namespace {
+
+constexpr const char* value_tags[] = {
+    "text_value", "hex_value",  "integer_value", "decimal_value", "bool_value",
+    "date_value", "time_value", "guid_value",    "unknow_value",
+};
+
+bool is_true(const std::string& text) {
+    return text == "true" || text == "1";
+}
+
+// Converting a double that does not fit an integer is undefined; like strtoll() this saturates, and NaN is no number.
+long long truncated(double value) {
+    constexpr double first_above = 9223372036854775808.0;  // 2^63
+    if (value >= first_above) {
+        return std::numeric_limits<long long>::max();
+    }
+    if (value < -first_above) {
+        return std::numeric_limits<long long>::min();
+    }
+    return value == value ? static_cast<long long>(value) : 0;
+}
+
+}  // namespace
+
+const char* setting_node::TAG = "setting";
+
+setting_node::setting_node(std::uint32_t nesting_level) : element(nesting_level), value_type(unknow_value) {}
+
+setting_node::~setting_node() = default;
+
+element_type setting_node::get_type() const {
+    return setting_node_type;
+}
+
+const char* setting_node::map_value_type(setting_value_type type) {
+    const auto number = static_cast<unsigned>(type);
+    return number < unknow_value ? value_tags[number] : value_tags[unknow_value];
+}
+
+long long setting_node::get_int64(long long default_value) const {
+    switch (value_type) {
+        case hex_value:
+            return std::strtoll(value.c_str(), nullptr, 16);
+        case integer_value:
+            return std::strtoll(value.c_str(), nullptr, 0);
+        case decimal_value:
+            return truncated(std::strtod(value.c_str(), nullptr));
+        case bool_value:
+            return is_true(value) ? 1 : 0;
+        default:
+            return default_value;
+    }
+}
+
+double setting_node::get_double(double default_value) const {
+    switch (value_type) {
+        case decimal_value:
+            return std::strtod(value.c_str(), nullptr);
+        case hex_value:
+        case integer_value:
+        case bool_value:
+            return static_cast<double>(get_int64(0));
+        default:
+            return default_value;
+    }
+}
+
+}  // namespace cds_parser

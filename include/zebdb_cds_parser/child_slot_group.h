@@ -1,0 +1,75 @@
+#ifndef ZEBDB_CDS_PARSER_CHILD_SLOT_GROUP_H
+#define ZEBDB_CDS_PARSER_CHILD_SLOT_GROUP_H
+
+#include <list>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "zebdb_cds_parser/setting_group.h"
+
+namespace cds_parser {
+
+class component;
+
+/// The components in one kind of slot, a `child_slot_group` element of the file. It owns its setting groups and its
+/// components.
+///
+/// Names are compared byte for byte and must not be null (std::logic_error). Pointers from a lookup stay the slot
+/// group's, valid until the element is removed or the slot group cleared or destroyed.
+class ZEBDB_CDS_PARSER_EXPORT child_slot_group : public element {
+public:
+    /// The XML element name of a child slot group.
+    static const char* TAG;
+
+    /// An empty slot group.
+    explicit child_slot_group(std::uint32_t level);
+    ~child_slot_group() override;
+
+    element_type get_type() const override;
+    void dump(std::ostream& out, unsigned int indent_width) const override;
+
+    /// Clears the slot group and reads a `child_slot_group` element into it. False, with nothing read, when `node` is
+    /// no such element. Throws node_error and name_error when the element's content breaks the grammar; what was read
+    /// before the failure stays.
+    bool parse(sysxml::node& node);
+
+    /// Takes ownership of `group`, behind the groups of the same name. A null pointer is ignored. A group must not be
+    /// added twice.
+    void add_setting_group(setting_group* group);
+
+    /// The first-added setting group of that name, or null.
+    setting_group* get_setting_group(const char* name) const;
+
+    /// Appends every setting group of that name to `out`, first added first; `out` keeps what it held.
+    void get_setting_group(const char* name, std::vector<setting_group*>& out) const;
+
+    bool has_setting_group(const char* name) const;
+
+    /// Destroys every setting group of that name; false when there is none.
+    bool remove_setting_group(const char* name);
+
+    /// Destroys every setting group.
+    void clear_setting_groups();
+
+    /// Takes ownership of `child`, behind the components already there. A null pointer is ignored.
+    void add_component(component* child);
+
+    /// Appends every component to `out` in order; `out` keeps what it held.
+    void get_components(std::vector<component*>& out) const;
+
+    /// Destroys every component.
+    void clear_components();
+
+    /// Destroys every setting group, then every component.
+    void clear();
+
+    /// The setting groups in byte-wise order of their names, those of one name in the order of adding.
+    std::multimap<std::string, setting_group*> setting_groups;
+    /// The components in the order of adding.
+    std::list<component*> components;
+};
+
+}  // namespace cds_parser
+
+#endif
