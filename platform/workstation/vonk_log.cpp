@@ -1,6 +1,4 @@
-// The log on a workstation: standard error, or the system's log when VONK_LOG=syslog.
-
-#include <vonk_log.h>
+#include "vonk_log_workstation.h"
 
 #include <syslog.h>
 
@@ -13,14 +11,20 @@
 namespace vonk_log {
 namespace {
 
-struct level {
-    const char* name;
+struct level_names {
+    const char* prefix;
     int priority;
 };
 
-constexpr level error_level = {"ERROR", LOG_ERR};
-constexpr level warning_level = {"WARNING", LOG_WARNING};
-constexpr level info_level = {"INFO", LOG_INFO};
+// In the order of the levels.
+constexpr level_names names[] = {
+    {"ERROR: ", LOG_ERR},
+    {"WARNING: ", LOG_WARNING},
+    {"INFO: ", LOG_INFO},
+};
+
+sink current_sink = nullptr;
+void* current_context = nullptr;
 
 bool wants_syslog() {
     const char* target = std::getenv("VONK_LOG");
@@ -41,41 +45,53 @@ __attribute__((format(printf, 1, 0))) std::string formatted(const char* format, 
     return text;
 }
 
-// One write a line, so that the lines of several processes do not mix.
-void write_line(const level& at, const std::string& text) {
-    const std::string line = std::string(at.name) + ": " + text + (!text.empty() && text.back() == '\n' ? "" : "\n");
-    std::fwrite(line.data(), 1, line.size(), stderr);
-}
-
-__attribute__((format(printf, 2, 0))) void log(const level& at, const char* format, va_list arguments) {
+__attribute__((format(printf, 2, 0))) void log(level at, const char* format, va_list arguments) {
     const std::string text = formatted(format, arguments);
-    if (wants_syslog()) {
-        syslog(LOG_USER | at.priority, "%s", text.c_str());
+    if (current_sink != nullptr) {
+        current_sink(current_context, at, text.c_str());
     } else {
-        write_line(at, text);
+        write(at, text.c_str());
     }
 }
 
 }  // namespace
 
+void set_sink(sink taken_by, void* context) {
+    current_sink = taken_by;
+    current_context = context;
+}
+
+void write(level at, const char* text) {
+    const level_names& name = names[static_cast<int>(at)];
+    if (wants_syslog()) {
+        syslog(LOG_USER | name.priority, "%s", text);
+        return;
+    }
+    std::string line = std::string(name.prefix) + text;
+    if (line.back() != '\n') {
+        line += '\n';
+    }
+    std::fwrite(line.data(), 1, line.size(), stderr);  // whole, so that the lines of several processes do not mix
+}
+
 void logErr(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    log(error_level, format, arguments);
+    log(level::error, format, arguments);
     va_end(arguments);
 }
 
 void logWarn(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    log(warning_level, format, arguments);
+    log(level::warning, format, arguments);
     va_end(arguments);
 }
 
 void logInfo(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    log(info_level, format, arguments);
+    log(level::info, format, arguments);
     va_end(arguments);
 }
 

@@ -1,0 +1,24 @@
+/// Where the log goes on a workstation: standard error with the level in front, or the system's log when the
+/// environment holds VONK_LOG=syslog. A program may take the lines itself.
+#ifndef VONK_LOG_WORKSTATION_H
+#define VONK_LOG_WORKSTATION_H
+
+#include <vonk_log.h>
+
+namespace vonk_log {
+
+enum class level { error, warning, info };
+
+/// Takes one log text, without a level and as it was formatted; `context` is what set_sink() was given.
+using sink = void (*)(void* context, level at, const char* text);
+
+/// Hands every further line of the process to `taken_by`; null restores the usual place. Not for use while another
+/// thread logs.
+void set_sink(sink taken_by, void* context);
+
+/// Writes a line to the usual place, whatever the sink.
+void write(level at, const char* text);
+
+}  // namespace vonk_log
+
+#endif
