@@ -68,7 +68,7 @@ int parser::component_visitor::operator()(component* visited) {
     return result;
 }
 
-int parser::child_slot_group_visitor::operator()(child_slot_group* visited) {
+int parser::child_slot_group_visitor::operator()(child_slot_group* visited) const {
     if (visited == nullptr) {
         return 0;
     }

@@ -34,7 +34,7 @@ public:
         component_visitor* visitor;
 
         /// 0 for a null group, else 1, whatever its components gave.
-        int operator()(child_slot_group* visited);
+        int operator()(child_slot_group* visited) const;
     };
 
     parser();

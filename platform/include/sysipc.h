@@ -17,6 +17,9 @@ public:
     /// The message; valid as long as the exception is.
     const char* what() const noexcept override;
 
+    std::int32_t first() const { return first_; }
+    std::int32_t second() const { return second_; }
+
 private:
     std::string message_;
     std::int32_t first_;
