@@ -134,6 +134,7 @@ doc_ptr read_document(std::istream& in, bool recover) {
     if (state.stream_failed) {
         throw_unreadable(state.stream_error);
     }
+    in.clear(in.rdstate() & ~std::ios::failbit);  // the last block is shorter than what was asked for
     if (doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
         throw sysipc::exception(state.problem.empty() ? "the input is no XML document" : state.problem);
     }
