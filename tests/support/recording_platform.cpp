@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sysipc.h>
+#include <sysxml.h>
 #include <vonk_log.h>
 
 #include <algorithm>
@@ -85,6 +87,10 @@ void recording_platform::fail_call(int ordinal, int code) {
     fail_ordinal_code_ = code;
 }
 
+void recording_platform::throw_from(const std::string& function, std::exception_ptr thrown) {
+    exceptions_[function] = std::move(thrown);
+}
+
 std::vector<std::string> recording_platform::calls_of(const std::string& function) const {
     std::vector<std::string> found;
     std::copy_if(calls.begin(), calls.end(), std::back_inserter(found), [&](const std::string& call) {
@@ -104,6 +110,11 @@ std::optional<int> recording_platform::enter(const std::string& function, const 
     calls.push_back(arguments.empty() ? function : function + ' ' + arguments);
     ++fallible_calls_;
     const int occurrence = ++occurrences_[function];
+    const auto thrown = exceptions_.find(function);
+    if (thrown != exceptions_.end()) {
+        failed_function_ = function;
+        std::rethrow_exception(thrown->second);
+    }
     std::optional<int> code;
     if (fallible_calls_ == fail_ordinal_) {
         code = fail_ordinal_code_;
@@ -116,6 +127,10 @@ std::optional<int> recording_platform::enter(const std::string& function, const 
         failed_function_ = function;
     }
     return code;
+}
+
+void recording_platform::check_handle(const _zeb_db_handle_t* given) {
+    EXPECT_EQ(given, handle()) << "a call with another database handle";
 }
 
 void recording_platform::note_log(const std::string& level, const std::string& text) {
@@ -193,6 +208,12 @@ int put(zeb_db_content_values_t* values, const std::string& type, const char* co
     return recorder.enter("zeb_db_content_put_" + type, text_of(column) + ' ' + value).value_or(0);
 }
 
+recording_platform& recorder_of(const _zeb_db_handle_t* handle) {
+    auto& recorder = recording_platform::current();
+    recorder.check_handle(handle);
+    return recorder;
+}
+
 std::string list_of(const char* const* texts, unsigned count) {
     std::string list;
     for (unsigned i = 0; i < count; ++i) {
@@ -218,17 +239,17 @@ std::string selection(const char* condition, const char* const* arguments, unsig
 
 }  // namespace
 
-int zeb_db_delete(_zeb_db_handle_t*, const char* table, const char* condition, const char* const* arguments,
+int zeb_db_delete(_zeb_db_handle_t* handle, const char* table, const char* condition, const char* const* arguments,
                   unsigned argument_count, unsigned flags) {
-    return recording_platform::current()
+    return recorder_of(handle)
         .enter("zeb_db_delete", text_of(table) + selection(condition, arguments, argument_count, nullptr) +
                                     (flags == 0 ? "" : " flags " + std::to_string(flags)))
         .value_or(0);
 }
 
-int zeb_db_insert(_zeb_db_handle_t*, const char* table, zeb_db_content_values_t* values, unsigned flags,
+int zeb_db_insert(_zeb_db_handle_t* handle, const char* table, zeb_db_content_values_t* values, unsigned flags,
                   std::int64_t* row_id) {
-    auto& recorder = recording_platform::current();
+    auto& recorder = recorder_of(handle);
     recorder.rows.push_back({text_of(table), opened(values).columns});
     if (const auto failure =
             recorder.enter("zeb_db_insert", text_of(table) + (flags == 0 ? "" : " flags " + std::to_string(flags)))) {
@@ -238,10 +259,10 @@ int zeb_db_insert(_zeb_db_handle_t*, const char* table, zeb_db_content_values_t*
     return 0;
 }
 
-int zeb_db_query(_zeb_db_handle_t*, const char* table, const char* const* columns, unsigned column_count,
+int zeb_db_query(_zeb_db_handle_t* handle, const char* table, const char* const* columns, unsigned column_count,
                  const char* condition, const char* const* arguments, unsigned argument_count, const char* order_by,
                  zeb_db_result_t** result) {
-    auto& recorder = recording_platform::current();
+    auto& recorder = recorder_of(handle);
     const auto failure = recorder.enter("zeb_db_query", text_of(table) + ' ' + list_of(columns, column_count) +
                                                             selection(condition, arguments, argument_count, order_by));
     const bool with_result = failure ? recorder.failing_queries_with_result.count(table) != 0
@@ -316,16 +337,16 @@ void zeb_db_free_content_values(zeb_db_content_values_t* values) {
     recorder.release(&given);
 }
 
-int zeb_db_begin_transaction(_zeb_db_handle_t*) {
-    return recording_platform::current().enter("zeb_db_begin_transaction", "").value_or(0);
+int zeb_db_begin_transaction(_zeb_db_handle_t* handle) {
+    return recorder_of(handle).enter("zeb_db_begin_transaction", "").value_or(0);
 }
 
-int zeb_db_commit_transaction(_zeb_db_handle_t*) {
-    return recording_platform::current().enter("zeb_db_commit_transaction", "").value_or(0);
+int zeb_db_commit_transaction(_zeb_db_handle_t* handle) {
+    return recorder_of(handle).enter("zeb_db_commit_transaction", "").value_or(0);
 }
 
-int zeb_db_rollback_transaction(_zeb_db_handle_t*) {
-    return recording_platform::current().enter("zeb_db_rollback_transaction", "").value_or(0);
+int zeb_db_rollback_transaction(_zeb_db_handle_t* handle) {
+    return recorder_of(handle).enter("zeb_db_rollback_transaction", "").value_or(0);
 }
 
 _zeb_db_handle_t* get_dmdb_handle(void) {
@@ -333,16 +354,16 @@ _zeb_db_handle_t* get_dmdb_handle(void) {
     return recorder.enter("get_dmdb_handle", "") ? nullptr : recorder.handle();
 }
 
-int parse_aim(_zeb_db_handle_t*, unsigned aim_argument) {
-    return recording_platform::current().enter("parse_aim", std::to_string(aim_argument)).value_or(0);
+int parse_aim(_zeb_db_handle_t* handle, unsigned aim_argument) {
+    return recorder_of(handle).enter("parse_aim", std::to_string(aim_argument)).value_or(0);
 }
 
 int agentless_update_inventory_sequence(int kind) {
     return recording_platform::current().enter("agentless_update_inventory_sequence", std::to_string(kind)).value_or(0);
 }
 
-int rebuild_tables_in_memory(_zeb_db_handle_t*) {
-    return recording_platform::current().enter("rebuild_tables_in_memory", "").value_or(0);
+int rebuild_tables_in_memory(_zeb_db_handle_t* handle) {
+    return recorder_of(handle).enter("rebuild_tables_in_memory", "").value_or(0);
 }
 
 int zebdb_get_pldm_firmware_pending_list(zebdb_pldm_firmware_pending_list* list) {
@@ -356,6 +377,17 @@ int zebdb_get_pldm_firmware_pending_list(zebdb_pldm_firmware_pending_list* list)
     list->entries = recorder.pending_firmware == 0 ? nullptr : std::calloc(recorder.pending_firmware, 16);
     return 0;
 }
+
+namespace sysxml {
+
+// A program without a recorder reads XML all the same. libxml2 needs no start: the first document does it.
+parser::parser() {
+    if (active != nullptr && active->enter("sysxml::parser", "")) {
+        throw sysipc::exception("the XML library is out of order");
+    }
+}
+
+}  // namespace sysxml
 
 namespace vonk_log {
 

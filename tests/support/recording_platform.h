@@ -1,11 +1,13 @@
 /// A platform for tests: it does nothing but note every call with its arguments, and fails the calls it is told to.
 ///
 /// A test program that is built with it answers the library's platform calls itself, as any process may; only XML is
-/// still read by the workstation platform. One recording_platform at a time receives the calls of the process.
+/// still read by the workstation platform, once the recorder has let the library have a sysxml::parser. One
+/// recording_platform at a time receives the calls of the process.
 #ifndef TESTS_SUPPORT_RECORDING_PLATFORM_H
 #define TESTS_SUPPORT_RECORDING_PLATFORM_H
 
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <optional>
 #include <set>
@@ -42,12 +44,15 @@ public:
 
     // What to answer.
 
-    /// From now on every call of this function fails: with `code`, or with null where it returns a pointer.
+    /// From now on every call of this function fails: with `code`, with null where it returns a pointer, or with a
+    /// sysipc::exception where it is a constructor.
     void fail(const std::string& function, int code = 1);
     /// Only its `occurrence`-th call fails, counted from 1.
     void fail_once(const std::string& function, int occurrence, int code = 1);
     /// The `ordinal`-th call of any function that can fail fails, counted from 1 over all of them.
     void fail_call(int ordinal, int code = 1);
+    /// From now on every call of this function throws `thrown`.
+    void throw_from(const std::string& function, std::exception_ptr thrown);
     /// Runs shell commands for real instead of answering 0.
     void run_commands() { runs_commands_ = true; }
 
@@ -86,8 +91,10 @@ public:
     struct buffer;
     struct result;
 
-    /// Notes a call; its failure code when it is to fail, else nothing.
+    /// Notes a call; its failure code when it is to fail, else nothing. Throws when it is to throw.
     std::optional<int> enter(const std::string& function, const std::string& arguments);
+    /// Fails the running test when a call brings another handle than handle().
+    void check_handle(const _zeb_db_handle_t* given);
     void note_log(const std::string& level, const std::string& text);
     int run(const char* command);
     buffer* new_buffer();
@@ -105,6 +112,7 @@ private:
     };
 
     std::map<std::string, wanted_failure> failures_;
+    std::map<std::string, std::exception_ptr> exceptions_;
     std::map<std::string, int> occurrences_;
     int fail_ordinal_ = 0;
     int fail_ordinal_code_ = 0;
