@@ -1,0 +1,61 @@
+#!/bin/bash
+# What the dynamic linker sees of a shared library, one symbol a line.
+#
+#   symbols.sh exported LIBRARY           the symbols that LIBRARY shows to others
+#   symbols.sh needed LIBRARY PROVIDER    those that LIBRARY leaves undefined and PROVIDER shows
+#   symbols.sh check LIST exported|needed ...
+#                                         status 1 and the differences when they are not those in the file LIST
+set -euo pipefail
+shopt -s inherit_errexit
+export LC_ALL=C
+
+# The names alone, in order. A library without any is no library.
+names() {
+    nm -D -P "$@" | sed 's/[@ ].*//' | sort -u | grep .
+}
+
+exported() {
+    names --defined-only "$1"
+}
+
+needed() {
+    local undefined provided
+    undefined=$(names --undefined-only "$1")
+    provided=$(exported "$2")
+    comm -12 <(echo "$undefined") <(echo "$provided")
+}
+
+# Adds what a mangled name says.
+readable() {
+    local symbol meaning
+    while read -r symbol; do
+        meaning=$(c++filt "$symbol")
+        [ "$meaning" = "$symbol" ] && echo "$symbol" || echo "$symbol  # $meaning"
+    done
+}
+
+check() {
+    local list=$1 wanted found
+    shift
+    wanted=$(sed 's/ .*//' "$list")
+    found=$("$@")
+    if [ "$wanted" != "$found" ]; then
+        diff -U 0 --label "$list" --label "$*" <(echo "$wanted" | readable) <(echo "$found" | readable) || true
+        [ "$list" = /dev/null ] || printf '\nIf that is meant: %s %s > %s\n' "$0" "$*" "$list"
+        return 1
+    fi
+}
+
+case ${1-} in
+    exported | needed)
+        "$@" | readable
+        ;;
+    check)
+        shift
+        check "$@"
+        ;;
+    *)
+        sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2
+        exit 2
+        ;;
+esac
