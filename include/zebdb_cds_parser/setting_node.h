@@ -15,7 +15,7 @@ namespace cds_parser {
 class ZEBDB_CDS_PARSER_EXPORT setting_node : public element {
 public:
     /// Which value element supplied the value; the names are the elements' own.
-    enum setting_value_type {
+    enum setting_value_type : std::uint32_t {
         text_value = 0,
         hex_value = 1,
         integer_value = 2,

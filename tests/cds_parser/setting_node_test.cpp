@@ -45,6 +45,13 @@ constexpr setting_node::setting_value_type non_numeric_types[] = {
     setting_node::guid_value, setting_node::unknow_value,
 };
 
+// Numbers that are no type at all.
+constexpr setting_node::setting_value_type other_types[] = {
+    static_cast<setting_node::setting_value_type>(9),
+    static_cast<setting_node::setting_value_type>(42),
+    static_cast<setting_node::setting_value_type>(std::numeric_limits<std::uint32_t>::max()),
+};
+
 constexpr long long largest = std::numeric_limits<long long>::max();
 constexpr long long smallest = std::numeric_limits<long long>::min();
 
@@ -98,6 +105,12 @@ TEST(MapValueType, NamesEveryType) {
     EXPECT_STREQ(setting_node::map_value_type(setting_node::time_value), "time_value");
     EXPECT_STREQ(setting_node::map_value_type(setting_node::guid_value), "guid_value");
     EXPECT_STREQ(setting_node::map_value_type(setting_node::unknow_value), "unknow_value");
+}
+
+TEST(MapValueType, NamesEveryOtherNumberUnknown) {
+    for (const auto type : other_types) {
+        EXPECT_STREQ(setting_node::map_value_type(type), "unknow_value") << type;
+    }
 }
 
 TEST(HexValue, TakesAnOptionalPrefix) {
@@ -231,5 +244,12 @@ TEST(NonNumericValue, GivesTheDefaultHoweverItReads) {
     for (const auto type : non_numeric_types) {
         EXPECT_EQ(to_int64(type, "123", -9), -9) << setting_node::map_value_type(type);
         EXPECT_EQ(to_double(type, "123", -9.5), -9.5) << setting_node::map_value_type(type);
+    }
+}
+
+TEST(NonNumericValue, IsThatOfEveryNumberThatIsNoType) {
+    for (const auto type : other_types) {
+        EXPECT_EQ(to_int64(type, "123", -9), -9) << type;
+        EXPECT_EQ(to_double(type, "123", -9.5), -9.5) << type;
     }
 }
