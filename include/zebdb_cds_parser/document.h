@@ -11,7 +11,8 @@ namespace cds_parser {
 ///
 /// The parse members replace what the document holds. They return false when the root element is not a `component`,
 /// and throw node_error or name_error when the content breaks the grammar and sysipc::exception when the input cannot
-/// be read or is not well-formed XML; what was read before a failure stays in the tree.
+/// be read or is not well-formed XML. That last failure leaves the document as it was; after the others the tree holds
+/// what was read before them.
 class ZEBDB_CDS_PARSER_EXPORT document {
 public:
     /// A document whose root has nothing in it.

@@ -10,7 +10,8 @@
 
 namespace cds_parser {
 
-/// An element holds a child that it does not accept: "Unexpected node 'CHILD' in PARENT".
+/// An element holds a child that it does not accept: "Unexpected node 'CHILD' in PARENT". Of a child without a name, a
+/// CDATA section say, the message is "Unexpected node '" and no more.
 class ZEBDB_CDS_PARSER_EXPORT node_error : public sysipc::exception {
 public:
     explicit node_error(const std::string& message);

@@ -38,7 +38,8 @@ public:
     void dump(std::ostream& out, unsigned int indent_width) const override;
 
     /// Reads a `setting` element over what this setting holds. False, with nothing read, when `node` is no such
-    /// element. Throws node_error on a child that a setting does not accept and name_error when no child names it.
+    /// element. Throws node_error on a child that a setting does not accept and name_error when the setting is left
+    /// without a name.
     bool parse(sysxml::node& node);
 
     /// The name of the value element of `type`; "unknow_value" for every number outside 0 to 7. Never null.
