@@ -23,9 +23,10 @@ namespace {
 // What the callbacks of one reading share.
 struct reading {
     std::istream& in;
-    int stream_error = 0;        // of the system, when the stream failed
-    bool stream_failed = false;  // the stream itself, not the text in it
-    std::string problem = {};    // the first one, with its place
+    xmlParserCtxtPtr parser = nullptr;  // of the stream; an entity's text is read by a parser of its own
+    int stream_error = 0;               // of the system, when the stream failed
+    bool stream_failed = false;         // the stream itself, not the text in it
+    std::string problem = {};           // the first one, with its place
 };
 
 struct context_deleter {
@@ -42,9 +43,13 @@ reading& reading_of(void* context) {
     return *static_cast<reading*>(static_cast<xmlParserCtxtPtr>(context)->_private);
 }
 
-std::string current_place(void* context) {
-    return "line " + std::to_string(xmlSAX2GetLineNumber(context)) + ", column " +
-           std::to_string(xmlSAX2GetColumnNumber(context)) + ": ";
+// Where the stream is read, whatever entities the text there leads to; empty as long as none is open.
+std::string current_place(const reading& state) {
+    if (state.parser->inputNr == 0) {
+        return "";
+    }
+    const xmlParserInput& input = *state.parser->inputTab[0];
+    return "line " + std::to_string(input.line) + ", column " + std::to_string(input.col) + ": ";
 }
 
 void keep_first_problem(void* context, xmlErrorPtr error) {
@@ -52,7 +57,7 @@ void keep_first_problem(void* context, xmlErrorPtr error) {
     if (state.problem.empty() && error->level >= XML_ERR_ERROR) {
         std::string text = error->message == nullptr ? "unknown error" : error->message;
         text.erase(text.find_last_not_of("\r\n") + 1);
-        state.problem = current_place(context) + text;
+        state.problem = current_place(state) + text;
     }
 }
 
@@ -66,7 +71,7 @@ void declare_entity(void* context, const xmlChar* name, int type, const xmlChar*
     reading& state = reading_of(context);
     if (state.problem.empty()) {
         state.problem =
-            current_place(context) + "External entity '" + reinterpret_cast<const char*>(name) + "' is refused";
+            current_place(state) + "External entity '" + reinterpret_cast<const char*>(name) + "' is refused";
     }
     auto* parser = static_cast<xmlParserCtxtPtr>(context);
     parser->wellFormed = 0;
@@ -112,6 +117,7 @@ context_ptr make_context(reading& state) {
         throw std::bad_alloc();
     }
     context->_private = &state;
+    state.parser = context.get();
     context->sax->serror = keep_first_problem;
     context->sax->entityDecl = declare_entity;
     return context;
