@@ -132,6 +132,12 @@ TEST_F(MemoryRecord, PutsOnlyTheColumnOfAnOnlyPersistentMemorySetting) {
     }
 }
 
+TEST_F(MemoryRecord, OfPersistentMemoryWithoutAnySettingOfItsOwnIsWritten) {
+    EXPECT_EQ(write(settings_of(memory_columns)), 1);
+    ASSERT_EQ(platform.rows.size(), 1u);
+    EXPECT_EQ(platform.rows[0].columns, columns_of(no_bridge_no_server, memory_columns));
+}
+
 TEST_F(MemoryRecord, OfAnotherManufacturerHasNoPersistentMemoryColumns) {
     EXPECT_EQ(columns_of_module({text("Manufacturer", "Micron")}), ordinary_columns("Manufacturer", "text:Micron"));
 }

@@ -36,8 +36,8 @@ component* make_bridge(const std::string& bus, const std::vector<component*>& ch
 }
 
 // A bridge that leaves no row.
-component* make_bridge_without_address(const std::vector<component*>& children) {
-    component* bridge = make_component("pci_bridge_info");
+component* make_bridge_without_function(const std::vector<component*>& children) {
+    component* bridge = make_component("pci_bridge_info", {integer("Bus Number", "1"), integer("Device Number", "0")});
     add_children(*bridge, children);
     return bridge;
 }
@@ -337,9 +337,9 @@ TEST_F(ParseComponent, SeesABridgeThroughComponentsWithoutARow) {
     EXPECT_THAT(column_of("PCIs", "BridgeId"), ElementsAre("uint64:10"));
 }
 
-TEST_F(ParseComponent, WalksTheSubtreeOfABridgeWithoutAddressAsOutsideAnyBridge) {
+TEST_F(ParseComponent, WalksTheSubtreeOfABridgeWithoutFunctionNumberAsOutsideAnyBridge) {
     platform.next_row_id = 10;
-    add_children(root, {make_bridge("1", {make_bridge_without_address({make_device("1")}), make_device("2")})});
+    add_children(root, {make_bridge("1", {make_bridge_without_function({make_device("1")}), make_device("2")})});
     EXPECT_EQ(parse(root), 1);
     EXPECT_THAT(column_of("PCIs", "BridgeId"), ElementsAre(no_row, "uint64:10"));
 }

@@ -230,11 +230,11 @@ TEST_F(PciBridgeRecord, LogsAWarningWhenTheInsertFails) {
 }
 
 TEST_F(PciBridgeRecord, LogsTheSegmentOfAFailingBridgeAsASignedNumber) {
-    platform.fail("zeb_db_insert", 5);
+    platform.fail("zeb_db_insert", -5);
     EXPECT_EQ(write({hex("Segment Number", "0xFFFFFFFE")}), 0);
     EXPECT_THAT(
         platform.log,
-        ElementsAre("WARNING: failed to insert PCI Bridge (seg_num=-2, bus_num=59, dev_num=31, fun_num=7), rc=5"));
+        ElementsAre("WARNING: failed to insert PCI Bridge (seg_num=-2, bus_num=59, dev_num=31, fun_num=7), rc=-5"));
 }
 
 TEST_F(PciBridgeRecord, IsInsertedEvenIfNoColumnCanBePut) {

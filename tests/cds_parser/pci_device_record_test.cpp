@@ -594,6 +594,14 @@ TEST_F(PciDeviceRecord, LogsAWarningWhenTheInsertFails) {
         ElementsAre("WARNING: failed to insert PCI device (seg_num=1, bus_num=59, dev_num=31, fun_num=7), rc=5"));
 }
 
+TEST_F(PciDeviceRecord, LogsTheSegmentOfAFailingFunctionAsASignedNumber) {
+    platform.fail("zeb_db_insert", -5);
+    EXPECT_EQ(write({hex("Segment Number", "0xFFFFFFFE")}), 0);
+    EXPECT_THAT(
+        platform.log,
+        ElementsAre("WARNING: failed to insert PCI device (seg_num=-2, bus_num=59, dev_num=31, fun_num=7), rc=-5"));
+}
+
 TEST_F(PciDeviceRecord, IsInsertedEvenIfNoColumnCanBePut) {
     platform.fail("zeb_db_content_put_text");
     platform.fail("zeb_db_content_put_uint");

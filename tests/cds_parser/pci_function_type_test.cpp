@@ -159,6 +159,13 @@ TEST(FunctionType, OfEveryPairNotListedIsTheCatchAll) {
     EXPECT_EQ(not_listed, 0x15 * 0x100 - 5 * 0x100 - 16);
 }
 
+TEST(FunctionType, GoesByTheDeviceInterfaceForUsbAlone) {
+    classifier pci;
+    EXPECT_EQ(pci.function_type(0x0C04FE), "uint:2");
+    EXPECT_EQ(pci.function_type(0x0C05FE), "uint:7");
+    EXPECT_EQ(pci.function_type(0x0C06FE), "uint:3");
+}
+
 TEST(FunctionType, OfAnUnassignedClassIsTheCatchAll) {
     classifier pci;
     EXPECT_EQ(pci.function_type(0xFF0000), "uint:7");

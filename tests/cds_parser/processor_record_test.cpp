@@ -132,9 +132,9 @@ TEST_F(ProcessorRecord, LogsAnErrorWhenTheInsertFails) {
 }
 
 TEST_F(ProcessorRecord, LogsAnEmptySocketWhenTheFailingProcessorHasNone) {
-    platform.fail("zeb_db_insert", 5);
+    platform.fail("zeb_db_insert", -5);
     EXPECT_EQ(write({integer("Core Count", "8")}), 0);
-    EXPECT_THAT(platform.log, ElementsAre("ERROR: failed to insert Processor (), rc=5"));
+    EXPECT_THAT(platform.log, ElementsAre("ERROR: failed to insert Processor (), rc=-5"));
 }
 
 TEST_F(ProcessorRecord, IsInsertedEvenIfNoColumnCanBePut) {
