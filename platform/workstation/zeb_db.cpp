@@ -58,6 +58,7 @@ struct zeb_db_content_values_t {
 struct zeb_db_result_t {
     statement_ptr statement;
     bool on_row = false;
+    int end = SQLITE_OK;  // the code of the step that found no row, once there was one
 };
 
 namespace {
@@ -327,12 +328,16 @@ int zeb_db_result_step(zeb_db_result_t* result) {
     if (result == nullptr) {
         return SQLITE_MISUSE;
     }
+    if (result->end != SQLITE_OK) {
+        return result->end;  // SQLite would begin with the first row again
+    }
     const int rc = sqlite3_step(result->statement.get());
     result->on_row = rc == SQLITE_ROW;
     if (result->on_row) {
         return row_available;
     }
-    return rc == row_available ? SQLITE_ERROR : rc;  // SQLite's own 9 is an interrupted statement
+    result->end = rc == row_available ? SQLITE_ERROR : rc;  // SQLite's own 9 is an interrupted statement
+    return result->end;
 }
 
 int zeb_db_result_column_uint(zeb_db_result_t* result, unsigned column, std::uint32_t* value) {
