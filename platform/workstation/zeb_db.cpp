@@ -233,6 +233,8 @@ int open_connection(const char* path, _zeb_db_handle_t& handle) {
         return rc;
     }
     sqlite3_busy_timeout(connection, busy_timeout_ms);
+    // Else SQLite takes a quoted name that is no column for a text.
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     return sqlite3_exec(connection, (std::string("BEGIN;") + inventory_schema + "COMMIT;").c_str(), nullptr, nullptr,
                         nullptr);
 }
