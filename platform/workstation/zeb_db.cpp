@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 #include <vonk_log.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -111,6 +112,10 @@ int prepare(_zeb_db_handle_t& handle, const std::string& sql, statement_ptr& sta
     const int rc = sqlite3_prepare_v2(handle.connection.get(), sql.c_str(), -1, &prepared, nullptr);
     statement.reset(prepared);
     return rc;
+}
+
+bool lacks_text(const char* const* texts, unsigned count) {
+    return count > 0 && (texts == nullptr || std::find(texts, texts + count, nullptr) != texts + count);
 }
 
 int bind_arguments(sqlite3_stmt* statement, const char* const* arguments, unsigned count) {
@@ -271,7 +276,7 @@ void zeb_db_close(_zeb_db_handle_t* handle) {
 
 int zeb_db_delete(_zeb_db_handle_t* handle, const char* table, const char* condition, const char* const* arguments,
                   unsigned argument_count, unsigned /*flags*/) {
-    if (handle == nullptr || table == nullptr) {
+    if (handle == nullptr || table == nullptr || lacks_text(arguments, argument_count)) {
         return SQLITE_MISUSE;
     }
     return guarded([&]() -> int {
@@ -308,7 +313,8 @@ int zeb_db_insert(_zeb_db_handle_t* handle, const char* table, zeb_db_content_va
 int zeb_db_query(_zeb_db_handle_t* handle, const char* table, const char* const* columns, unsigned column_count,
                  const char* condition, const char* const* arguments, unsigned argument_count, const char* order_by,
                  zeb_db_result_t** result) {
-    if (handle == nullptr || table == nullptr || columns == nullptr || column_count == 0 || result == nullptr) {
+    if (handle == nullptr || table == nullptr || column_count == 0 || lacks_text(columns, column_count) ||
+        lacks_text(arguments, argument_count) || result == nullptr) {
         return SQLITE_MISUSE;
     }
     *result = nullptr;
