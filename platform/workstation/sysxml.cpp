@@ -84,8 +84,8 @@ int read_block(void* opaque, char* buffer, int size) {
     errno = 0;
     try {
         state.in.read(buffer, size);
-    } catch (const std::ios::failure&) {
-        // The stream was told to throw; its state says what happened.
+    } catch (...) {
+        // A stream that was told to throw passes on whatever its buffer threw. Its state says what happened.
     }
     if (state.in.bad()) {
         state.stream_error = errno;
