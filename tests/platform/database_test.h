@@ -1,0 +1,95 @@
+#ifndef TESTS_PLATFORM_DATABASE_TEST_H
+#define TESTS_PLATFORM_DATABASE_TEST_H
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <zeb_db_workstation.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/captured_log.h"
+#include "support/scratch_folder.h"
+
+struct handle_deleter {
+    void operator()(_zeb_db_handle_t* handle) const { zeb_db_close(handle); }
+};
+using handle_ptr = std::unique_ptr<_zeb_db_handle_t, handle_deleter>;
+
+struct content_deleter {
+    void operator()(zeb_db_content_values_t* content) const { zeb_db_free_content_values(content); }
+};
+using content_ptr = std::unique_ptr<zeb_db_content_values_t, content_deleter>;
+
+struct result_deleter {
+    void operator()(zeb_db_result_t* result) const { zeb_db_free_result(result); }
+};
+using result_ptr = std::unique_ptr<zeb_db_result_t, result_deleter>;
+
+inline content_ptr new_content() {
+    return content_ptr(zeb_db_get_content_values());
+}
+
+/// An inventory database in a folder of its own, and the SQLite connections behind its handles.
+class DatabaseTest : public testing::Test {
+protected:
+    DatabaseTest() : handle(open()), connection(newest_connection_) {}
+
+    /// One more handle on the same database; `connection_of_newest()` is the connection behind it.
+    handle_ptr open() {
+        sqlite3_auto_extension(reinterpret_cast<void (*)()>(note_connection));
+        _zeb_db_handle_t* opened = nullptr;
+        EXPECT_EQ(zeb_db_open(path.c_str(), &opened), 0);
+        sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(note_connection));
+        return handle_ptr(opened);
+    }
+    static sqlite3* connection_of_newest() { return newest_connection_; }
+
+    int insert(_zeb_db_handle_t* into, const std::string& socket, std::uint32_t cores) {
+        const content_ptr content = new_content();
+        zeb_db_content_put_text(content.get(), "Socket", socket.c_str());
+        zeb_db_content_put_uint(content.get(), "CoreCount", cores);
+        return zeb_db_insert(into, "Processor", content.get(), 0, nullptr);
+    }
+    int insert(const std::string& socket, std::uint32_t cores) { return insert(handle.get(), socket, cores); }
+
+    /// The rows that a SQL query finds through a connection of its own, their columns joined by '|'.
+    std::vector<std::string> rows(const std::string& sql) const {
+        sqlite3* reader = nullptr;
+        EXPECT_EQ(sqlite3_open_v2(path.c_str(), &reader, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
+        std::vector<std::string> found;
+        EXPECT_EQ(sqlite3_exec(reader, sql.c_str(), note_row, &found, nullptr), SQLITE_OK) << sqlite3_errmsg(reader);
+        sqlite3_close(reader);
+        return found;
+    }
+
+    std::vector<std::string> sockets() const { return rows("SELECT Socket FROM Processor ORDER BY Id"); }
+
+    const scratch_folder folder;
+    const std::string path = folder.file("inventory.db");
+    const captured_log log;
+    const handle_ptr handle;
+    sqlite3* const connection;
+
+private:
+    static int note_connection(sqlite3* opened, const char**, const sqlite3_api_routines*) {
+        newest_connection_ = opened;
+        return SQLITE_OK;
+    }
+
+    static int note_row(void* context, int count, char** values, char**) {
+        std::string row;
+        for (int i = 0; i < count; ++i) {
+            row += (i == 0 ? "" : "|") + std::string(values[i] == nullptr ? "null" : values[i]);
+        }
+        static_cast<std::vector<std::string>*>(context)->push_back(row);
+        return 0;
+    }
+
+    static inline sqlite3* newest_connection_ = nullptr;
+};
+
+#endif

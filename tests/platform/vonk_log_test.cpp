@@ -1,0 +1,110 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "support/captured_log.h"
+#include "support/captured_stderr.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+/// VONK_LOG has a value, or none with null, as long as this lives.
+class log_target {
+public:
+    explicit log_target(const char* value) {
+        if (value == nullptr) {
+            unsetenv("VONK_LOG");
+        } else {
+            setenv("VONK_LOG", value, 1);
+        }
+    }
+    ~log_target() { unsetenv("VONK_LOG"); }
+    log_target(const log_target&) = delete;
+    log_target& operator=(const log_target&) = delete;
+};
+
+class VonkLog : public testing::Test {
+protected:
+    const log_target target{nullptr};
+    const captured_stderr standard_error;
+};
+
+TEST_F(VonkLog, WritesErrorsWithTheirLevel) {
+    vonk_log::logErr("no memory");
+    EXPECT_EQ(standard_error.text(), "ERROR: no memory\n");
+}
+
+TEST_F(VonkLog, WritesWarningsWithTheirLevel) {
+    vonk_log::logWarn("no location");
+    EXPECT_EQ(standard_error.text(), "WARNING: no location\n");
+}
+
+TEST_F(VonkLog, WritesInformationWithItsLevel) {
+    vonk_log::logInfo("done");
+    EXPECT_EQ(standard_error.text(), "INFO: done\n");
+}
+
+TEST_F(VonkLog, FillsInTheArguments) {
+    vonk_log::logErr("%s: rc=%d, 0x%x", "insert", -1, 255U);
+    EXPECT_EQ(standard_error.text(), "ERROR: insert: rc=-1, 0xff\n");
+}
+
+TEST_F(VonkLog, WritesPercentSignsOfArgumentsAsTheyAre) {
+    vonk_log::logErr("%s", "100%s");
+    EXPECT_EQ(standard_error.text(), "ERROR: 100%s\n");
+}
+
+TEST_F(VonkLog, DoesNotDoubleALineEndOfTheText) {
+    vonk_log::logInfo("done\n");
+    EXPECT_EQ(standard_error.text(), "INFO: done\n");
+}
+
+TEST_F(VonkLog, WritesAnEmptyText) {
+    vonk_log::logInfo("%s", "");
+    EXPECT_EQ(standard_error.text(), "INFO: \n");
+}
+
+TEST_F(VonkLog, WritesLongTextsWhole) {
+    const std::string text(100000, 'x');
+    vonk_log::logErr("%s", text.c_str());
+    EXPECT_EQ(standard_error.text(), "ERROR: " + text + '\n');
+}
+
+TEST_F(VonkLog, WritesNothingToStandardErrorWhenSyslogIsAskedFor) {
+    const log_target syslog("syslog");
+    vonk_log::logErr("no memory");
+    EXPECT_EQ(standard_error.text(), "");
+}
+
+TEST_F(VonkLog, WritesToStandardErrorForAnyOtherTarget) {
+    const log_target other("file");
+    vonk_log::logErr("no memory");
+    EXPECT_EQ(standard_error.text(), "ERROR: no memory\n");
+}
+
+TEST_F(VonkLog, HandsItsLinesToASink) {
+    const captured_log log;
+    vonk_log::logErr("rc=%d", 1);
+    vonk_log::logWarn("rc=%d", 2);
+    vonk_log::logInfo("rc=%d\n", 3);
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: rc=1", "WARNING: rc=2", "INFO: rc=3\n"));
+    EXPECT_EQ(standard_error.text(), "");
+}
+
+TEST_F(VonkLog, GoesBackToStandardErrorWithoutASink) {
+    { const captured_log log; }
+    vonk_log::logErr("no memory");
+    EXPECT_EQ(standard_error.text(), "ERROR: no memory\n");
+}
+
+TEST_F(VonkLog, WritesToTheUsualPlaceBesideASink) {
+    const captured_log log;
+    vonk_log::write(vonk_log::level::warning, "no location");
+    EXPECT_EQ(standard_error.text(), "WARNING: no location\n");
+    EXPECT_THAT(log.lines, IsEmpty());
+}
+
+}  // namespace

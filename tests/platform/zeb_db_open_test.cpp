@@ -1,0 +1,167 @@
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "platform/database_test.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+class OpenDatabase : public DatabaseTest {
+protected:
+    std::vector<std::string> columns(const std::string& table) const {
+        return rows("SELECT name FROM pragma_table_info('" + table + "')");
+    }
+};
+
+TEST_F(OpenDatabase, MakesTheTablesOfTheInventory) {
+    EXPECT_THAT(rows("SELECT name FROM sqlite_schema WHERE name IN ('Processor', 'Memory', 'PCIBridge', 'PCIs', "
+                     "'PCIAdapter') AND type = 'table' ORDER BY name"),
+                ElementsAre("Memory", "PCIAdapter", "PCIBridge", "PCIs", "Processor"));
+}
+
+TEST_F(OpenDatabase, GivesProcessorTheColumnsOfItsRecord) {
+    EXPECT_THAT(
+        columns("Processor"),
+        ElementsAre("Id", "NodeIndex", "Socket", "ProcType", "Family", "Manufacturer", "ProcId", "Version", "Voltage",
+                    "ExtClock", "MaxSpeed", "CurSpeed", "Status", "Upgrade", "SerialNo", "AssetTag", "PartNo",
+                    "CoreCount", "CoreEnabled", "ThreadCount", "Characteristics", "L1CacheMaxSize", "L1CacheInstalled",
+                    "L1CacheType", "L1CacheConfig", "L2CacheMaxSize", "L2CacheInstalled", "L2CacheType",
+                    "L2CacheConfig", "L3CacheMaxSize", "L3CacheInstalled", "L3CacheType", "L3CacheConfig"));
+}
+
+TEST_F(OpenDatabase, GivesMemoryTheColumnsOfItsRecord) {
+    EXPECT_THAT(columns("Memory"),
+                ElementsAre("Id", "ArrayId", "NodeIndex", "SlotNo", "TotalWidth", "DataWidth", "MemSize", "FormFactor",
+                            "DevLocator", "BankLocator", "MemType", "TypeDetail", "MaxSpeed", "ClockSpeed",
+                            "Manufacturer", "SerialNo", "AssetTag", "PartNo", "Attributes", "Capacity", "MemCapacity",
+                            "AppDirCap", "UnconfigCap", "InaccCap", "ReservedCap", "Classification", "FirmwareVersion",
+                            "SoftwareID", "CPUIndex", "iMCNum", "ChannelNum", "DimmNum"));
+}
+
+TEST_F(OpenDatabase, GivesPCIBridgeTheColumnsOfItsRecord) {
+    EXPECT_THAT(columns("PCIBridge"),
+                ElementsAre("Id", "ParentId", "NodeIndex", "SegNo", "BusNo", "DevNo", "FunNo", "VendorId", "DevId",
+                            "RevId", "ClsCode", "PriBusNo", "SndBusNo", "SubBusNo"));
+}
+
+TEST_F(OpenDatabase, GivesPCIsTheColumnsOfItsRecord) {
+    EXPECT_THAT(
+        columns("PCIs"),
+        ElementsAre("Id", "BridgeId", "NodeIndex", "DevKey", "FunKey", "SegNo", "BusNo", "DeviceNo", "FunctionNo",
+                    "SlotNo", "Location", "VendorId", "ClsCode", "DeviceId", "RevId", "SubVendorId", "SubDeviceId",
+                    "SlotDesignation", "SlotType", "SlotDataBusWidth", "Hotplug", "PCIType", "BladeSlotPort",
+                    "LanesInUse", "MaxLanes", "MaxPCIeType", "PCIeType", "HardwareId", "HardwareTypeId", "FunType"));
+}
+
+TEST_F(OpenDatabase, KeepsTheRowsThatAreThere) {
+    ASSERT_EQ(insert("CPU 1", 8), 0);
+    const handle_ptr again = open();
+    EXPECT_THAT(sockets(), ElementsAre("CPU 1"));
+}
+
+TEST_F(OpenDatabase, LogsNothingWhenAllIsWell) {
+    EXPECT_THAT(log.lines, IsEmpty());
+}
+
+TEST_F(OpenDatabase, LosesAnOpenTransactionWhenItIsClosed) {
+    handle_ptr writer = open();
+    ASSERT_EQ(zeb_db_begin_transaction(writer.get()), 0);
+    ASSERT_EQ(insert(writer.get(), "CPU 1", 8), 0);
+    writer.reset();
+    EXPECT_THAT(sockets(), IsEmpty());
+}
+
+TEST_F(OpenDatabase, InMemoryLeavesNoFile) {
+    const std::string here = std::filesystem::current_path();
+    std::filesystem::current_path(std::filesystem::path(path).parent_path());
+    _zeb_db_handle_t* opened = nullptr;
+    const int rc = zeb_db_open(":memory:", &opened);
+    const int inserted = insert(opened, "CPU 1", 8);
+    const bool left = std::filesystem::exists(":memory:");
+    std::filesystem::current_path(here);
+    zeb_db_close(opened);
+    EXPECT_EQ(rc, 0);
+    EXPECT_EQ(inserted, 0);
+    EXPECT_FALSE(left);
+}
+
+TEST_F(OpenDatabase, InMemoryIsNotSharedBetweenHandles) {
+    _zeb_db_handle_t* first = nullptr;
+    _zeb_db_handle_t* second = nullptr;
+    ASSERT_EQ(zeb_db_open(":memory:", &first), 0);
+    ASSERT_EQ(zeb_db_open(":memory:", &second), 0);
+    ASSERT_EQ(insert(first, "CPU 1", 8), 0);
+    const char* const columns[] = {"CoreCount"};
+    zeb_db_result_t* result = nullptr;
+    ASSERT_EQ(zeb_db_query(second, "Processor", columns, 1, nullptr, nullptr, 0, nullptr, &result), 0);
+    EXPECT_EQ(zeb_db_result_step(result), SQLITE_DONE);
+    zeb_db_free_result(result);
+    zeb_db_close(first);
+    zeb_db_close(second);
+}
+
+TEST_F(OpenDatabase, TellsThatTheFolderIsMissing) {
+    const std::string missing = folder.file("none/inventory.db");
+    auto* opened = handle.get();
+    EXPECT_EQ(zeb_db_open(missing.c_str(), &opened), SQLITE_CANTOPEN);
+    EXPECT_EQ(opened, nullptr);
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: cannot open inventory database '" + missing +
+                                       "': unable to open database file (No such file or directory)"));
+}
+
+TEST_F(OpenDatabase, TellsThatTheFileIsNoDatabase) {
+    const std::string text = folder.file("text");
+    std::ofstream(text) << std::string(4096, 'x');
+    auto* opened = handle.get();
+    EXPECT_EQ(zeb_db_open(text.c_str(), &opened), SQLITE_NOTADB);
+    EXPECT_EQ(opened, nullptr);
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: cannot open inventory database '" + text + "': file is not a database"));
+}
+
+TEST_F(OpenDatabase, LeavesAFileThatIsNoDatabaseAsItIs) {
+    const std::string text = folder.file("text");
+    std::ofstream(text) << std::string(4096, 'x');
+    _zeb_db_handle_t* opened = nullptr;
+    zeb_db_open(text.c_str(), &opened);
+    std::ifstream in(text);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), std::string(4096, 'x'));
+}
+
+// Several programs of a controller may be the first to open the inventory.
+TEST_F(OpenDatabase, MakesTheTablesForSeveralWhoOpenItAtTheSameTime) {
+    for (int round = 0; round < 5; ++round) {
+        const std::string fresh = folder.file("fresh" + std::to_string(round));
+        std::vector<int> codes(4, -1);
+        std::vector<std::thread> openers;
+        for (int& code : codes) {
+            openers.emplace_back([&fresh, &code] {
+                _zeb_db_handle_t* opened = nullptr;
+                code = zeb_db_open(fresh.c_str(), &opened);
+                zeb_db_close(opened);
+            });
+        }
+        for (std::thread& opener : openers) {
+            opener.join();
+        }
+        ASSERT_THAT(codes, testing::Each(0)) << "round " << round;
+    }
+}
+
+TEST_F(OpenDatabase, RefusesANullPath) {
+    _zeb_db_handle_t* opened = nullptr;
+    EXPECT_EQ(zeb_db_open(nullptr, &opened), SQLITE_MISUSE);
+}
+
+TEST_F(OpenDatabase, RefusesANullPlaceForTheHandle) {
+    EXPECT_EQ(zeb_db_open(path.c_str(), nullptr), SQLITE_MISUSE);
+}
+
+TEST_F(OpenDatabase, ClosesNull) {
+    zeb_db_close(nullptr);
+    EXPECT_THAT(log.lines, IsEmpty());
+}
+
+}  // namespace
