@@ -35,7 +35,6 @@ using statement_ptr = std::unique_ptr<sqlite3_stmt, statement_deleter>;
 enum class value_type { text, integer };
 
 struct column_value {
-    std::string column;
     value_type type = value_type::integer;
     sqlite3_int64 integer = 0;
     std::string text;
@@ -52,6 +51,7 @@ struct _zeb_db_handle_t {
 
 // Cleared values keep their memory: one buffer is refilled for every row of a load.
 struct zeb_db_content_values_t {
+    std::string columns;  // the names in put order, each with its NUL: what an insert statement is known by
     std::vector<column_value> values;
     std::size_t count = 0;
 };
@@ -129,9 +129,10 @@ int bind_arguments(sqlite3_stmt* statement, const char* const* arguments, unsign
 std::string insert_sql(const char* table, const zeb_db_content_values_t& content) {
     std::string columns;
     std::string places;
-    for (std::size_t i = 0; i < content.count; ++i) {
-        columns += (i == 0 ? "" : ", ") + quoted(content.values[i].column.c_str());
-        places += i == 0 ? "?" : ", ?";
+    const char* const end = content.columns.data() + content.columns.size();
+    for (const char* column = content.columns.data(); column != end; column += std::strlen(column) + 1) {
+        columns += (columns.empty() ? "" : ", ") + quoted(column);
+        places += places.empty() ? "?" : ", ?";
     }
     const std::string row = content.count == 0 ? " DEFAULT VALUES" : " (" + columns + ") VALUES (" + places + ")";
     return "INSERT INTO " + quoted(table) + row;
@@ -141,10 +142,8 @@ int find_insert(_zeb_db_handle_t& handle, const char* table, const zeb_db_conten
                 sqlite3_stmt*& statement) {
     std::string& key = handle.insert_key;
     key = table;
-    for (std::size_t i = 0; i < content.count; ++i) {
-        key += '\n';
-        key += content.values[i].column;
-    }
+    key += '\0';
+    key += content.columns;
     const auto known = handle.inserts.find(key);
     if (known != handle.inserts.end()) {
         statement = known->second.get();
@@ -191,13 +190,17 @@ int insert_row(_zeb_db_handle_t& handle, const char* table, const zeb_db_content
     return SQLITE_OK;
 }
 
-column_value& next_value(zeb_db_content_values_t& content, const char* column) {
+column_value& next_value(zeb_db_content_values_t& content) {
     if (content.count == content.values.size()) {
         content.values.emplace_back();
     }
-    column_value& value = content.values[content.count];
-    value.column = column;
-    return value;
+    return content.values[content.count];
+}
+
+// Counts the next value in, once it is complete.
+void add_value(zeb_db_content_values_t& content, const char* column) {
+    content.columns.append(column, std::strlen(column) + 1);
+    ++content.count;
 }
 
 int put_integer(zeb_db_content_values_t* content, const char* column, sqlite3_int64 integer) {
@@ -205,10 +208,10 @@ int put_integer(zeb_db_content_values_t* content, const char* column, sqlite3_in
         return SQLITE_MISUSE;
     }
     return guarded([&] {
-        column_value& value = next_value(*content, column);
+        column_value& value = next_value(*content);
         value.type = value_type::integer;
         value.integer = integer;
-        ++content->count;
+        add_value(*content, column);
         return SQLITE_OK;
     });
 }
@@ -232,7 +235,8 @@ std::string query_sql(const char* table, const char* const* columns, unsigned co
 
 int open_connection(const char* path, _zeb_db_handle_t& handle) {
     sqlite3* connection = nullptr;
-    const int rc = sqlite3_open_v2(path, &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    const int rc =
+        sqlite3_open_v2(path, &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     handle.connection.reset(connection);
     if (rc != SQLITE_OK) {
         return rc;
@@ -374,6 +378,7 @@ zeb_db_content_values_t* zeb_db_get_content_values(void) {
 
 void zeb_db_content_clear(zeb_db_content_values_t* values) {
     if (values != nullptr) {
+        values->columns.clear();
         values->count = 0;
     }
 }
@@ -383,10 +388,10 @@ int zeb_db_content_put_text(zeb_db_content_values_t* values, const char* column,
         return SQLITE_MISUSE;
     }
     return guarded([&] {
-        column_value& value = next_value(*values, column);
+        column_value& value = next_value(*values);
         value.type = value_type::text;
         value.text = text;
-        ++values->count;
+        add_value(*values, column);
         return SQLITE_OK;
     });
 }
