@@ -1,0 +1,62 @@
+#include "load_log.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char* database_prefix = "inventory database: ";
+constexpr const char* file_prefix = "CDS XML ERROR: ";
+constexpr const char* loader_prefix = "CDS PARSER: ";
+constexpr const char* no_component = "failed to parse the CDS XML file";
+constexpr const char* nameless_node = "CDS XML ERROR: Unexpected node '";
+
+bool begins_with(const std::string& text, const std::string& prefix) {
+    return text.compare(0, prefix.size(), prefix) == 0;
+}
+
+std::string without_prefix(std::string text) {
+    for (const std::string prefix : {database_prefix, file_prefix, loader_prefix}) {
+        if (begins_with(text, prefix)) {
+            return text.substr(prefix.size());
+        }
+    }
+    return text;
+}
+
+}  // namespace
+
+load_log::load_log(progress& line) : line_(line) {
+    vonk_log::set_sink(take, this);
+}
+
+load_log::~load_log() {
+    vonk_log::set_sink(nullptr, nullptr);
+}
+
+std::string load_log::cause() const {
+    if (last_error_ == no_component) {
+        return "its root element is not 'component', so it is no CDS file";
+    }
+    if (last_error_ == nameless_node) {
+        return "Unexpected node without a name, as a CDATA section is";
+    }
+    std::string text = without_prefix(database_error_.empty() ? last_error_ : database_error_);
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
+bool load_log::is_grammar_error() const {
+    const std::string text = without_prefix(last_error_);
+    return begins_with(text, "Unexpected node") || begins_with(text, "empty setting");
+}
+
+void load_log::take(void* log, vonk_log::level at, const char* text) {
+    auto& self = *static_cast<load_log*>(log);
+    if (at == vonk_log::level::error) {
+        self.last_error_ = text;
+        if (self.database_error_.empty() && begins_with(text, database_prefix)) {
+            self.database_error_ = text;
+        }
+    }
+    self.line_.stand_aside([at, text] { vonk_log::write(at, text); });
+}

@@ -1,0 +1,28 @@
+/// What main.cpp knows of a subcommand.
+#ifndef TOOLS_SUBCOMMAND_H
+#define TOOLS_SUBCOMMAND_H
+
+#include <functional>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+/// Exit status: the work is done.
+constexpr int status_done = 0;
+/// Exit status: it could not be done, see failure.
+constexpr int status_failed = 2;
+
+/// Does the work once the command line is read; gives the exit status.
+using action = std::function<int()>;
+
+struct subcommand {
+    const char* name;
+    const char* purpose;
+    /// Declares the subcommand's arguments.
+    action (*define)(CLI::App& arguments);
+};
+
+action define_load(CLI::App& arguments);
+action define_show(CLI::App& arguments);
+
+#endif
