@@ -1,0 +1,10 @@
+/// The SHA-384 of an input file, kept beside it in "INPUT.digest" as save_pci_digest() left it.
+#ifndef INVENTORY_DIGEST_FILE_H
+#define INVENTORY_DIGEST_FILE_H
+
+/// Compares the file's digest with the saved one: stores 1 through `changed` when they differ and 0 when not.
+/// 0, or -1 with a logged error and `changed` untouched when they could not be compared. The path goes to a shell
+/// unquoted and the command is cut at 127 characters.
+int check_file_digest(const char* path, int* changed);
+
+#endif
