@@ -10,8 +10,13 @@ if(ZEBDB_WORKSTATION_PLATFORM)
   install(TARGETS zebdb_platform EXPORT zebdb_cds_parser)
   install(TARGETS zebdb-cds)
   install(DIRECTORY platform/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zebdb_platform)
-  install(FILES platform/workstation/vonk_log_workstation.h platform/workstation/zeb_db_workstation.h
+  install(FILES
+    platform/workstation/inventory_service_workstation.h
+    platform/workstation/vonk_log_workstation.h
+    platform/workstation/zeb_db_workstation.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zebdb_platform)
+  install(PROGRAMS scripts/sandbox platform/workstation/pci_digest.sh
+    DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/zebdb-cds)
   set(pkg_config_libs "-lzebdb_cds_parser -lzebdb_platform")
 else()
   set(pkg_config_libs "-lzebdb_cds_parser")

@@ -40,7 +40,7 @@ ZEBDB_CDS_PARSER_EXPORT int parse_pci(const char* cds_path, unsigned aim_argumen
 /// `*changed` means nothing then.
 ///
 /// Both paths are handed to a shell as they are and the command is cut at 127 characters: pass no path that holds a
-/// blank or a character that means something to a shell, and none longer than 86 bytes.
+/// blank or a character that means something to a shell, and none longer than 96 bytes.
 ZEBDB_CDS_PARSER_EXPORT int check_pci(const char* first_file, const char* second_file, int* changed);
 
 /// Saves the SHA-384 of each file beside it, in "FILE.digest", for check_pci() to compare with. 0, or -1 when a path is
@@ -48,7 +48,7 @@ ZEBDB_CDS_PARSER_EXPORT int check_pci(const char* first_file, const char* second
 /// stays when only the second fails.
 ///
 /// Both paths are handed to a shell as they are and the command, which names the path twice, is cut at 127 characters:
-/// pass no path that holds a blank or a character that means something to a shell, and none longer than 41 bytes. A
+/// pass no path that holds a blank or a character that means something to a shell, and none longer than 43 bytes. A
 /// longer one may write a digest file of another name.
 ZEBDB_CDS_PARSER_EXPORT int save_pci_digest(const char* first_file, const char* second_file);
 

@@ -1,6 +1,5 @@
 // The inventory database client on a workstation: SQLite. Error codes are SQLite's primary result codes.
 
-#include <sqlite3.h>
 #include <vonk_log.h>
 
 #include <algorithm>
@@ -8,10 +7,10 @@
 #include <memory>
 #include <new>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "schema.h"
+#include "zeb_db_handle.h"
 #include "zeb_db_workstation.h"
 
 namespace {
@@ -22,16 +21,6 @@ constexpr int row_available = 9;
 // Far more than the column sets of any real file; beyond it the statements are made anew.
 constexpr std::size_t most_statements = 64;
 
-struct connection_deleter {
-    void operator()(sqlite3* connection) const { sqlite3_close_v2(connection); }
-};
-using connection_ptr = std::unique_ptr<sqlite3, connection_deleter>;
-
-struct statement_deleter {
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-using statement_ptr = std::unique_ptr<sqlite3_stmt, statement_deleter>;
-
 enum class value_type { text, integer };
 
 struct column_value {
@@ -41,13 +30,6 @@ struct column_value {
 };
 
 }  // namespace
-
-struct _zeb_db_handle_t {
-    connection_ptr connection;
-    std::unordered_map<std::string, statement_ptr> inserts;  // by table and column set
-    std::string insert_key;                                  // kept for its memory
-    bool in_transaction = false;
-};
 
 // Cleared values keep their memory: one buffer is refilled for every row of a load.
 struct zeb_db_content_values_t {
@@ -89,11 +71,6 @@ std::string quoted(const char* identifier) {
 
 std::string where(const char* condition) {
     return condition == nullptr ? "" : std::string(" WHERE ") + condition;
-}
-
-int execute(_zeb_db_handle_t& handle, const char* sql, const char* action) {
-    const int rc = sqlite3_exec(handle.connection.get(), sql, nullptr, nullptr, nullptr);
-    return rc == SQLITE_OK ? rc : reported(handle, rc, action);
 }
 
 // After some errors, a full disk among them, SQLite rolls back by itself; what is written then would be permanent at
@@ -255,6 +232,14 @@ std::string open_problem(sqlite3* connection) {
 }
 
 }  // namespace
+
+int execute(_zeb_db_handle_t& handle, const char* sql, const char* action) {
+    if (transaction_was_lost(handle)) {
+        return refuse_without_transaction(action);
+    }
+    const int rc = sqlite3_exec(handle.connection.get(), sql, nullptr, nullptr, nullptr);
+    return rc == SQLITE_OK ? rc : reported(handle, rc, action);
+}
 
 int zeb_db_open(const char* path, _zeb_db_handle_t** handle) {
     if (path == nullptr || handle == nullptr) {
@@ -420,9 +405,6 @@ int zeb_db_begin_transaction(_zeb_db_handle_t* handle) {
 int zeb_db_commit_transaction(_zeb_db_handle_t* handle) {
     if (handle == nullptr) {
         return SQLITE_MISUSE;
-    }
-    if (transaction_was_lost(*handle)) {
-        return refuse_without_transaction("commit");
     }
     const int rc = execute(*handle, "COMMIT", "commit");
     handle->in_transaction = handle->in_transaction && rc != SQLITE_OK;

@@ -1,0 +1,37 @@
+#!/bin/sh
+# Writes the SHA-384 of the system inventory (processors, memory) and of the PCI inventory (bridges, functions,
+# adapters) to /var/vonk. Row ids are left out and rows are sorted, so that the same hardware gives the same digest.
+# A failure leaves both files as they were.
+set -eu
+
+database=${ZEBDB_DATABASE:-inventory.db}
+folder=/var/vonk
+scratch=$(mktemp -d "$folder/.digest.XXXXXX")
+trap 'rm -rf "$scratch"' EXIT
+
+query() {
+    sqlite3 -batch -readonly -cmd '.timeout 5000' "$@"
+}
+
+print_rows() {
+    columns=$(query "$database" "SELECT group_concat(name) FROM pragma_table_info('$1')
+        WHERE name NOT IN ('Id', 'ArrayId', 'ParentId', 'BridgeId')")
+    echo "$1: $columns"
+    query -quote "$database" "SELECT $columns FROM $1 ORDER BY $columns"
+}
+
+write_digest() {
+    target=$1
+    shift
+    for table in "$@"; do
+        print_rows "$table" >>"$scratch/rows"
+    done
+    sha384sum <"$scratch/rows" >"$scratch/sum"
+    read -r digest _ <"$scratch/sum"
+    echo "$digest" >"$scratch/$target"
+    rm "$scratch/rows"
+}
+
+write_digest sys_inventory.digest Processor Memory
+write_digest pci_inventory.digest PCIBridge PCIs PCIAdapter
+mv "$scratch/sys_inventory.digest" "$scratch/pci_inventory.digest" "$folder"
