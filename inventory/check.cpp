@@ -3,7 +3,6 @@
 #include <inventory_service.h>
 #include <vonk_log.h>
 
-#include <algorithm>
 #include <cstdlib>
 
 #include "digest_file.h"
@@ -21,13 +20,6 @@ bool firmware_is_pending() {
     return true;
 }
 
-// Only a saved key that has vanished is a change; keys that came, their number and their order are none.
-bool key_has_vanished(const function_key_list& saved, const function_key_list& present) {
-    return std::any_of(saved.begin(), saved.end(), [&present](std::uint32_t key) {
-        return std::find(present.begin(), present.end(), key) == present.end();
-    });
-}
-
 // False when the database or the key file could not be read.
 bool compare_function_keys(_zeb_db_handle_t* handle, const function_key_set& set, int& changed) {
     function_key_list present;
@@ -35,7 +27,7 @@ bool compare_function_keys(_zeb_db_handle_t* handle, const function_key_set& set
     if (read_fkeys_fromDb(handle, present, set.table, set.column) != 0 || read_fkeys_fromFile(set.file, saved) != 0) {
         return false;
     }
-    if (key_has_vanished(saved, present)) {
+    if (first_vanished_key(saved, present)) {
         changed = 1;
     }
     return true;

@@ -2,6 +2,7 @@
 
 #include <vonk_log.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -111,4 +112,11 @@ int read_fkeys_fromFile(const char* path, function_key_list& keys) {
     file.reset();
     append_keys(bytes.get(), size, keys);
     return 0;
+}
+
+std::optional<std::uint32_t> first_vanished_key(const function_key_list& saved, const function_key_list& present) {
+    const auto vanished = std::find_if(saved.begin(), saved.end(), [&present](std::uint32_t key) {
+        return std::find(present.begin(), present.end(), key) == present.end();
+    });
+    return vanished == saved.end() ? std::nullopt : std::optional<std::uint32_t>(*vanished);
 }

@@ -5,6 +5,7 @@
 #define INVENTORY_FUNCTION_KEYS_H
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include <zeb_db.h>
@@ -31,5 +32,9 @@ void save_fkeys_ToFile(const char* path, const function_key_list& keys);
 /// Appends the keys of the file at `path` to `keys`, all but the last one: a key counts only while at least one byte of
 /// the file lies behind it. 0, or -1 for a file that is missing, empty or cannot be read.
 int read_fkeys_fromFile(const char* path, function_key_list& keys);
+
+/// The first saved key that is not among the present ones. Only that is a change: keys that came, their number and
+/// their order are none.
+std::optional<std::uint32_t> first_vanished_key(const function_key_list& saved, const function_key_list& present);
 
 #endif

@@ -16,7 +16,7 @@
 #include "grammar.h"
 #include "input_file.h"
 #include "inventory.h"
-#include "load_log.h"
+#include "log_tap.h"
 #include "output.h"
 #include "progress.h"
 #include "subcommand.h"
@@ -78,7 +78,7 @@ std::string cause_of_failure(const input_file& input, const load_log& log) {
 void replace_inventory(const load_options& options) {
     const input_file input(options.file);
     progress line(input.status());
-    const load_log log(line);
+    const log_tap log(&line);
     if (!load_into(options.database, input.path().c_str())) {
         throw failure(cause_of_failure(input, log));
     }

@@ -17,6 +17,10 @@ namespace {
 constexpr subcommand subcommands[] = {
     {"load", "Replace the inventory by what a CDS file describes", define_load},
     {"show", "Print the inventory", define_show},
+    {"refresh", "Take the inventory to what a CDS file describes and say what changed", define_refresh},
+    {"check", "Say whether the inventory may have changed since the last refresh", define_check},
+    {"save-digest", "Save the digests that check compares with", define_save_digest},
+    {"bmc-address", "Record and print the PCI address of the controller's own bridge", define_bmc_address},
 };
 
 constexpr const char* purpose = "Loads CDS hardware descriptions into an inventory database and shows what it holds.";

@@ -22,7 +22,11 @@ struct subcommand {
     action (*define)(CLI::App& arguments);
 };
 
+action define_bmc_address(CLI::App& arguments);
+action define_check(CLI::App& arguments);
 action define_load(CLI::App& arguments);
+action define_refresh(CLI::App& arguments);
+action define_save_digest(CLI::App& arguments);
 action define_show(CLI::App& arguments);
 
 #endif

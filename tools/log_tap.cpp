@@ -1,4 +1,4 @@
-#include "load_log.h"
+#include "log_tap.h"
 
 #include <algorithm>
 
@@ -9,6 +9,9 @@ constexpr const char* file_prefix = "CDS XML ERROR: ";
 constexpr const char* loader_prefix = "CDS PARSER: ";
 constexpr const char* no_component = "failed to parse the CDS XML file";
 constexpr const char* nameless_node = "CDS XML ERROR: Unexpected node '";
+
+// What a refresh logs on top of the cause.
+constexpr const char* refresh_failed = "parse_aim return error";
 
 bool begins_with(const std::string& text, const std::string& prefix) {
     return text.compare(0, prefix.size(), prefix) == 0;
@@ -25,15 +28,15 @@ std::string without_prefix(std::string text) {
 
 }  // namespace
 
-load_log::load_log(progress& line) : line_(line) {
+log_tap::log_tap(progress* line) : line_(line) {
     vonk_log::set_sink(take, this);
 }
 
-load_log::~load_log() {
+log_tap::~log_tap() {
     vonk_log::set_sink(nullptr, nullptr);
 }
 
-std::string load_log::cause() const {
+std::string log_tap::cause() const {
     if (last_error_ == no_component) {
         return "its root element is not 'component', so it is no CDS file";
     }
@@ -45,18 +48,29 @@ std::string load_log::cause() const {
     return text;
 }
 
-bool load_log::is_grammar_error() const {
+bool log_tap::is_grammar_error() const {
     const std::string text = without_prefix(last_error_);
     return begins_with(text, "Unexpected node") || begins_with(text, "empty setting");
 }
 
-void load_log::take(void* log, vonk_log::level at, const char* text) {
-    auto& self = *static_cast<load_log*>(log);
-    if (at == vonk_log::level::error) {
+bool log_tap::has_line(const std::string& beginning) const {
+    return std::any_of(lines_.begin(), lines_.end(),
+                       [&beginning](const std::string& line) { return begins_with(line, beginning); });
+}
+
+void log_tap::take(void* tap, vonk_log::level at, const char* text) {
+    auto& self = *static_cast<log_tap*>(tap);
+    self.lines_.emplace_back(text);
+    if (at == vonk_log::level::error && !begins_with(text, refresh_failed)) {
         self.last_error_ = text;
         if (self.database_error_.empty() && begins_with(text, database_prefix)) {
             self.database_error_ = text;
         }
     }
-    self.line_.stand_aside([at, text] { vonk_log::write(at, text); });
+    const auto write = [at, text] { vonk_log::write(at, text); };
+    if (self.line_ == nullptr) {
+        write();
+    } else {
+        self.line_->stand_aside(write);
+    }
 }

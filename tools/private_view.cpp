@@ -1,0 +1,97 @@
+#include "private_view.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+#include "failure.h"
+
+namespace {
+
+constexpr const char* this_program = "/proc/self/exe";
+constexpr const char* private_places[] = {"/tmp/", "/var/DS/", "/var/log/", "/var/vonk/"};
+
+std::vector<std::string> own_command_line() {
+    std::ifstream file("/proc/self/cmdline", std::ios::binary);
+    std::vector<std::string> words;
+    for (std::string word; std::getline(file, word, '\0');) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+std::vector<std::string> without_root_option(const std::vector<std::string>& words) {
+    std::vector<std::string> kept;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        if (words[i] == "--root") {
+            ++i;  // its folder
+        } else if (words[i].compare(0, 7, "--root=") != 0) {
+            kept.push_back(words[i]);
+        }
+    }
+    return kept;
+}
+
+std::string own_path() {
+    char path[4096];
+    const ssize_t length = ::readlink(this_program, path, sizeof path);
+    if (length < 0) {
+        throw failure(std::string("cannot find the program itself: ") + std::strerror(errno));
+    }
+    return std::string(path, static_cast<std::size_t>(length));
+}
+
+// The script that makes the view: beside an installed program, or in the sources that this one was built from.
+std::string sandbox_script(const std::string& program) {
+    const std::string installed = program.substr(0, program.rfind('/')) + "/../libexec/zebdb-cds/sandbox";
+    for (const std::string& script : {installed, std::string(ZEBDB_SOURCE_DIR "/scripts/sandbox")}) {
+        if (::access(script.c_str(), X_OK) == 0) {
+            return script;
+        }
+    }
+    throw failure("--root needs the script '" + installed + "', which is not there; install the command again");
+}
+
+}  // namespace
+
+void add_root_option(CLI::App& arguments, std::string& folder) {
+    arguments
+        .add_option("--root", folder,
+                    "Keep /var/DS, /var/vonk, /var/log, /tmp and /bin/pci_digest.sh below this folder instead of using "
+                    "the machine's own")
+        ->type_name("DIR")
+        ->check([](const std::string& given) { return given.empty() ? "the path is empty" : ""; });
+}
+
+void enter_private_view(const std::string& folder) {
+    if (folder.empty()) {
+        return;
+    }
+    std::vector<std::string> words = without_root_option(own_command_line());
+    words.front() = own_path();
+    const std::string script = sandbox_script(words.front());
+    words.insert(words.begin(), {script, folder});
+
+    std::vector<char*> arguments;
+    for (std::string& word : words) {
+        arguments.push_back(word.data());
+    }
+    arguments.push_back(nullptr);
+    ::execv(script.c_str(), arguments.data());
+    throw failure("cannot run '" + script + "': " + std::strerror(errno));
+}
+
+std::string private_view_hint(const std::string& path) {
+    const char* folder = std::getenv("ZEBDB_SANDBOX");
+    const auto contains = [&path](const std::string& place) { return path.compare(0, place.size(), place) == 0; };
+    if (folder == nullptr || std::none_of(std::begin(private_places), std::end(private_places), contains)) {
+        return "";
+    }
+    return std::string(" (below '") + folder + "', as --root has it)";
+}
