@@ -11,9 +11,9 @@
 #include <zeb_db_workstation.h>
 #include <zebdb_cds_parser.h>
 
+#include "cause.h"
 #include "database.h"
 #include "failure.h"
-#include "grammar.h"
 #include "input_file.h"
 #include "inventory.h"
 #include "log_tap.h"
@@ -61,17 +61,6 @@ bool load_into(const std::string& database, const char* path) {
     handle.reset();
     roll_back_interrupted_write(database);
     return false;
-}
-
-std::string cause_of_failure(const input_file& input, const load_log& log) {
-    if (input.read_error() != 0) {
-        return std::strerror(input.read_error());
-    }
-    if (log.is_grammar_error() && input.can_be_read_again()) {
-        const auto line = line_of_grammar_error(input.path());
-        return (line ? "line " + std::to_string(*line) + ": " : "") + log.cause();
-    }
-    return with_advice(log.cause());
 }
 
 // Throws failure with the cause alone.

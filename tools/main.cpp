@@ -24,7 +24,7 @@ constexpr subcommand subcommands[] = {
 };
 
 constexpr const char* purpose = "Loads CDS hardware descriptions into an inventory database and shows what it holds.";
-constexpr const char* statuses = "Exit status: 0 done, 1 the answer is no, 2 could not do it (the message says why).";
+constexpr const char* statuses = "Exit status: 0 done, 1 the answer is no, 2 there is none (the message says why).";
 
 // A descriptor that the caller closed would be given to the next file opened, and messages would be written into it.
 // What is opened here instead refuses what the closed one would have refused.

@@ -27,11 +27,12 @@ std::vector<std::string> own_command_line() {
 }
 
 std::vector<std::string> without_root_option(const std::vector<std::string>& words) {
+    const auto options = static_cast<std::size_t>(std::find(words.begin(), words.end(), "--") - words.begin());
     std::vector<std::string> kept;
     for (std::size_t i = 0; i < words.size(); ++i) {
-        if (words[i] == "--root") {
+        if (i < options && words[i] == "--root") {
             ++i;  // its folder
-        } else if (words[i].compare(0, 7, "--root=") != 0) {
+        } else if (i >= options || words[i].compare(0, 7, "--root=") != 0) {
             kept.push_back(words[i]);
         }
     }

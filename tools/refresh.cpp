@@ -1,12 +1,12 @@
 // zebdb-cds refresh: takes the inventory to what a CDS file describes and says what changed.
 
-#include <cstring>
 #include <iomanip>
 #include <memory>
 #include <sstream>
 
 #include <zebdb_cds_parser.h>
 
+#include "cause.h"
 #include "database.h"
 #include "failure.h"
 #include "input_file.h"
@@ -51,7 +51,7 @@ std::string refresh_database(const refresh_options& options) {
     progress line(input.status());
     const log_tap log(&line);
     if (parse_pci(input.path().c_str(), options.aim_argument) != 0) {
-        throw failure(input.read_error() == 0 ? with_advice(log.cause()) : std::strerror(input.read_error()));
+        throw failure(cause_of_failure(input, log));
     }
     file.keep();
     return report(options, before, read_sequences(handle), log);

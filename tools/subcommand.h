@@ -9,7 +9,9 @@
 
 /// Exit status: the work is done.
 constexpr int status_done = 0;
-/// Exit status: it could not be done, see failure.
+/// Exit status: the answer is no: changed, different, nothing found.
+constexpr int status_no = 1;
+/// Exit status: there is no answer, see failure.
 constexpr int status_failed = 2;
 
 /// Does the work once the command line is read; gives the exit status.
