@@ -107,7 +107,7 @@ std::vector<recorded_row> recording_platform::rows_of(const std::string& table) 
 }
 
 std::optional<int> recording_platform::enter(const std::string& function, const std::string& arguments) {
-    calls.push_back(arguments.empty() ? function : function + ' ' + arguments);
+    note(arguments.empty() ? function : function + ' ' + arguments);
     ++fallible_calls_;
     const int occurrence = ++occurrences_[function];
     const auto thrown = exceptions_.find(function);
@@ -125,6 +125,7 @@ std::optional<int> recording_platform::enter(const std::string& function, const 
     }
     if (code) {
         failed_function_ = function;
+        failed_call_ = calls.back();
     }
     return code;
 }
@@ -133,9 +134,16 @@ void recording_platform::check_handle(const _zeb_db_handle_t* given) {
     EXPECT_EQ(given, handle()) << "a call with another database handle";
 }
 
+void recording_platform::note(const std::string& call) {
+    calls.push_back(call);
+    if (at_call) {
+        at_call(call);
+    }
+}
+
 void recording_platform::note_log(const std::string& level, const std::string& text) {
     log.push_back(level + ": " + text);
-    calls.push_back(log.back());
+    note(log.back());
 }
 
 int recording_platform::run(const char* command) {
@@ -301,7 +309,7 @@ int zeb_db_result_column_uint(zeb_db_result_t* result, unsigned column, std::uin
 void zeb_db_free_result(zeb_db_result_t* result) {
     auto& given = opened(result);
     auto& recorder = recording_platform::current();
-    recorder.calls.push_back("zeb_db_free_result " + given.table);
+    recorder.note("zeb_db_free_result " + given.table);
     recorder.release(&given);
 }
 
@@ -315,7 +323,7 @@ zeb_db_content_values_t* zeb_db_get_content_values(void) {
 
 void zeb_db_content_clear(zeb_db_content_values_t* values) {
     opened(values).columns.clear();
-    recording_platform::current().calls.push_back("zeb_db_content_clear");
+    recording_platform::current().note("zeb_db_content_clear");
 }
 
 int zeb_db_content_put_text(zeb_db_content_values_t* values, const char* column, const char* text) {
@@ -333,7 +341,7 @@ int zeb_db_content_put_uint64(zeb_db_content_values_t* values, const char* colum
 void zeb_db_free_content_values(zeb_db_content_values_t* values) {
     auto& given = opened(values);
     auto& recorder = recording_platform::current();
-    recorder.calls.push_back("zeb_db_free_content_values");
+    recorder.note("zeb_db_free_content_values");
     recorder.release(&given);
 }
 
@@ -417,4 +425,13 @@ void logInfo(const char* format, ...) {
 // The library's shell commands come here as well, since the program's own symbols go before the C library's.
 extern "C" int system(const char* command) {
     return recording_platform::current().run(command);
+}
+
+extern "C" std::FILE* popen(const char* command, const char* mode) {
+    if (recording_platform::current().enter("popen", text_of(command) + " for " + mode)) {
+        return nullptr;
+    }
+    using popen_function = std::FILE* (*)(const char*, const char*);
+    static const auto real = reinterpret_cast<popen_function>(dlsym(RTLD_NEXT, "popen"));
+    return real(command, mode);
 }

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -53,8 +54,11 @@ public:
     void fail_call(int ordinal, int code = 1);
     /// From now on every call of this function throws `thrown`.
     void throw_from(const std::string& function, std::exception_ptr thrown);
-    /// Runs shell commands for real instead of answering 0.
+    /// Runs the commands of system() for real instead of answering 0; those of popen() always run.
     void run_commands() { runs_commands_ = true; }
+    /// Called at every platform call and every log line with the text that was noted, before the call does anything:
+    /// a place to look at the files between two calls, or to change them.
+    std::function<void(const std::string& call)> at_call;
 
     /// The id that the next insert gives to its row.
     std::int64_t next_row_id = 1;
@@ -83,6 +87,8 @@ public:
     /// Whether a failure that was asked for took place, and in which function.
     bool fired() const { return !failed_function_.empty(); }
     const std::string& failed_function() const { return failed_function_; }
+    /// The failed call as `calls` has it.
+    const std::string& failed_call() const { return failed_call_; }
     /// Whether every buffer and every result that was given out came back; each only once, or the test fails.
     bool everything_released() const { return buffers_.empty() && results_.empty(); }
 
@@ -95,6 +101,8 @@ public:
     std::optional<int> enter(const std::string& function, const std::string& arguments);
     /// Fails the running test when a call brings another handle than handle().
     void check_handle(const _zeb_db_handle_t* given);
+    /// Notes a call that cannot fail, or a log line.
+    void note(const std::string& call);
     void note_log(const std::string& level, const std::string& text);
     int run(const char* command);
     buffer* new_buffer();
@@ -118,6 +126,7 @@ private:
     int fail_ordinal_code_ = 0;
     int fallible_calls_ = 0;
     std::string failed_function_;
+    std::string failed_call_;
     bool runs_commands_ = false;
     std::set<const buffer*> buffers_;
     std::set<const result*> results_;

@@ -1,0 +1,101 @@
+/// The base of tests that work with the library's fixed places: it refuses to run where those are the machine's own,
+/// and fails a test that leaves a file, a pipe or a child process behind.
+#ifndef TESTS_SUPPORT_SANDBOXED_TEST_H
+#define TESTS_SUPPORT_SANDBOXED_TEST_H
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace place {
+
+constexpr const char* pci_keys = "/var/DS/pci_inventory.fkey";
+constexpr const char* adapter_keys = "/var/DS/inventory.fkey";
+constexpr const char* system_digest = "/var/vonk/sys_inventory.digest";
+constexpr const char* pci_digest = "/var/vonk/pci_inventory.digest";
+constexpr const char* digest_script = "/bin/pci_digest.sh";
+constexpr const char* bmc_address = "/var/log/bmc_bdf.bin";
+
+}  // namespace place
+
+inline bool exists(const std::string& path) {
+    return access(path.c_str(), F_OK) == 0;
+}
+
+inline std::string content_of(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file.is_open()) << path;
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+inline void write_file(const std::string& path, const std::string& content) {
+    std::ofstream file(path, std::ios::binary);
+    file << content << std::flush;
+    EXPECT_TRUE(file.good()) << path;
+}
+
+/// The words as a key file holds them, in the machine's byte order.
+inline std::string words(const std::vector<std::uint32_t>& numbers) {
+    std::string bytes(numbers.size() * sizeof(std::uint32_t), '\0');
+    std::memcpy(bytes.data(), numbers.data(), bytes.size());
+    return bytes;
+}
+
+class sandboxed_test : public testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(exists("/tiny-disk")) << "run this through ctest or tests/support/in-sandbox";
+        open_files_ = open_files();
+    }
+
+    void TearDown() override {
+        EXPECT_EQ(open_files(), open_files_) << "a file was left open";
+        EXPECT_TRUE(waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD) << "a child process was left behind";
+    }
+
+    // What can be wrong with the place of a file. None of it depends on permissions, which do not bite root.
+
+    /// The file can be read but not written: it lies on a file system that is mounted read-only.
+    static void make_read_only(const std::string& path, const std::string& content) {
+        const std::string name = std::filesystem::path(path).filename();
+        write_file("/tmp/" + name, content);
+        std::filesystem::create_symlink("/read-only/" + name, path);
+    }
+
+    static void make_folder_missing(const std::string& path) {
+        std::filesystem::create_symlink("/missing/folder/file", path);
+    }
+
+    static void make_directory(const std::string& path) { std::filesystem::create_directory(path); }
+
+    /// The file lies on a disk of 4096 bytes.
+    static void put_on_tiny_disk(const std::string& path) { std::filesystem::create_symlink("/tiny-disk/file", path); }
+
+    static void fill_tiny_disk() {
+        write_file("/tiny-disk/filler", std::string(4096, 'x'));
+        EXPECT_EQ(std::filesystem::space("/tiny-disk").free, 0u);
+    }
+
+    /// Reading the file gives fewer bytes than its size promises, as files of the kernel's own do.
+    static void make_shorter_than_its_size(const std::string& path) {
+        const std::string kernel_file = "/sys/devices/system/cpu/online";
+        ASSERT_LT(content_of(kernel_file).size(), std::filesystem::file_size(kernel_file));
+        std::filesystem::create_symlink(kernel_file, path);
+    }
+
+private:
+    static long open_files() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); }
+
+    long open_files_ = 0;
+};
+
+#endif
