@@ -1,0 +1,323 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <inventory_service_workstation.h>
+#include <unistd.h>
+#include <vonk_log_workstation.h>
+#include <zeb_db_handle.h>
+
+#include <climits>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/sandboxed_test.h"
+#include "support/sqlite_database.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+constexpr const char* database = "/tmp/named.db";
+
+void note_line(void* log, vonk_log::level, const char* text) {
+    static_cast<std::vector<std::string>*>(log)->emplace_back(text);
+}
+
+}  // namespace
+
+class InventoryService : public sandboxed_test {
+protected:
+    void SetUp() override {
+        static bool used = false;
+        ASSERT_FALSE(used) << "a process has one handle for good: run each test in a process of its own, as ctest does";
+        used = true;
+        sandboxed_test::SetUp();
+        ASSERT_EQ(chdir("/tmp"), 0);
+        ASSERT_EQ(setenv("ZEBDB_DATABASE", database, 1), 0);
+        vonk_log::set_sink(note_line, &log);
+    }
+
+    // The base's checks do not hold here: the database stays open as long as the process.
+    void TearDown() override { vonk_log::set_sink(nullptr, nullptr); }
+
+    std::vector<std::string> log;
+};
+
+TEST_F(InventoryService, OpensTheDatabaseThatTheEnvironmentNames) {
+    ASSERT_NE(get_dmdb_handle(), nullptr);
+    EXPECT_THAT(sqlite_database(database).run("SELECT count(*) FROM PCIs"), ElementsAre("0"));
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(InventoryService, OpensInventoryDbInTheWorkingDirectoryWithoutAName) {
+    unsetenv("ZEBDB_DATABASE");
+    ASSERT_NE(get_dmdb_handle(), nullptr);
+    EXPECT_THAT(sqlite_database("/tmp/inventory.db").run("SELECT count(*) FROM PCIs"), ElementsAre("0"));
+}
+
+TEST_F(InventoryService, OpensInventoryDbInTheWorkingDirectoryForAnEmptyName) {
+    setenv("ZEBDB_DATABASE", "", 1);
+    ASSERT_NE(get_dmdb_handle(), nullptr);
+    EXPECT_THAT(sqlite_database("/tmp/inventory.db").run("SELECT count(*) FROM PCIs"), ElementsAre("0"));
+}
+
+TEST_F(InventoryService, GivesOneHandleForTheProcess) {
+    _zeb_db_handle_t* handle = get_dmdb_handle();
+    ASSERT_NE(handle, nullptr);
+    setenv("ZEBDB_DATABASE", "/tmp/other.db", 1);
+    EXPECT_EQ(get_dmdb_handle(), handle);
+    EXPECT_FALSE(exists("/tmp/other.db"));
+}
+
+TEST_F(InventoryService, GivesNullAndTheReasonForADirectory) {
+    setenv("ZEBDB_DATABASE", "/tmp", 1);
+    EXPECT_EQ(get_dmdb_handle(), nullptr);
+    EXPECT_THAT(log, ElementsAre("cannot open inventory database '/tmp': unable to open database file (Is a "
+                                 "directory)"));
+}
+
+TEST_F(InventoryService, GivesNullAndTheReasonForAMissingFolder) {
+    setenv("ZEBDB_DATABASE", "/missing/inventory.db", 1);
+    EXPECT_EQ(get_dmdb_handle(), nullptr);
+    EXPECT_THAT(log, ElementsAre("cannot open inventory database '/missing/inventory.db': unable to open database file "
+                                 "(No such file or directory)"));
+}
+
+TEST_F(InventoryService, GivesNullAndTheReasonForAFileThatIsNoDatabase) {
+    write_file(database, std::string(1000, 'x'));
+    EXPECT_EQ(get_dmdb_handle(), nullptr);
+    EXPECT_THAT(log, ElementsAre("cannot open inventory database '/tmp/named.db': file is not a database"));
+}
+
+TEST_F(InventoryService, GivesAHandleOnceTheDatabaseCanBeOpened) {
+    write_file(database, std::string(1000, 'x'));
+    ASSERT_EQ(get_dmdb_handle(), nullptr);
+    std::filesystem::remove(database);
+    EXPECT_NE(get_dmdb_handle(), nullptr);
+}
+
+// Everything below works on an open database, seen by the test through a connection of its own.
+class OpenInventoryService : public InventoryService {
+protected:
+    void SetUp() override {
+        InventoryService::SetUp();
+        if (HasFatalFailure()) {
+            return;
+        }
+        handle = get_dmdb_handle();
+        ASSERT_NE(handle, nullptr);
+        seen = std::make_unique<sqlite_database>(database);
+    }
+
+    _zeb_db_handle_t* handle = nullptr;
+    std::unique_ptr<sqlite_database> seen;
+};
+
+class ParseAim : public OpenInventoryService {
+protected:
+    std::vector<std::string> adapters() {
+        return seen->run("SELECT DevKey, PCIFuncKey, AimArgument FROM PCIAdapter ORDER BY Id");
+    }
+};
+
+TEST_F(ParseAim, WritesOneRowADeviceKeyWithItsLowestFunctionKey) {
+    seen->run("INSERT INTO PCIs (DevKey, FunKey) VALUES (20, 7), (10, 9), (20, 5), (10, 8), (20, 6)");
+    EXPECT_EQ(parse_aim(handle, 3), 0);
+    EXPECT_THAT(adapters(), ElementsAre("10 8 3", "20 5 3"));
+}
+
+TEST_F(ParseAim, TakesKeysAndArgumentsOf32BitsAsUnsigned) {
+    seen->run("INSERT INTO PCIs (DevKey, FunKey) VALUES (4294967295, 4294967295), (4294967295, 2147483648)");
+    EXPECT_EQ(parse_aim(handle, UINT_MAX), 0);
+    EXPECT_THAT(adapters(), ElementsAre("4294967295 2147483648 4294967295"));
+}
+
+TEST_F(ParseAim, ReplacesTheRowsOfTheLastTime) {
+    seen->run("INSERT INTO PCIs (DevKey, FunKey) VALUES (10, 8)");
+    ASSERT_EQ(parse_aim(handle, 3), 0);
+    seen->run("UPDATE PCIs SET DevKey = 20, FunKey = 9");
+    EXPECT_EQ(parse_aim(handle, 4), 0);
+    EXPECT_THAT(adapters(), ElementsAre("20 9 4"));
+}
+
+TEST_F(ParseAim, LeavesNoRowWithoutFunctions) {
+    seen->run("INSERT INTO PCIAdapter (DevKey, PCIFuncKey) VALUES (10, 8)");
+    EXPECT_EQ(parse_aim(handle, 3), 0);
+    EXPECT_THAT(adapters(), IsEmpty());
+}
+
+TEST_F(ParseAim, IsTakenBackWithTheCallersTransaction) {
+    seen->run("INSERT INTO PCIs (DevKey, FunKey) VALUES (10, 8)");
+    ASSERT_EQ(parse_aim(handle, 3), 0);
+    ASSERT_EQ(zeb_db_begin_transaction(handle), 0);
+    EXPECT_EQ(parse_aim(handle, 4), 0);
+    ASSERT_EQ(zeb_db_rollback_transaction(handle), 0);
+    EXPECT_THAT(adapters(), ElementsAre("10 8 3"));
+}
+
+TEST_F(ParseAim, FailsWithALoggedReasonWithoutTheFunctionTable) {
+    seen->run("DROP TABLE PCIs");
+    EXPECT_NE(parse_aim(handle, 3), 0);
+    EXPECT_THAT(log, ElementsAre("inventory database: fill PCIAdapter: no such table: PCIs"));
+}
+
+TEST_F(ParseAim, RefusesANullHandle) {
+    EXPECT_NE(parse_aim(nullptr, 3), 0);
+}
+
+class InventorySequence : public OpenInventoryService {
+protected:
+    std::vector<std::string> sequences() {
+        return seen->run("SELECT Kind, Sequence FROM InventorySequence ORDER BY Kind");
+    }
+};
+
+TEST_F(InventorySequence, StartsWith1AtTheFirstNotice) {
+    EXPECT_THAT(sequences(), IsEmpty());
+    EXPECT_EQ(agentless_update_inventory_sequence(0), 0);
+    EXPECT_THAT(sequences(), ElementsAre("0 1"));
+}
+
+TEST_F(InventorySequence, IsRaisedBy1AtEachNoticeOfItsKind) {
+    for (const int kind : {1, 0, 1, 1}) {
+        EXPECT_EQ(agentless_update_inventory_sequence(kind), 0);
+    }
+    EXPECT_THAT(sequences(), ElementsAre("0 1", "1 3"));
+}
+
+TEST_F(InventorySequence, HasNoOtherKinds) {
+    EXPECT_NE(agentless_update_inventory_sequence(2), 0);
+    EXPECT_NE(agentless_update_inventory_sequence(-1), 0);
+    EXPECT_THAT(sequences(), IsEmpty());
+    EXPECT_THAT(log, ElementsAre("inventory service: there is no inventory of kind 2",
+                                 "inventory service: there is no inventory of kind -1"));
+}
+
+TEST_F(InventoryService, TakesNoNoticeWithoutADatabase) {
+    setenv("ZEBDB_DATABASE", "/missing/inventory.db", 1);
+    EXPECT_NE(agentless_update_inventory_sequence(0), 0);
+    EXPECT_THAT(log, ElementsAre(HasSubstr("/missing/inventory.db")));
+}
+
+class MemoryTables : public OpenInventoryService {
+protected:
+    std::vector<std::string> in_memory(const std::string& table) {
+        return run_sql(handle->connection.get(), "SELECT * FROM memory." + table);
+    }
+    std::vector<std::string> in_file(const std::string& table) { return seen->run("SELECT * FROM " + table); }
+};
+
+constexpr const char* inventory_tables[] = {"Processor", "Memory", "PCIBridge", "PCIs", "PCIAdapter"};
+
+TEST_F(MemoryTables, HoldTheRowsOfEveryInventoryTable) {
+    for (const std::string table : inventory_tables) {
+        seen->run("INSERT INTO " + table + " (Id) VALUES (7), (9)");
+    }
+    seen->run("UPDATE Processor SET Socket = 'CPU 1', ProcId = -1");
+    EXPECT_EQ(rebuild_tables_in_memory(handle), 0);
+    for (const std::string table : inventory_tables) {
+        EXPECT_THAT(in_memory(table), testing::SizeIs(2));
+        EXPECT_EQ(in_memory(table), in_file(table));
+    }
+}
+
+TEST_F(MemoryTables, AreRebuiltWhole) {
+    seen->run("INSERT INTO PCIs (FunKey) VALUES (7), (9)");
+    ASSERT_EQ(rebuild_tables_in_memory(handle), 0);
+    seen->run("DELETE FROM PCIs WHERE FunKey = 7; UPDATE PCIs SET FunKey = 10; INSERT INTO Memory (SlotNo) VALUES (1)");
+    EXPECT_EQ(rebuild_tables_in_memory(handle), 0);
+    for (const std::string table : inventory_tables) {
+        EXPECT_EQ(in_memory(table), in_file(table));
+    }
+}
+
+TEST_F(MemoryTables, StayAsTheyAreBetweenRebuilds) {
+    ASSERT_EQ(rebuild_tables_in_memory(handle), 0);
+    seen->run("INSERT INTO PCIs (FunKey) VALUES (7)");
+    EXPECT_THAT(in_memory("PCIs"), IsEmpty());
+}
+
+TEST_F(MemoryTables, AreNotInTheFile) {
+    const auto tables = seen->run("SELECT name FROM sqlite_schema ORDER BY name");
+    EXPECT_EQ(rebuild_tables_in_memory(handle), 0);
+    EXPECT_EQ(seen->run("SELECT name FROM sqlite_schema ORDER BY name"), tables);
+}
+
+TEST_F(MemoryTables, AreKeptWhenTheyCannotBeRebuilt) {
+    seen->run("INSERT INTO Processor (Socket) VALUES ('CPU 1')");
+    ASSERT_EQ(rebuild_tables_in_memory(handle), 0);
+    const auto before = in_memory("Processor");
+    seen->run("DELETE FROM Processor; DROP TABLE PCIAdapter");
+    EXPECT_NE(rebuild_tables_in_memory(handle), 0);
+    EXPECT_EQ(in_memory("Processor"), before);
+    EXPECT_THAT(in_memory("PCIAdapter"), IsEmpty());
+    EXPECT_THAT(log, ElementsAre("inventory database: rebuild the in-memory tables: no such table: main.PCIAdapter"));
+}
+
+TEST_F(MemoryTables, CanBeRebuiltAfterAFailure) {
+    seen->run("INSERT INTO Processor (Socket) VALUES ('CPU 1'); ALTER TABLE PCIAdapter RENAME TO Aside");
+    ASSERT_NE(rebuild_tables_in_memory(handle), 0);
+    seen->run("ALTER TABLE Aside RENAME TO PCIAdapter");
+    EXPECT_EQ(rebuild_tables_in_memory(handle), 0);
+    EXPECT_EQ(in_memory("Processor"), in_file("Processor"));
+}
+
+TEST_F(MemoryTables, AreNotRebuiltForANullHandle) {
+    EXPECT_NE(rebuild_tables_in_memory(nullptr), 0);
+}
+
+class PendingFirmware : public OpenInventoryService {
+protected:
+    ~PendingFirmware() override { std::free(list.entries); }
+
+    const zebdb_pldm_firmware_pending_entry& entry(std::size_t index) const {
+        return static_cast<const zebdb_pldm_firmware_pending_entry*>(list.entries)[index];
+    }
+
+    zebdb_pldm_firmware_pending_list list = {0, nullptr};
+};
+
+TEST_F(PendingFirmware, IsAnEmptyListWhenNoneIsPending) {
+    list.count = 77;
+    EXPECT_EQ(zebdb_get_pldm_firmware_pending_list(&list), 0);
+    EXPECT_EQ(list.count, 0u);
+    EXPECT_EQ(list.entries, nullptr);
+}
+
+TEST_F(PendingFirmware, ListsEveryRowInTheOrderOfItsIds) {
+    seen->run("INSERT INTO PendingFirmware VALUES (9, 'NIC 1', '2.0'), (3, 'GPU 1', '1.5'), (5, '', '')");
+    ASSERT_EQ(zebdb_get_pldm_firmware_pending_list(&list), 0);
+    ASSERT_EQ(list.count, 3u);
+    EXPECT_STREQ(entry(0).component, "GPU 1");
+    EXPECT_STREQ(entry(0).version, "1.5");
+    EXPECT_STREQ(entry(1).component, "");
+    EXPECT_STREQ(entry(1).version, "");
+    EXPECT_STREQ(entry(2).component, "NIC 1");
+    EXPECT_STREQ(entry(2).version, "2.0");
+}
+
+TEST_F(PendingFirmware, CutsTextsToFit) {
+    seen->run("INSERT INTO PendingFirmware (Component, Version) VALUES ('" + std::string(64, 'c') + "', '" +
+              std::string(32, 'v') + "')");
+    ASSERT_EQ(zebdb_get_pldm_firmware_pending_list(&list), 0);
+    ASSERT_EQ(list.count, 1u);
+    EXPECT_EQ(entry(0).component, std::string(63, 'c'));
+    EXPECT_EQ(entry(0).version, std::string(31, 'v'));
+}
+
+TEST_F(PendingFirmware, LeavesTheListAloneWhenItCannotBeRead) {
+    list.count = 77;
+    seen->run("DROP TABLE PendingFirmware");
+    EXPECT_NE(zebdb_get_pldm_firmware_pending_list(&list), 0);
+    EXPECT_EQ(list.count, 77u);
+    EXPECT_EQ(list.entries, nullptr);
+    EXPECT_THAT(log, ElementsAre("inventory service: cannot read the pending firmware: no such table: "
+                                 "PendingFirmware"));
+}
+
+TEST_F(PendingFirmware, RefusesANullList) {
+    EXPECT_NE(zebdb_get_pldm_firmware_pending_list(nullptr), 0);
+}

@@ -1,0 +1,47 @@
+/// Databases as SQLite itself sees them, past the platform's client.
+#ifndef TESTS_SUPPORT_SQLITE_DATABASE_H
+#define TESTS_SUPPORT_SQLITE_DATABASE_H
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Runs SQL; the test fails when SQLite refuses it. Each row of the last statement becomes a line of its values with
+/// blanks between them, a null written as "null".
+inline std::vector<std::string> run_sql(sqlite3* connection, const std::string& sql) {
+    std::vector<std::string> lines;
+    const auto add_line = [](void* target, int count, char** values, char**) {
+        std::string line;
+        for (int i = 0; i < count; ++i) {
+            line += (i == 0 ? "" : " ") + std::string(values[i] == nullptr ? "null" : values[i]);
+        }
+        static_cast<std::vector<std::string>*>(target)->push_back(line);
+        return 0;
+    };
+    EXPECT_EQ(sqlite3_exec(connection, sql.c_str(), add_line, &lines, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(connection) << ": " << sql;
+    return lines;
+}
+
+/// A connection of the test's own to a database file.
+class sqlite_database {
+public:
+    explicit sqlite_database(const std::string& path) {
+        sqlite3* opened = nullptr;
+        EXPECT_EQ(sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK) << path;
+        connection_.reset(opened);
+    }
+
+    std::vector<std::string> run(const std::string& sql) { return run_sql(connection_.get(), sql); }
+
+private:
+    struct closer {
+        void operator()(sqlite3* connection) const { sqlite3_close(connection); }
+    };
+    std::unique_ptr<sqlite3, closer> connection_;
+};
+
+#endif
