@@ -1,0 +1,266 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/cds_text.h"
+#include "support/sandboxed_test.h"
+#include "support/sqlite_database.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+constexpr const char* database = "/tmp/inventory.db";
+constexpr const char* inventory_tables[] = {"Processor", "Memory", "PCIBridge", "PCIs", "PCIAdapter"};
+
+// The sanitizer makes each refresh about five times as long.
+constexpr int all_rounds = 200;
+#ifdef __SANITIZE_ADDRESS__
+constexpr int rounds = 40;
+#else
+constexpr int rounds = all_rounds;
+#endif
+
+using clock = std::chrono::steady_clock;
+
+std::string card(int bus, int revision) {
+    const std::vector<setting> address = {
+        integer("Bus Number", std::to_string(bus % 256)),
+        integer("Segment Number", std::to_string(bus / 256)),
+        integer("Device Number", "0"),
+        integer("Function Number", "0"),
+        integer("Revision ID", std::to_string(revision)),
+    };
+    std::vector<setting> function = address;
+    function.push_back(integer("Location", "1"));
+    function.push_back(integer("Slot Number", std::to_string(bus)));
+    function.push_back(text("Slot Designation", "Slot of revision " + std::to_string(revision)));
+    return cds_component(cds_group("pci_bridge_info", address) +
+                         cds_slots(cds_component(cds_group("pci_device_info", function))));
+}
+
+// A server whose rows in every table differ from those of another revision.
+std::string server(int cards, int revision) {
+    const std::string serial = "revision " + std::to_string(revision);
+    std::string content;
+    for (int i = 0; i < cards; ++i) {
+        content += cds_component(cds_group("cpu_info", {integer("Core Count", "8"), text("Serial Number", serial)}));
+        content += cds_component(cds_group("memory_info", {integer("Size", "8192"), text("Serial Number", serial)}));
+        content += card(i, revision);
+    }
+    return cds_component(cds_slots(content));
+}
+
+// Starts a refresh in a process group of its own, with its log in /tmp/log.
+pid_t start_refresh(const char* cds_path) {
+    posix_spawn_file_actions_t files;
+    posix_spawn_file_actions_init(&files);
+    posix_spawn_file_actions_addopen(&files, STDERR_FILENO, "/tmp/log", O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+    std::string program = REFRESH_PROGRAM;
+    std::string argument = cds_path;
+    char* arguments[] = {program.data(), argument.data(), nullptr};
+    pid_t started = -1;
+    EXPECT_EQ(posix_spawn(&started, program.c_str(), &files, &attributes, arguments, environ), 0);
+    posix_spawnattr_destroy(&attributes);
+    posix_spawn_file_actions_destroy(&files);
+    return started;
+}
+
+int wait_for(pid_t refresh) {
+    int status = 0;
+    EXPECT_EQ(waitpid(refresh, &status, 0), refresh);
+    return status;
+}
+
+int refresh(const char* cds_path) {
+    return WEXITSTATUS(wait_for(start_refresh(cds_path)));
+}
+
+// Every row of the inventory, once SQLite has found the file whole.
+std::vector<std::string> inventory() {
+    sqlite_database opened(database);
+    EXPECT_THAT(opened.run("PRAGMA integrity_check"), ElementsAre("ok"));
+    std::vector<std::string> rows;
+    for (const std::string table : inventory_tables) {
+        for (const std::string& row : opened.run("SELECT * FROM " + table + " ORDER BY Id")) {
+            rows.push_back(table + ' ' + row);
+        }
+    }
+    return rows;
+}
+
+// One moment in each of `rounds` equal parts of `duration`, in random order.
+std::vector<clock::duration> random_moments(clock::duration duration) {
+    std::mt19937 random(20240229);
+    std::vector<clock::duration> moments;
+    for (int round = 0; round < rounds; ++round) {
+        std::uniform_real_distribution<double> within(round, round + 1);
+        moments.push_back(std::chrono::duration_cast<clock::duration>(duration * (within(random) / rounds)));
+    }
+    std::shuffle(moments.begin(), moments.end(), random);
+    return moments;
+}
+
+}  // namespace
+
+// Two servers; the first one is in the database.
+class Refresh : public sandboxed_test {
+protected:
+    static constexpr const char* first_server = "/tmp/first.xml";
+    static constexpr const char* second_server = "/tmp/second.xml";
+
+    void SetUp() override {
+        sandboxed_test::SetUp();
+        ASSERT_EQ(setenv("ZEBDB_DATABASE", database, 1), 0);
+        write_file(first_server, server(600, 1));
+        write_file(second_server, server(500, 2));
+        ASSERT_EQ(refresh(first_server), 0) << content_of("/tmp/log");
+        first_inventory = inventory();
+        ASSERT_EQ(first_inventory.size(), 600u * 5);
+    }
+
+    // Refreshes from `cds_path`, which must fail and change nothing.
+    void expect_failure(const char* cds_path, const std::string& reason) {
+        const auto files = kept_files();
+        EXPECT_EQ(refresh(cds_path), 1);
+        EXPECT_THAT(content_of("/tmp/log"), HasSubstr(reason));
+        EXPECT_TRUE(inventory() == first_inventory);
+        EXPECT_EQ(kept_files(), files);
+    }
+
+    static std::vector<std::string> kept_files() {
+        return {content_of(place::pci_keys), content_of(place::adapter_keys), content_of(place::system_digest),
+                content_of(place::pci_digest)};
+    }
+
+    std::vector<std::string> first_inventory;
+};
+
+TEST_F(Refresh, LeavesTheOldInventoryOrTheNewOneWheneverItIsKilled) {
+    ASSERT_EQ(refresh(second_server), 0);
+    const auto second_inventory = inventory();
+    const auto started = clock::now();
+    ASSERT_EQ(refresh(first_server), 0);
+    const auto duration = clock::now() - started;
+
+    int finished = 0;
+    int within_transaction = 0;
+    int old_inventories = 0;
+    bool first_is_old = true;
+    for (const auto moment : random_moments(duration)) {
+        const pid_t killed = start_refresh(first_is_old ? second_server : first_server);
+        std::this_thread::sleep_for(moment);
+        kill(-killed, SIGKILL);
+        const bool done = WIFEXITED(wait_for(killed));
+        finished += done ? 1 : 0;
+        within_transaction += exists(std::string(database) + "-journal") ? 1 : 0;
+
+        const auto found = inventory();
+        const bool is_first = found == first_inventory;
+        ASSERT_TRUE(is_first || found == second_inventory) << "neither the old inventory nor the new one";
+        ASSERT_FALSE(done && is_first == first_is_old) << "a finished refresh left the old inventory";
+        old_inventories += is_first == first_is_old ? 1 : 0;
+        first_is_old = is_first;
+    }
+    std::cout << rounds << " of " << all_rounds << " rounds within "
+              << std::chrono::duration_cast<std::chrono::milliseconds>(duration).count() << " ms: " << rounds - finished
+              << " killed, " << within_transaction << " of them within a transaction; " << old_inventories
+              << " times the old inventory, " << rounds - old_inventories << " times the new one\n";
+    EXPECT_GE(rounds - finished, rounds / 2) << "too few were killed in time to mean anything";
+    EXPECT_GE(within_transaction, rounds / 10) << "too few were killed within a transaction to mean anything";
+    EXPECT_EQ(refresh(second_server), 0);
+    EXPECT_TRUE(inventory() == second_inventory);
+}
+
+TEST_F(Refresh, ThatIsCommittedChangesTheInventory) {
+    EXPECT_EQ(refresh(second_server), 0);
+    const auto found = inventory();
+    EXPECT_EQ(found.size(), 500u * 5);
+    EXPECT_TRUE(std::none_of(found.begin(), found.end(),
+                             [](const std::string& row) { return row.find("revision 1") != std::string::npos; }));
+}
+
+TEST_F(Refresh, OfTheSameHardwareKeepsTheDigestsAndGivesNoNotice) {
+    const auto files = kept_files();
+    EXPECT_EQ(refresh(first_server), 0);
+    EXPECT_EQ(kept_files(), files);
+    EXPECT_THAT(content_of("/tmp/log"), HasSubstr("INFO: no system inventory change\n"));
+    EXPECT_THAT(content_of("/tmp/log"), HasSubstr("INFO: no pci inventory change\n"));
+    EXPECT_THAT(sqlite_database(database).run("SELECT * FROM InventorySequence ORDER BY Kind"),
+                ElementsAre("0 1", "1 1"));
+}
+
+TEST_F(Refresh, OfAMissingCdsFileChangesNothing) {
+    expect_failure("/tmp/missing.xml", "CDS XML ERROR");
+}
+
+TEST_F(Refresh, OfACutCdsFileChangesNothing) {
+    const std::string whole = content_of(second_server);
+    write_file("/tmp/cut.xml", whole.substr(0, whole.size() / 2));
+    expect_failure("/tmp/cut.xml", "CDS XML ERROR");
+}
+
+TEST_F(Refresh, OfACdsFileThatBreaksTheGrammarChangesNothing) {
+    write_file("/tmp/grammar.xml", cds_component(cds_slots("<component><setting_group/></component>")));
+    expect_failure("/tmp/grammar.xml", "CDS XML ERROR");
+}
+
+TEST_F(Refresh, WithADeleteThatFailsChangesNothing) {
+    sqlite_database(database).run(
+        "CREATE TRIGGER refuse BEFORE DELETE ON PCIBridge WHEN OLD.Id = 300 BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    expect_failure(second_server, "failed to delete PCI Bridges");
+}
+
+TEST_F(Refresh, WithAnInsertThatFailsChangesNothing) {
+    sqlite_database(database).run(
+        "CREATE TRIGGER refuse BEFORE INSERT ON PCIs WHEN NEW.SlotNo = 300 BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    expect_failure(second_server, "failed to insert PCI device");
+}
+
+TEST_F(Refresh, WithAnAdapterThatCannotBeInsertedChangesNothing) {
+    sqlite_database(database).run(
+        "CREATE TRIGGER refuse BEFORE INSERT ON PCIAdapter BEGIN SELECT RAISE(ABORT, 'refused'); END");
+    expect_failure(second_server, "parse_aim return error, rc = 0x");
+}
+
+TEST_F(Refresh, WithAnErrorAtWhichSqliteRollsBackByItselfChangesNothing) {
+    sqlite_database(database).run(
+        "CREATE TRIGGER refuse BEFORE INSERT ON PCIs WHEN NEW.SlotNo = 300 BEGIN SELECT RAISE(ROLLBACK, 'refused'); "
+        "END");
+    expect_failure(second_server, "failed to insert PCI device");
+}
+
+// The reader's lock outlasts the five seconds for which the database waits.
+TEST_F(Refresh, ThatCannotCommitBesideAReaderChangesNothing) {
+    sqlite_database reader(database);
+    reader.run("BEGIN; SELECT count(*) FROM PCIs");
+    expect_failure(second_server, "unable to commit pci transaction");
+}
+
+TEST_F(Refresh, OnAFullDiskChangesNothing) {
+    write_file("/tmp/on_a_full_disk", std::string("export ZEBDB_DATABASE=/tiny-disk/inventory.db\n") +
+                                          "cp /tmp/inventory.db $ZEBDB_DATABASE || exit 2\n" +
+                                          "sqlite3 $ZEBDB_DATABASE .dump >/tmp/before || exit 3\n" + REFRESH_PROGRAM +
+                                          " /tmp/second.xml 2>/tmp/log && exit 4\n" +
+                                          "sqlite3 $ZEBDB_DATABASE .dump | cmp - /tmp/before || exit 5\n");
+    const std::string size = std::to_string(std::filesystem::file_size(database) + 65536);
+    const std::string sandbox = "bwrap --dev-bind / / --size " + size + " --tmpfs /tiny-disk ";
+    EXPECT_EQ(std::system((sandbox + "sh /tmp/on_a_full_disk").c_str()), 0);
+    EXPECT_THAT(content_of("/tmp/log"), HasSubstr("database or disk is full"));
+}
