@@ -13,6 +13,7 @@
 
 #include "support/captured_log.h"
 #include "support/scratch_folder.h"
+#include "support/sqlite_database.h"
 
 struct handle_deleter {
     void operator()(_zeb_db_handle_t* handle) const { zeb_db_close(handle); }
@@ -57,14 +58,7 @@ protected:
     int insert(const std::string& socket, std::uint32_t cores) { return insert(handle.get(), socket, cores); }
 
     /// The rows that a SQL query finds through a connection of its own, their columns joined by '|'.
-    std::vector<std::string> rows(const std::string& sql) const {
-        sqlite3* reader = nullptr;
-        EXPECT_EQ(sqlite3_open_v2(path.c_str(), &reader, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
-        std::vector<std::string> found;
-        EXPECT_EQ(sqlite3_exec(reader, sql.c_str(), note_row, &found, nullptr), SQLITE_OK) << sqlite3_errmsg(reader);
-        sqlite3_close(reader);
-        return found;
-    }
+    std::vector<std::string> rows(const std::string& sql) const { return sqlite_database(path).run(sql); }
 
     std::vector<std::string> sockets() const { return rows("SELECT Socket FROM Processor ORDER BY Id"); }
 
@@ -78,15 +72,6 @@ private:
     static int note_connection(sqlite3* opened, const char**, const sqlite3_api_routines*) {
         newest_connection_ = opened;
         return SQLITE_OK;
-    }
-
-    static int note_row(void* context, int count, char** values, char**) {
-        std::string row;
-        for (int i = 0; i < count; ++i) {
-            row += (i == 0 ? "" : "|") + std::string(values[i] == nullptr ? "null" : values[i]);
-        }
-        static_cast<std::vector<std::string>*>(context)->push_back(row);
-        return 0;
     }
 
     static inline sqlite3* newest_connection_ = nullptr;

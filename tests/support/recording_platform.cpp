@@ -113,6 +113,7 @@ std::optional<int> recording_platform::enter(const std::string& function, const 
     const auto thrown = exceptions_.find(function);
     if (thrown != exceptions_.end()) {
         failed_function_ = function;
+        failed_call_ = calls.back();
         std::rethrow_exception(thrown->second);
     }
     std::optional<int> code;

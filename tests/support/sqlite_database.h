@@ -10,13 +10,13 @@
 #include <vector>
 
 /// Runs SQL; the test fails when SQLite refuses it. Each row of the last statement becomes a line of its values with
-/// blanks between them, a null written as "null".
+/// '|' between them, a null written as "null".
 inline std::vector<std::string> run_sql(sqlite3* connection, const std::string& sql) {
     std::vector<std::string> lines;
     const auto add_line = [](void* target, int count, char** values, char**) {
         std::string line;
         for (int i = 0; i < count; ++i) {
-            line += (i == 0 ? "" : " ") + std::string(values[i] == nullptr ? "null" : values[i]);
+            line += (i == 0 ? "" : "|") + std::string(values[i] == nullptr ? "null" : values[i]);
         }
         static_cast<std::vector<std::string>*>(target)->push_back(line);
         return 0;

@@ -203,7 +203,7 @@ TEST_F(Refresh, OfTheSameHardwareKeepsTheDigestsAndGivesNoNotice) {
     EXPECT_THAT(content_of("/tmp/log"), HasSubstr("INFO: no system inventory change\n"));
     EXPECT_THAT(content_of("/tmp/log"), HasSubstr("INFO: no pci inventory change\n"));
     EXPECT_THAT(sqlite_database(database).run("SELECT * FROM InventorySequence ORDER BY Kind"),
-                ElementsAre("0 1", "1 1"));
+                ElementsAre("0|1", "1|1"));
 }
 
 TEST_F(Refresh, OfAMissingCdsFileChangesNothing) {

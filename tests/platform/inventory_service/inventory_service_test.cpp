@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <inventory_service_workstation.h>
 #include <unistd.h>
-#include <vonk_log_workstation.h>
 #include <zeb_db_handle.h>
 
 #include <climits>
@@ -11,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "support/captured_log.h"
 #include "support/sandboxed_test.h"
 #include "support/sqlite_database.h"
 
@@ -21,10 +21,6 @@ using testing::IsEmpty;
 namespace {
 
 constexpr const char* database = "/tmp/named.db";
-
-void note_line(void* log, vonk_log::level, const char* text) {
-    static_cast<std::vector<std::string>*>(log)->emplace_back(text);
-}
 
 }  // namespace
 
@@ -37,19 +33,18 @@ protected:
         sandboxed_test::SetUp();
         ASSERT_EQ(chdir("/tmp"), 0);
         ASSERT_EQ(setenv("ZEBDB_DATABASE", database, 1), 0);
-        vonk_log::set_sink(note_line, &log);
     }
 
     // The base's checks do not hold here: the database stays open as long as the process.
-    void TearDown() override { vonk_log::set_sink(nullptr, nullptr); }
+    void TearDown() override {}
 
-    std::vector<std::string> log;
+    captured_log log;
 };
 
 TEST_F(InventoryService, OpensTheDatabaseThatTheEnvironmentNames) {
     ASSERT_NE(get_dmdb_handle(), nullptr);
     EXPECT_THAT(sqlite_database(database).run("SELECT count(*) FROM PCIs"), ElementsAre("0"));
-    EXPECT_THAT(log, IsEmpty());
+    EXPECT_THAT(log.lines, IsEmpty());
 }
 
 TEST_F(InventoryService, OpensInventoryDbInTheWorkingDirectoryWithoutAName) {
@@ -75,21 +70,25 @@ TEST_F(InventoryService, GivesOneHandleForTheProcess) {
 TEST_F(InventoryService, GivesNullAndTheReasonForADirectory) {
     setenv("ZEBDB_DATABASE", "/tmp", 1);
     EXPECT_EQ(get_dmdb_handle(), nullptr);
-    EXPECT_THAT(log, ElementsAre("cannot open inventory database '/tmp': unable to open database file (Is a "
-                                 "directory)"));
+    EXPECT_THAT(log.lines,
+                ElementsAre("ERROR: cannot open inventory database '/tmp': unable to open database file (Is a "
+                            "directory)"));
 }
 
 TEST_F(InventoryService, GivesNullAndTheReasonForAMissingFolder) {
     setenv("ZEBDB_DATABASE", "/missing/inventory.db", 1);
     EXPECT_EQ(get_dmdb_handle(), nullptr);
-    EXPECT_THAT(log, ElementsAre("cannot open inventory database '/missing/inventory.db': unable to open database file "
-                                 "(No such file or directory)"));
+    EXPECT_THAT(
+        log.lines,
+        ElementsAre("ERROR: cannot open inventory database '/missing/inventory.db': unable to open database file "
+                    "(No such file or directory)"));
 }
 
 TEST_F(InventoryService, GivesNullAndTheReasonForAFileThatIsNoDatabase) {
     write_file(database, std::string(1000, 'x'));
     EXPECT_EQ(get_dmdb_handle(), nullptr);
-    EXPECT_THAT(log, ElementsAre("cannot open inventory database '/tmp/named.db': file is not a database"));
+    EXPECT_THAT(log.lines,
+                ElementsAre("ERROR: cannot open inventory database '/tmp/named.db': file is not a database"));
 }
 
 TEST_F(InventoryService, GivesAHandleOnceTheDatabaseCanBeOpened) {
@@ -126,13 +125,13 @@ protected:
 TEST_F(ParseAim, WritesOneRowADeviceKeyWithItsLowestFunctionKey) {
     seen->run("INSERT INTO PCIs (DevKey, FunKey) VALUES (20, 7), (10, 9), (20, 5), (10, 8), (20, 6)");
     EXPECT_EQ(parse_aim(handle, 3), 0);
-    EXPECT_THAT(adapters(), ElementsAre("10 8 3", "20 5 3"));
+    EXPECT_THAT(adapters(), ElementsAre("10|8|3", "20|5|3"));
 }
 
 TEST_F(ParseAim, TakesKeysAndArgumentsOf32BitsAsUnsigned) {
     seen->run("INSERT INTO PCIs (DevKey, FunKey) VALUES (4294967295, 4294967295), (4294967295, 2147483648)");
     EXPECT_EQ(parse_aim(handle, UINT_MAX), 0);
-    EXPECT_THAT(adapters(), ElementsAre("4294967295 2147483648 4294967295"));
+    EXPECT_THAT(adapters(), ElementsAre("4294967295|2147483648|4294967295"));
 }
 
 TEST_F(ParseAim, ReplacesTheRowsOfTheLastTime) {
@@ -140,7 +139,7 @@ TEST_F(ParseAim, ReplacesTheRowsOfTheLastTime) {
     ASSERT_EQ(parse_aim(handle, 3), 0);
     seen->run("UPDATE PCIs SET DevKey = 20, FunKey = 9");
     EXPECT_EQ(parse_aim(handle, 4), 0);
-    EXPECT_THAT(adapters(), ElementsAre("20 9 4"));
+    EXPECT_THAT(adapters(), ElementsAre("20|9|4"));
 }
 
 TEST_F(ParseAim, LeavesNoRowWithoutFunctions) {
@@ -155,13 +154,13 @@ TEST_F(ParseAim, IsTakenBackWithTheCallersTransaction) {
     ASSERT_EQ(zeb_db_begin_transaction(handle), 0);
     EXPECT_EQ(parse_aim(handle, 4), 0);
     ASSERT_EQ(zeb_db_rollback_transaction(handle), 0);
-    EXPECT_THAT(adapters(), ElementsAre("10 8 3"));
+    EXPECT_THAT(adapters(), ElementsAre("10|8|3"));
 }
 
 TEST_F(ParseAim, FailsWithALoggedReasonWithoutTheFunctionTable) {
     seen->run("DROP TABLE PCIs");
     EXPECT_NE(parse_aim(handle, 3), 0);
-    EXPECT_THAT(log, ElementsAre("inventory database: fill PCIAdapter: no such table: PCIs"));
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: fill PCIAdapter: no such table: PCIs"));
 }
 
 TEST_F(ParseAim, RefusesANullHandle) {
@@ -178,28 +177,28 @@ protected:
 TEST_F(InventorySequence, StartsWith1AtTheFirstNotice) {
     EXPECT_THAT(sequences(), IsEmpty());
     EXPECT_EQ(agentless_update_inventory_sequence(0), 0);
-    EXPECT_THAT(sequences(), ElementsAre("0 1"));
+    EXPECT_THAT(sequences(), ElementsAre("0|1"));
 }
 
 TEST_F(InventorySequence, IsRaisedBy1AtEachNoticeOfItsKind) {
     for (const int kind : {1, 0, 1, 1}) {
         EXPECT_EQ(agentless_update_inventory_sequence(kind), 0);
     }
-    EXPECT_THAT(sequences(), ElementsAre("0 1", "1 3"));
+    EXPECT_THAT(sequences(), ElementsAre("0|1", "1|3"));
 }
 
 TEST_F(InventorySequence, HasNoOtherKinds) {
     EXPECT_NE(agentless_update_inventory_sequence(2), 0);
     EXPECT_NE(agentless_update_inventory_sequence(-1), 0);
     EXPECT_THAT(sequences(), IsEmpty());
-    EXPECT_THAT(log, ElementsAre("inventory service: there is no inventory of kind 2",
-                                 "inventory service: there is no inventory of kind -1"));
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory service: there is no inventory of kind 2",
+                                       "ERROR: inventory service: there is no inventory of kind -1"));
 }
 
 TEST_F(InventoryService, TakesNoNoticeWithoutADatabase) {
     setenv("ZEBDB_DATABASE", "/missing/inventory.db", 1);
     EXPECT_NE(agentless_update_inventory_sequence(0), 0);
-    EXPECT_THAT(log, ElementsAre(HasSubstr("/missing/inventory.db")));
+    EXPECT_THAT(log.lines, ElementsAre(HasSubstr("/missing/inventory.db")));
 }
 
 class MemoryTables : public OpenInventoryService {
@@ -254,7 +253,8 @@ TEST_F(MemoryTables, AreKeptWhenTheyCannotBeRebuilt) {
     EXPECT_NE(rebuild_tables_in_memory(handle), 0);
     EXPECT_EQ(in_memory("Processor"), before);
     EXPECT_THAT(in_memory("PCIAdapter"), IsEmpty());
-    EXPECT_THAT(log, ElementsAre("inventory database: rebuild the in-memory tables: no such table: main.PCIAdapter"));
+    EXPECT_THAT(log.lines,
+                ElementsAre("ERROR: inventory database: rebuild the in-memory tables: no such table: main.PCIAdapter"));
 }
 
 TEST_F(MemoryTables, CanBeRebuiltAfterAFailure) {
@@ -314,8 +314,8 @@ TEST_F(PendingFirmware, LeavesTheListAloneWhenItCannotBeRead) {
     EXPECT_NE(zebdb_get_pldm_firmware_pending_list(&list), 0);
     EXPECT_EQ(list.count, 77u);
     EXPECT_EQ(list.entries, nullptr);
-    EXPECT_THAT(log, ElementsAre("inventory service: cannot read the pending firmware: no such table: "
-                                 "PendingFirmware"));
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory service: cannot read the pending firmware: no such table: "
+                                       "PendingFirmware"));
 }
 
 TEST_F(PendingFirmware, RefusesANullList) {
