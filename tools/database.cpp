@@ -56,7 +56,7 @@ void on_interruption(void (*handler)(int)) {
 
 std::string folder_of(const std::string& path) {
     const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, slash);
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
 [[noreturn]] void fail_to_make(const std::string& path, int error) {
@@ -91,8 +91,9 @@ std::string sqlite_name(const std::string& path) {
 
 void require_database_file(const std::string& path) {
     if (::access(path.c_str(), R_OK) != 0) {
-        const std::string problem = "cannot read database " + in_quotes(path) + ": " + std::strerror(errno);
-        throw failure(errno == ENOENT ? problem + "; make it with 'zebdb-cds load' or name another with --database"
+        const int error = errno;
+        const std::string problem = "cannot read database " + in_quotes(path) + ": " + std::strerror(error);
+        throw failure(error == ENOENT ? problem + "; make it with 'zebdb-cds load' or name another with --database"
                                       : problem);
     }
     refuse_folder(path);
@@ -137,13 +138,17 @@ new_database_file::~new_database_file() {
 void new_database_file::take_away() {
     if (made_) {
         unlink_made_files();
-        keep();
+        forget();
     }
 }
 
 void new_database_file::keep() {
     if (made_) {
-        on_interruption(SIG_DFL);
-        made_ = false;
+        forget();
     }
+}
+
+void new_database_file::forget() {
+    on_interruption(SIG_DFL);
+    made_ = false;
 }

@@ -36,6 +36,8 @@ public:
     void take_away();
 
 private:
+    void forget();
+
     bool made_ = false;
 };
 

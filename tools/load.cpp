@@ -98,13 +98,18 @@ std::string summary(const load_options& options, milliseconds duration) {
     return text.str();
 }
 
+failure not_loaded(const load_options& options, const std::string& cause) {
+    return failure("cannot load " + input_title(options.file) + ": " + cause + "; " + state_of(options.database));
+}
+
 int load(const load_options& options) {
     const auto start = steady_clock::now();
     try {
         replace_inventory(options);
-    } catch (const failure& problem) {
-        throw failure("cannot load " + input_title(options.file) + ": " + problem.what() + "; " +
-                      state_of(options.database));
+    } catch (const failure& cause) {
+        throw not_loaded(options, cause.what());
+    } catch (const std::bad_alloc&) {
+        throw not_loaded(options, "out of memory");
     }
     const auto duration = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
     try {

@@ -31,7 +31,7 @@ protected:
 
 TEST_F(LoadDatabaseFailure, InAMissingFolder) {
     expect_failure(run("zebdb-cds load x.xml --database no/x.db"),
-                   "cannot make database 'no/x.db': No such file or directory; make the folder 'no' first; "
+                   "cannot make database 'no/x.db': No such file or directory; make the folder 'no/' first; "
                    "'no/x.db' was not made");
 }
 

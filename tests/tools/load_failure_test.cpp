@@ -148,5 +148,5 @@ INSTANTIATE_TEST_SUITE_P(
                     bad_input{"GrammarErrorOnStandardInput", "echo '<component><foo/></component>' | ", "-",
                               "standard input", "Unexpected node 'foo' in component"},
                     bad_input{"APipeThatClosesEarly", "mkfifo pipe; head -c 20 bad.xml >pipe & ", "pipe", "'pipe'",
-                              "line 2, column 9: Couldn't find end of Start Tag child_sl line 2"}),
+                              "line 2, column 9: Couldn't find end of Start Tag child_s line 2"}),
     [](const auto& tested) { return tested.param.name; });
