@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <utility>
 
 #include "database.h"
 #include "failure.h"
@@ -63,7 +64,8 @@ void redact(inventory_table& table) {
     }
 }
 
-inventory::inventory(const std::string& path) : path_(path) {
+inventory::inventory(const std::string& path, database_naming naming)
+    : path_(path), title_(in_quotes(path)), naming_(naming) {
     require_database_file(path);
     if (open() == SQLITE_READONLY_ROLLBACK) {
         roll_back_interrupted_write(path);
@@ -73,6 +75,9 @@ inventory::inventory(const std::string& path) : path_(path) {
         fail();
     }
 }
+
+inventory::inventory(std::string title, sqlite3* connection)
+    : title_(std::move(title)), naming_(database_naming::argument), connection_(connection) {}
 
 // Opens the database and holds it as it is now: a transaction begins with the first reading.
 int inventory::open() {
@@ -125,9 +130,10 @@ bool inventory::step(const statement_ptr& statement) const {
 }
 
 void inventory::fail() const {
-    const std::string problem = "cannot read " + in_quotes(path_) + ": " + sqlite3_errmsg(connection_.get());
-    if (sqlite3_errcode(connection_.get()) == SQLITE_ERROR) {  // as for a table or a column that it does not have
-        throw failure(problem + "; it holds no inventory, name another with --database");
+    const std::string problem = "cannot read " + title_ + ": " + sqlite3_errmsg(connection_.get());
+    const bool is_other = sqlite3_errcode(connection_.get()) == SQLITE_ERROR;  // it lacks a table or a column
+    if (naming_ == database_naming::argument) {
+        throw failure(is_other ? problem + "; it holds no inventory" : problem);
     }
-    throw failure(with_advice(problem));
+    throw failure(is_other ? problem + "; it holds no inventory, name another with --database" : with_advice(problem));
 }

@@ -38,11 +38,17 @@ struct inventory_table {
 /// Puts a placeholder in place of every serial number and asset tag.
 void redact(inventory_table& table);
 
+/// How the user named a database. Where it was by --database, messages say so.
+enum class database_naming { option, argument };
+
 /// A database as it is at the moment of opening; it is never written to.
 class inventory {
 public:
     /// Throws failure when there is no readable inventory at `path`.
-    explicit inventory(const std::string& path);
+    explicit inventory(const std::string& path, database_naming naming = database_naming::option);
+
+    /// Takes over an open connection; messages call the inventory `title`.
+    inventory(std::string title, sqlite3* connection);
 
     inventory_table read(const inventory_kind& kind) const;
     std::int64_t count(const inventory_kind& kind) const;
@@ -62,6 +68,8 @@ private:
     [[noreturn]] void fail() const;
 
     std::string path_;
+    std::string title_;
+    database_naming naming_;
     std::unique_ptr<sqlite3, closer> connection_;
 };
 
