@@ -1,6 +1,5 @@
-#include <nlohmann/json.hpp>
-
 #include "inventory_formats.h"
+#include "value_json.h"
 
 namespace {
 
@@ -9,18 +8,10 @@ using json = nlohmann::ordered_json;
 // Raised when a program that reads today's output would misread tomorrow's.
 constexpr int schema = 1;
 
-struct to_json_value {
-    json operator()(std::monostate) const { return nullptr; }
-    template <class Held>
-    json operator()(const Held& held) const {
-        return held;
-    }
-};
-
 json row_json(const inventory_table& table, const std::vector<inventory_value>& row) {
     json object = json::object();
     for (std::size_t column = 0; column < row.size(); ++column) {
-        object[table.columns[column]] = std::visit(to_json_value(), row[column]);
+        object[table.columns[column]] = value_json(row[column]);
     }
     return object;
 }

@@ -18,6 +18,7 @@ constexpr subcommand subcommands[] = {
     {"load", "Replace the inventory by what a CDS file describes", define_load},
     {"show", "Print the inventory", define_show},
     {"dump", "Print the normalised text of a CDS file", define_dump},
+    {"diff", "Print what differs between two inventories", define_diff},
     {"refresh", "Take the inventory to what a CDS file describes and say what changed", define_refresh},
     {"check", "Say whether the inventory may have changed since the last refresh", define_check},
     {"save-digest", "Save the digests that check compares with", define_save_digest},

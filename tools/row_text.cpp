@@ -134,6 +134,10 @@ std::string bus(const inventory_row& row, const char* column) {
     return hexadecimal(row, column, 2);
 }
 
+std::string pci_id_part(const inventory_row& row, const char* column) {
+    return hexadecimal(row, column, 4, "0x");
+}
+
 std::string megahertz(const inventory_row& row, const char* column) {
     return with_unit(row, column, " MHz");
 }

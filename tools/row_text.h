@@ -39,6 +39,8 @@ std::string key(const inventory_row& row, const char* column);
 std::string class_code(const inventory_row& row, const char* column);
 std::string revision(const inventory_row& row, const char* column);
 std::string bus(const inventory_row& row, const char* column);
+/// Half of a PCI id: the vendor's or the device's.
+std::string pci_id_part(const inventory_row& row, const char* column);
 std::string megahertz(const inventory_row& row, const char* column);
 std::string megatransfers(const inventory_row& row, const char* column);
 /// Sizes, from columns that count in the unit of the name.

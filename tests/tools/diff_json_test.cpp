@@ -1,0 +1,135 @@
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "support/diff_test.h"
+
+using json = nlohmann::ordered_json;
+using testing::ElementsAre;
+
+namespace {
+
+std::vector<std::string> keys_of(const json& object) {
+    std::vector<std::string> keys;
+    for (const auto& entry : object.items()) {
+        keys.push_back(entry.key());
+    }
+    return keys;
+}
+
+}  // namespace
+
+class DiffJson : public diff_test {
+protected:
+    json diff_json(int status, const std::string& arguments = "old.xml new.xml") const {
+        const command_result result = diff(arguments + " --format json");
+        EXPECT_EQ(result.status, status);
+        EXPECT_EQ(result.err, "");
+        return json::parse(result.out);
+    }
+};
+
+TEST_F(DiffJson, OfEqualInventoriesHasTheSchemaAndNoEntry) {
+    write_both(module("A1", "S1"), module("A1", "S1"));
+    const json nothing =
+        json::parse(R"({"added": [], "removed": [], "changed": [], "moved": [], "collisions": [], "ambiguous": []})");
+    EXPECT_EQ(diff_json(0), (json{{"schema", 1},
+                                  {"same", true},
+                                  {"processors", nothing},
+                                  {"memory", nothing},
+                                  {"bridges", nothing},
+                                  {"devices", nothing}}));
+}
+
+TEST_F(DiffJson, KeepsItsOrder) {
+    write_both(module("A1", "S1"), module("A2", "S2"));
+    const json difference = diff_json(1);
+    EXPECT_THAT(keys_of(difference), ElementsAre("schema", "same", "processors", "memory", "bridges", "devices"));
+    EXPECT_THAT(keys_of(difference["memory"]),
+                ElementsAre("added", "removed", "changed", "moved", "collisions", "ambiguous"));
+    EXPECT_THAT(keys_of(difference["memory"]["added"][0]), ElementsAre("identity", "columns"));
+}
+
+TEST_F(DiffJson, ListsRowsInTheOrderOfTheirInventory) {
+    const std::vector<setting> width = {integer("Data Width", "64")};
+    write_both(module("A9", "") + module("A1", "") + module("A5", "") + module("C1", "") + module("C9", ""),
+               module("B9", "") + module("B1", "") + module("C9", "", width) + module("C1", "", width));
+    const json memory = diff_json(1)["memory"];
+    EXPECT_EQ(memory["removed"][0]["identity"]["DevLocator"], "A9");
+    EXPECT_EQ(memory["removed"][1]["identity"]["DevLocator"], "A1");
+    EXPECT_EQ(memory["removed"][2]["identity"]["DevLocator"], "A5");
+    EXPECT_EQ(memory["added"][0]["identity"]["DevLocator"], "B9");
+    EXPECT_EQ(memory["added"][1]["identity"]["DevLocator"], "B1");
+    EXPECT_EQ(memory["changed"][0]["identity"]["DevLocator"], "C9");
+    EXPECT_EQ(memory["changed"][1]["identity"]["DevLocator"], "C1");
+}
+
+TEST_F(DiffJson, GivesAnAddedRowWithEveryColumnButRowIds) {
+    write_both("", server(bridge("1", {}, bridge("2", {hex("Vendor ID", "8086")}))));
+    const json added = diff_json(1)["bridges"]["added"][1];
+    EXPECT_EQ(added["identity"], json::parse(R"({"NodeIndex": 1, "SegNo": 0, "BusNo": 2, "DevNo": 0, "FunNo": 0})"));
+    EXPECT_EQ(added["columns"], json::parse(R"({
+        "Parent": "0000:01:00.0", "NodeIndex": 1, "SegNo": 0, "BusNo": 2, "DevNo": 0, "FunNo": 0, "VendorId": 32902,
+        "DevId": null, "RevId": null, "ClsCode": null, "PriBusNo": null, "SndBusNo": null, "SubBusNo": null})"));
+}
+
+TEST_F(DiffJson, GivesARemovedRowInTheSameForm) {
+    write_both(module("A1", "S1"), "");
+    const json removed = diff_json(1)["memory"]["removed"][0];
+    EXPECT_EQ(removed["identity"],
+              json::parse(R"({"NodeIndex": 4294967295, "DevLocator": "A1", "BankLocator": null})"));
+    EXPECT_EQ(removed["columns"]["SerialNo"], "S1");
+    EXPECT_EQ(removed["columns"]["Array"], nullptr);
+    EXPECT_FALSE(removed["columns"].contains("Id"));
+}
+
+TEST_F(DiffJson, GivesOldAndNewValueOfEveryChangedColumnAsTheyAreStored) {
+    write_both(processor("CPU 1", {integer("Core Count", "8"), text("Processor Version", "Fast")}),
+               processor("CPU 1", {integer("Core Count", "16"), hex("Processor ID", "0x7FFFFFFFFFFFFFFF")}));
+    EXPECT_EQ(diff_json(1)["processors"]["changed"], json::parse(R"([{
+        "identity": {"NodeIndex": 4294967295, "Socket": "CPU 1"},
+        "columns": {"ProcId": {"old": null, "new": 9223372036854775807},
+                    "Version": {"old": "Fast", "new": null},
+                    "CoreCount": {"old": 8, "new": 16}}}])"));
+}
+
+TEST_F(DiffJson, GivesUnsignedNumbersTheirValue) {
+    write_both(processor("CPU 1"), processor("CPU 1", {integer("Processor ID", "-1")}));
+    EXPECT_EQ(diff_json(1)["processors"]["changed"][0]["columns"]["ProcId"]["new"], 18446744073709551615u);
+}
+
+TEST_F(DiffJson, GivesBothIdentitiesOfAMovedPart) {
+    write_both(module("A1", "S1", {integer("Slot Number", "1")}), module("B1", "S1", {integer("Slot Number", "2")}));
+    EXPECT_EQ(diff_json(1)["memory"]["moved"], json::parse(R"([{
+        "old_identity": {"NodeIndex": 4294967295, "DevLocator": "A1", "BankLocator": null},
+        "identity": {"NodeIndex": 4294967295, "DevLocator": "B1", "BankLocator": null},
+        "columns": {"SlotNo": {"old": 1, "new": 2}}}])"));
+}
+
+TEST_F(DiffJson, CountsTheRecordsOfACollision) {
+    write_both(function("1") + function("1"), function("1"));
+    EXPECT_EQ(diff_json(1)["devices"]["collisions"],
+              json::parse(R"([{"identity": {"NodeIndex": 4294967295, "FunKey": 65536}, "old": 2, "new": 1}])"));
+}
+
+TEST_F(DiffJson, NamesTheRecordsOfASharedSerialNumber) {
+    write_both(processor("1", {text("Serial Number", "S1")}) + processor("2", {text("Serial Number", "S1")}),
+               processor("3", {text("Serial Number", "S1")}));
+    EXPECT_EQ(diff_json(1)["processors"]["ambiguous"], json::parse(R"([{
+        "old": [{"NodeIndex": 4294967295, "Socket": "1"}, {"NodeIndex": 4294967295, "Socket": "2"}],
+        "new": [{"NodeIndex": 4294967295, "Socket": "3"}]}])"));
+}
+
+TEST_F(DiffJson, IsValidWhateverBytesATextHolds) {
+    write_both(module("A1", "S1"), module("A1", "S1"));
+    load("new.xml", "new.db");
+    execute("new.db", "UPDATE Memory SET PartNo = CAST(x'22FF5C0A' AS TEXT)");
+    EXPECT_EQ(diff_json(1, "old.xml new.db")["memory"]["changed"][0]["columns"]["PartNo"]["new"], "\"\xEF\xBF\xBD\\\n");
+}
+
+TEST_F(DiffJson, HidesWhatIdentifiesPartsWithRedact) {
+    write_both(module("A1", "S1"), module("B1", "S1", {text("Asset Tag", "T1")}) + module("B2", "S2"));
+    const json memory = diff_json(1, "old.xml new.xml --redact")["memory"];
+    EXPECT_EQ(memory["moved"][0]["columns"], json::parse(R"({"AssetTag": {"old": null, "new": "[redacted]"}})"));
+    EXPECT_EQ(memory["added"][0]["columns"]["SerialNo"], "[redacted]");
+}
