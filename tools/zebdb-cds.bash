@@ -1,0 +1,70 @@
+# Completion of zebdb-cds for bash: subcommands, options, and what fits behind them.
+
+# The candidates for the word that is being completed. "files" and "folders" leave it to the shell to find them.
+_zebdb_cds_candidates() {
+    local subcommand=$1 previous=$2 word=$3
+
+    case $previous in
+    --database) echo files && return ;;
+    --root) echo folders && return ;;
+    --aim | --indent) return ;;
+    --format)
+        case $subcommand in
+        show) echo table text json csv ;;
+        *) echo text json ;;
+        esac
+        return
+        ;;
+    esac
+
+    if [[ $word == -* ]]; then
+        case $subcommand in
+        load) echo --database ;;
+        show) echo --format --redact --database ;;
+        dump) echo --indent ;;
+        tree) echo --database ;;
+        diff) echo --format --redact ;;
+        explain) echo --format --all --redact ;;
+        refresh) echo --aim --database --root ;;
+        check | save-digest | bmc-address) echo --database --root ;;
+        '') echo --version ;;
+        esac
+        echo --help
+        return
+    fi
+
+    case $subcommand in
+    '') echo load show dump tree diff explain refresh check save-digest bmc-address ;;
+    show) echo processors memory bridges devices ;;
+    bmc-address) ;;
+    *) echo files ;;
+    esac
+}
+
+_zebdb_cds() {
+    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} subcommand='' candidates i
+
+    # "--format=json" comes as three words
+    if [[ $word == '=' ]]; then
+        word=''
+    elif [[ $previous == '=' ]]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+
+    for ((i = 1; i < COMP_CWORD; ++i)); do
+        if [[ ${COMP_WORDS[i]} != -* ]]; then
+            subcommand=${COMP_WORDS[i]}
+            break
+        fi
+    done
+
+    COMPREPLY=()
+    candidates=$(_zebdb_cds_candidates "$subcommand" "$previous" "$word")
+    case $candidates in
+    files) compopt -o default ;;
+    folders) compopt -o dirnames ;;
+    *) mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word") ;;
+    esac
+}
+
+complete -F _zebdb_cds zebdb-cds
