@@ -75,7 +75,7 @@ std::string vanished_key(_zeb_db_handle_t* handle, const function_key_set& set) 
 }
 
 std::string reasons(const check_options& options, const log_tap& log) {
-    const std::string file = changed_file(options, log);
+    std::string file = changed_file(options, log);
     if (!file.empty()) {
         return file;
     }

@@ -80,6 +80,7 @@ void enter_private_view(const std::string& folder) {
     words.insert(words.begin(), {script, folder});
 
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

@@ -22,9 +22,7 @@ _zebdb_cds_candidates() {
         load) echo --database ;;
         show) echo --format --redact --database ;;
         dump) echo --indent ;;
-        tree) echo --database ;;
         diff) echo --format --redact ;;
-        explain) echo --format --all --redact ;;
         refresh) echo --aim --database --root ;;
         check | save-digest | bmc-address) echo --database --root ;;
         '') echo --version ;;
@@ -34,7 +32,7 @@ _zebdb_cds_candidates() {
     fi
 
     case $subcommand in
-    '') echo load show dump tree diff explain refresh check save-digest bmc-address ;;
+    '') echo load show dump diff refresh check save-digest bmc-address ;;
     show) echo processors memory bridges devices ;;
     bmc-address) ;;
     *) echo files ;;

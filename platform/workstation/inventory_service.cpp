@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -67,12 +68,14 @@ int attach_memory(_zeb_db_handle_t& handle) {
 }
 
 std::string copy_statements() {
-    std::string sql = "SAVEPOINT rebuild;";
-    for (const std::string table : inventory_tables) {
-        sql += "DROP TABLE IF EXISTS memory." + table + ";CREATE TABLE memory." + table + " AS SELECT * FROM main." +
-               table + ";";
+    std::ostringstream sql;
+    sql << "SAVEPOINT rebuild;";
+    for (const char* table : inventory_tables) {
+        sql << "DROP TABLE IF EXISTS memory." << table << ";CREATE TABLE memory." << table << " AS SELECT * FROM main."
+            << table << ';';
     }
-    return sql + "RELEASE rebuild;";
+    sql << "RELEASE rebuild;";
+    return sql.str();
 }
 
 }  // namespace
