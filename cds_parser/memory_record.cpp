@@ -9,41 +9,6 @@
 namespace cds_parser {
 namespace {
 
-constexpr column memory_columns[] = {
-    {"Slot Number", "SlotNo", column_type::uint},
-    {"Total Width", "TotalWidth", column_type::uint},
-    {"Data Width", "DataWidth", column_type::uint},
-    {"Size in MB", "MemSize", column_type::uint},
-    {"Form Factor", "FormFactor", column_type::uint},
-    {"Device Locator", "DevLocator", column_type::text},
-    {"Bank Locator", "BankLocator", column_type::text},
-    {"Memory Type", "MemType", column_type::uint},
-    {"Type Detail", "TypeDetail", column_type::uint},
-    {"Maximum Speed", "MaxSpeed", column_type::uint},
-    {"Configured Memory Clock Speed", "ClockSpeed", column_type::uint},
-    {"Manufacturer", "Manufacturer", column_type::text},
-    {"Serial Number", "SerialNo", column_type::text},
-    {"Asset Tag", "AssetTag", column_type::text},
-    {"Part Number", "PartNo", column_type::text},
-    {"Attributes", "Attributes", column_type::uint},
-};
-
-constexpr column persistent_memory_columns[] = {
-    {"Capacity", "Capacity", column_type::uint64},
-    {"Memory Capacity", "MemCapacity", column_type::uint64},
-    {"App Direct Capacity", "AppDirCap", column_type::uint64},
-    {"Unconfigured Capacity", "UnconfigCap", column_type::uint64},
-    {"Inaccessible Capacity", "InaccCap", column_type::uint64},
-    {"Reserved Capacity", "ReservedCap", column_type::uint64},
-    {"Classification", "Classification", column_type::uint},
-    {"Firmware Version", "FirmwareVersion", column_type::text},
-    {"SoftwareID", "SoftwareID", column_type::text},
-    {"CPUIndex", "CPUIndex", column_type::uint},
-    {"iMCNum", "iMCNum", column_type::uint},
-    {"ChannelNum", "ChannelNum", column_type::uint},
-    {"DimmNum", "DimmNum", column_type::uint},
-};
-
 constexpr long long non_volatile = 0x1000;  // bit 12 of the type detail
 
 bool is_persistent(const setting_group& memory) {
@@ -53,7 +18,7 @@ bool is_persistent(const setting_group& memory) {
 }  // namespace
 
 int parser::parse_memory(_zeb_db_handle_t* handle, component* visited) {
-    const setting_group* memory = visited->get_setting_group("memory_info");
+    const setting_group* memory = visited->get_setting_group(memory_group);
     if (memory == nullptr) {
         return 0;
     }

@@ -146,16 +146,16 @@ int parser::parse_component(_zeb_db_handle_t* handle, component* visited) {
     if (const setting_group* info = main_server_info(*visited)) {
         node_index = int32_of(*info, "slot_index", 0);
     }
-    if (visited->has_setting_group("pci_device_info")) {
+    if (visited->has_setting_group(device_group)) {
         return parse_pci_device(handle, visited);
     }
-    if (visited->has_setting_group("pci_bridge_info")) {
+    if (visited->has_setting_group(bridge_group)) {
         return walk_bridge(*this, handle, *visited);
     }
-    if (visited->has_setting_group("memory_info")) {
+    if (visited->has_setting_group(memory_group)) {
         return parse_memory(handle, visited);
     }
-    if (visited->has_setting_group("cpu_info")) {
+    if (visited->has_setting_group(processor_group)) {
         return parse_processor(handle, visited);
     }
     return walk_children(*this, handle, *visited);

@@ -13,55 +13,16 @@
 namespace cds_parser {
 namespace {
 
-constexpr std::int32_t on_board_location = 0;
-constexpr std::int32_t unknown_location = 2;
-
-constexpr column device_columns[] = {
-    {"Device ID", "DeviceId", column_type::uint},
-    {"Revision ID", "RevId", column_type::uint},
-    {"Subsystem Vendor ID", "SubVendorId", column_type::uint},
-    {"Subsystem ID", "SubDeviceId", column_type::uint},
-    {"Slot Designation", "SlotDesignation", column_type::text},
-    {"Slot Type", "SlotType", column_type::uint},
-    {"Slot Data Bus Width", "SlotDataBusWidth", column_type::uint},
-    {"Hotplug", "Hotplug", column_type::uint},
-    {"PCI Type", "PCIType", column_type::uint},
-    {"Blade Slot Port", "BladeSlotPort", column_type::uint},
-    {"Negotiated Link Width", "LanesInUse", column_type::uint},
-    {"Maximum Link Width", "MaxLanes", column_type::uint},
-    {"Max Link Speed", "MaxPCIeType", column_type::uint},
-    {"Current Link Speed", "PCIeType", column_type::uint},
-};
-
-// The values of a "pci_device_info" group that decide about its row.
-struct pci_function {
-    explicit pci_function(const setting_group& info)
-        : vendor(int32_of(info, "Vendor ID", -1)),
-          class_code(int32_of(info, "Class Code", -1)),
-          location(int32_of(info, "Location", unknown_location)),
-          device(int32_of(info, "Device ID", -1)),
-          subsystem_vendor(int32_of(info, "Subsystem Vendor ID", -1)),
-          subsystem(int32_of(info, "Subsystem ID", -1)),
-          has_subsystem(info.has_setting("Subsystem ID")),
-          segment(int32_of(info, "Segment Number", 0)),
-          bus(int32_of(info, "Bus Number", -1)),
-          device_number(int32_of(info, "Device Number", -1)),
-          function_number(int32_of(info, "Function Number", -1)),
-          slot(int32_of(info, "Slot Number", -1)) {}
-
-    std::int32_t vendor;
-    std::int32_t class_code;
-    std::int32_t location;
-    std::int32_t device;
-    std::int32_t subsystem_vendor;
-    std::int32_t subsystem;
-    bool has_subsystem;
-    std::int32_t segment;
-    std::int32_t bus;
-    std::int32_t device_number;
-    std::int32_t function_number;
-    std::int32_t slot;
-};
+pci_function read_function(const setting_group& info) {
+    pci_function function = {};
+    read_columns(function, info, device_place_columns);
+    read_columns(function, info, device_kind_columns);
+    function.device = int32_of(info, "Device ID", -1);
+    function.subsystem_vendor = int32_of(info, "Subsystem Vendor ID", -1);
+    function.subsystem = int32_of(info, "Subsystem ID", -1);
+    function.has_subsystem = info.has_setting("Subsystem ID");
+    return function;
+}
 
 bool is_misreported_accelerator(const pci_function& function) {
     return function.vendor == pci_ids::accelerator_vendor && function.device == pci_ids::accelerator_device &&
@@ -121,18 +82,11 @@ bool is_first_of_flex_140(const pci_function& function, std::uint32_t key,
     return false;
 }
 
-void put_identity(zeb_db_content_values_t* content, const pci_function& function) {
-    put_int32(content, "SegNo", function.segment);
-    put_int32(content, "BusNo", function.bus);
-    put_int32(content, "DeviceNo", function.device_number);
-    put_int32(content, "FunctionNo", function.function_number);
-    put_int32(content, "SlotNo", function.slot);
-    put_int32(content, "Location", function.location);
-    if (function.vendor >= 0) {
-        put_int32(content, "VendorId", function.vendor);
-    }
-    if (function.class_code >= 0) {
-        put_int32(content, "ClsCode", function.class_code);
+void put_kind(zeb_db_content_values_t* content, const pci_function& function) {
+    for (const number_column<pci_function>& each : device_kind_columns) {
+        if (function.*each.member >= 0) {
+            put_int32(content, each.name, function.*each.member);
+        }
     }
 }
 
@@ -146,12 +100,12 @@ void put_classification(zeb_db_content_values_t* content, const pci_function& fu
 }  // namespace
 
 int parser::parse_pci_device(_zeb_db_handle_t* handle, component* visited) {
-    const setting_group* info = visited->get_setting_group("pci_device_info");
+    const setting_group* info = visited->get_setting_group(device_group);
     if (info == nullptr) {
         return 0;
     }
 
-    pci_function function(*info);
+    pci_function function = read_function(*info);
     function.class_code = corrected_class_code(function);
     if (!has_address(function)) {
         last_row_id = -1;
@@ -176,7 +130,8 @@ int parser::parse_pci_device(_zeb_db_handle_t* handle, component* visited) {
     put_int32(content, "NodeIndex", node_index);
     zeb_db_content_put_uint(content, "DevKey", card);
     zeb_db_content_put_uint(content, "FunKey", key);
-    put_identity(content, function);
+    put_columns(content, function, device_place_columns);
+    put_kind(content, function);
     put_columns(content, *info, device_columns);
     put_classification(content, function, key);
 

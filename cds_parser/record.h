@@ -1,4 +1,4 @@
-/// What the record writers share. A record is a table of columns, each fed by one setting of the component's group.
+/// What the record writers share.
 #ifndef CDS_PARSER_RECORD_H
 #define CDS_PARSER_RECORD_H
 
@@ -8,22 +8,10 @@
 
 #include <zeb_db.h>
 
+#include "record_columns.h"
 #include "zebdb_cds_parser/setting_group.h"
 
 namespace cds_parser {
-
-enum class column_type {
-    text,    ///< the value text as it was read
-    uint,    ///< the value's low 32 bits
-    uint64,  ///< the whole value
-};
-
-/// A column and the setting that it takes its value from; a column whose setting is absent is not put.
-struct column {
-    const char* setting;
-    const char* name;
-    column_type type;
-};
 
 /// The value of the setting of that name, `default_value` when the group has none or it is not numeric.
 long long int_of(const setting_group& group, const char* setting, long long default_value);
@@ -47,6 +35,23 @@ std::size_t put_columns(zeb_db_content_values_t* content, const setting_group& g
 template <std::size_t Count>
 std::size_t put_columns(zeb_db_content_values_t* content, const setting_group& group, const column (&columns)[Count]) {
     return put_columns(content, group, columns, columns + Count);
+}
+
+/// Reads the member of each column.
+template <class Record, std::size_t Count>
+void read_columns(Record& record, const setting_group& group, const number_column<Record> (&columns)[Count]) {
+    for (const number_column<Record>& each : columns) {
+        record.*each.member = int32_of(group, each.setting, each.default_value);
+    }
+}
+
+/// Puts each column, whether the group had its setting or not.
+template <class Record, std::size_t Count>
+void put_columns(zeb_db_content_values_t* content, const Record& record,
+                 const number_column<Record> (&columns)[Count]) {
+    for (const number_column<Record>& each : columns) {
+        put_int32(content, each.name, record.*each.member);
+    }
 }
 
 }  // namespace cds_parser
