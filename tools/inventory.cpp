@@ -92,7 +92,14 @@ int inventory::open() {
 }
 
 inventory_table inventory::read(const inventory_kind& kind) const {
-    const statement_ptr rows = select("*", kind);
+    return table_of(kind, select("*", kind));
+}
+
+inventory_table inventory::read_after(const inventory_kind& kind, std::int64_t id) const {
+    return table_of(kind, select("*", kind, " WHERE rowid > " + std::to_string(id)));
+}
+
+inventory_table inventory::table_of(const inventory_kind& kind, const statement_ptr& rows) const {
     inventory_table table{&kind, {}, {}};
     const int columns = sqlite3_column_count(rows.get());
     for (int column = 0; column < columns; ++column) {
@@ -112,8 +119,9 @@ std::int64_t inventory::count(const inventory_kind& kind) const {
     return step(rows) ? sqlite3_column_int64(rows.get(), 0) : 0;
 }
 
-inventory::statement_ptr inventory::select(const std::string& what, const inventory_kind& kind) const {
-    const std::string sql = "SELECT " + what + " FROM " + kind.table + " ORDER BY rowid";
+inventory::statement_ptr inventory::select(const std::string& what, const inventory_kind& kind,
+                                           const std::string& condition) const {
+    const std::string sql = "SELECT " + what + " FROM " + kind.table + condition + " ORDER BY rowid";
     sqlite3_stmt* statement = nullptr;
     if (sqlite3_prepare_v2(connection_.get(), sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
         fail();

@@ -17,7 +17,7 @@ struct inventory_kind {
     const char* table;
 };
 
-constexpr inventory_kind inventory_kinds[] = {
+inline constexpr inventory_kind inventory_kinds[] = {
     {"processors", "Processors", "Processor"},
     {"memory", "Memory", "Memory"},
     {"bridges", "Bridges", "PCIBridge"},
@@ -51,6 +51,8 @@ public:
     inventory(std::string title, sqlite3* connection);
 
     inventory_table read(const inventory_kind& kind) const;
+    /// Only the rows with an id above `id`.
+    inventory_table read_after(const inventory_kind& kind, std::int64_t id) const;
     std::int64_t count(const inventory_kind& kind) const;
 
 private:
@@ -63,7 +65,8 @@ private:
     using statement_ptr = std::unique_ptr<sqlite3_stmt, finalizer>;
 
     int open();
-    statement_ptr select(const std::string& what, const inventory_kind& kind) const;
+    statement_ptr select(const std::string& what, const inventory_kind& kind, const std::string& condition = "") const;
+    inventory_table table_of(const inventory_kind& kind, const statement_ptr& rows) const;
     bool step(const statement_ptr& statement) const;
     [[noreturn]] void fail() const;
 

@@ -8,7 +8,6 @@
 #include <vonk_log_workstation.h>
 
 #include "failure.h"
-#include "memory_database.h"
 
 namespace {
 
@@ -64,6 +63,10 @@ inventory load_into_memory(cds_parser::document& document, const std::string& ti
     if (!load(database.handle(), document)) {
         throw failure(problem.text());
     }
+    return read_memory(database, title);
+}
+
+inventory read_memory(const memory_database& database, const std::string& title) {
     return inventory(title, open_connection(database.sqlite_name()).release());
 }
 

@@ -28,6 +28,7 @@ action define_bmc_address(CLI::App& arguments);
 action define_check(CLI::App& arguments);
 action define_diff(CLI::App& arguments);
 action define_dump(CLI::App& arguments);
+action define_explain(CLI::App& arguments);
 action define_load(CLI::App& arguments);
 action define_refresh(CLI::App& arguments);
 action define_save_digest(CLI::App& arguments);
