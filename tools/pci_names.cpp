@@ -17,7 +17,7 @@ constexpr std::size_t longest_name = 1024;
 // Where to go on when libpci meets an error: it expects not to be returned to, and an exception cannot pass through C.
 std::jmp_buf after_error;
 
-[[noreturn]] void leave_libpci(char*, ...) {
+PCI_NONRET void leave_libpci(char*, ...) {
     std::longjmp(after_error, 1);  // NOLINT(cert-err52-cpp): see above
 }
 
@@ -67,7 +67,7 @@ std::optional<std::string> pci_names::look_up(int what, id vendor, id device) {
     const char* name =
         look_up_in(access_.get(), buffer, what, static_cast<int>(*vendor), static_cast<int>(*device), failed);
     if (failed) {
-        access_.release();  // left in the middle of its work, it cannot be closed
+        access_.reset();  // the names that were read before the error are not all there are
     }
     if (name == nullptr || *name == '\0') {
         return std::nullopt;
