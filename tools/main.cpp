@@ -17,6 +17,7 @@ namespace {
 constexpr subcommand subcommands[] = {
     {"load", "Replace the inventory by what a CDS file describes", define_load},
     {"show", "Print the inventory", define_show},
+    {"tree", "Print the PCI bridges and functions as a tree", define_tree},
     {"explain", "Tell what became of every component of a CDS file, and why", define_explain},
     {"dump", "Print the normalised text of a CDS file", define_dump},
     {"diff", "Print what differs between two inventories", define_diff},

@@ -130,6 +130,10 @@ std::string revision(const inventory_row& row, const char* column) {
     return hexadecimal(row, column, 2, "0x");
 }
 
+std::string segment(const inventory_row& row, const char* column) {
+    return hexadecimal(row, column, 4);
+}
+
 std::string bus(const inventory_row& row, const char* column) {
     return hexadecimal(row, column, 2);
 }

@@ -38,6 +38,7 @@ std::string index(const inventory_row& row, const char* column);
 std::string key(const inventory_row& row, const char* column);
 std::string class_code(const inventory_row& row, const char* column);
 std::string revision(const inventory_row& row, const char* column);
+std::string segment(const inventory_row& row, const char* column);
 std::string bus(const inventory_row& row, const char* column);
 /// Half of a PCI id: the vendor's or the device's.
 std::string pci_id_part(const inventory_row& row, const char* column);

@@ -33,5 +33,6 @@ action define_load(CLI::App& arguments);
 action define_refresh(CLI::App& arguments);
 action define_save_digest(CLI::App& arguments);
 action define_show(CLI::App& arguments);
+action define_tree(CLI::App& arguments);
 
 #endif

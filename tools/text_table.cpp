@@ -52,10 +52,6 @@ void fit(std::vector<std::size_t>& widths, const std::vector<text_column>& colum
     }
 }
 
-std::string cut(const std::string& cell, std::size_t width, const text_style& style) {
-    return length_of(cell) <= width ? cell : first_characters(cell, width - 1) + (style.utf8 ? "\u2026" : "~");
-}
-
 std::string padded(const std::string& cell, std::size_t width, alignment aligned) {
     const std::string blanks(width - length_of(cell), ' ');
     return aligned == alignment::left ? cell + blanks : blanks + cell;
@@ -66,7 +62,8 @@ std::string line(const std::vector<text_column>& columns, const std::vector<std:
                  const text_style& style, CellOf cell_of) {
     std::string text;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        text += (i == 0 ? "" : gap) + padded(cut(cell_of(columns[i]), widths[i], style), widths[i], columns[i].aligned);
+        text += (i == 0 ? "" : gap) +
+                padded(cut_text(cell_of(columns[i]), widths[i], style), widths[i], columns[i].aligned);
     }
     return text.erase(text.find_last_not_of(' ') + 1);
 }
@@ -75,12 +72,16 @@ std::string line(const std::vector<text_column>& columns, const std::vector<std:
 
 text_style output_style() {
     text_style style;
+    style.utf8 = is_terminal(STDOUT_FILENO) && std::string(::nl_langinfo(CODESET)) == "UTF-8";
     if (is_styled(STDOUT_FILENO)) {
         style.bold_headings = true;
         style.width = terminal_width(STDOUT_FILENO);
-        style.utf8 = std::string(::nl_langinfo(CODESET)) == "UTF-8";
     }
     return style;
+}
+
+std::string cut_text(const std::string& text, std::size_t width, const text_style& style) {
+    return length_of(text) <= width ? text : first_characters(text, width - 1) + (style.utf8 ? "\u2026" : "~");
 }
 
 std::string heading_text(const std::string& heading, const text_style& style) {

@@ -25,6 +25,9 @@ struct text_style {
 /// The style for what is printed to standard output.
 text_style output_style();
 
+/// `text` as far as it fits into `width` characters, with a mark where something was cut off.
+std::string cut_text(const std::string& text, std::size_t width, const text_style& style);
+
 std::string heading_text(const std::string& heading, const text_style& style);
 
 /// The lines of a table, aligned by characters. Cells are UTF-8.

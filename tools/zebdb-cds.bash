@@ -23,6 +23,7 @@ _zebdb_cds_candidates() {
         show) echo --format --redact --database ;;
         dump) echo --indent ;;
         diff) echo --format --redact ;;
+        tree) echo --format --database ;;
         refresh) echo --aim --database --root ;;
         check | save-digest | bmc-address) echo --database --root ;;
         '') echo --version ;;
@@ -32,7 +33,7 @@ _zebdb_cds_candidates() {
     fi
 
     case $subcommand in
-    '') echo load show dump diff refresh check save-digest bmc-address ;;
+    '') echo load show tree dump diff refresh check save-digest bmc-address ;;
     show) echo processors memory bridges devices ;;
     bmc-address) ;;
     *) echo files ;;
