@@ -21,6 +21,7 @@ _zebdb_cds_candidates() {
         case $subcommand in
         load) echo --database ;;
         show) echo --format --redact --database ;;
+        explain) echo --all --format --redact ;;
         dump) echo --indent ;;
         diff) echo --format --redact ;;
         tree) echo --format --database ;;
@@ -33,7 +34,7 @@ _zebdb_cds_candidates() {
     fi
 
     case $subcommand in
-    '') echo load show tree dump diff refresh check save-digest bmc-address ;;
+    '') echo load show tree explain dump diff refresh check save-digest bmc-address ;;
     show) echo processors memory bridges devices ;;
     bmc-address) ;;
     *) echo files ;;
