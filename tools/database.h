@@ -4,7 +4,9 @@
 
 #include <string>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 /// Adds --database; `path` becomes $ZEBDB_DATABASE, or "inventory.db", when it is not given.
 void add_database_option(CLI::App& arguments, std::string& path);

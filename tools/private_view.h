@@ -4,7 +4,9 @@
 
 #include <string>
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 /// Adds --root; `folder` stays empty when it is not given.
 void add_root_option(CLI::App& arguments, std::string& folder);
