@@ -89,7 +89,7 @@ int bmc_address(const bmc_options& options) {
 
 }  // namespace
 
-action define_bmc_address(CLI::App& arguments) {
+action define_bmc_address(command_line& arguments) {
     const auto options = std::make_shared<bmc_options>();
     add_database_option(arguments, options->database);
     add_root_option(arguments, options->root);

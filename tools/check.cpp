@@ -102,10 +102,10 @@ int check(const check_options& options) {
 
 }  // namespace
 
-action define_check(CLI::App& arguments) {
+action define_check(command_line& arguments) {
     const auto options = std::make_shared<check_options>();
-    arguments.add_option("FIRST", options->first, "The first file, the CDS file as a rule")->required()->type_name("");
-    arguments.add_option("SECOND", options->second, "The second file")->required()->type_name("");
+    arguments.argument("FIRST", options->first, "The first file, the CDS file as a rule");
+    arguments.argument("SECOND", options->second, "The second file");
     add_database_option(arguments, options->database);
     add_root_option(arguments, options->root);
     return [options] { return check(*options); };

@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -76,13 +75,9 @@ void refuse_folder(const std::string& path) {
 
 }  // namespace
 
-void add_database_option(CLI::App& arguments, std::string& path) {
+void add_database_option(command_line& arguments, std::string& path) {
     path = "inventory.db";
-    arguments.add_option("--database", path, "The inventory database")
-        ->envname("ZEBDB_DATABASE")
-        ->type_name("PATH")
-        ->capture_default_str()
-        ->check([](const std::string& given) { return given.empty() ? "the path is empty" : ""; });
+    arguments.path_option("--database", "PATH", path, "The inventory database", "ZEBDB_DATABASE");
 }
 
 std::string sqlite_name(const std::string& path) {

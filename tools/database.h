@@ -4,12 +4,10 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-}
+#include "command_line.h"
 
 /// Adds --database; `path` becomes $ZEBDB_DATABASE, or "inventory.db", when it is not given.
-void add_database_option(CLI::App& arguments, std::string& path);
+void add_database_option(command_line& arguments, std::string& path);
 
 /// The name by which SQLite takes `path` for a file, whatever characters it begins with.
 std::string sqlite_name(const std::string& path);

@@ -49,17 +49,12 @@ int diff(const diff_options& options) {
 
 }  // namespace
 
-action define_diff(CLI::App& arguments) {
+action define_diff(command_line& arguments) {
     const auto options = std::make_shared<diff_options>();
-    arguments.add_option("OLD", options->old_name, "An inventory: a CDS file or a database; - is standard input")
-        ->required()
-        ->type_name("");
-    arguments.add_option("NEW", options->new_name, "The inventory to compare it with")->required()->type_name("");
-    arguments.add_option("--format", options->format, "text, for people; json, for programs")
-        ->type_name("FORMAT")
-        ->capture_default_str()
-        ->check(CLI::IsMember({"text", "json"}).description(""));
-    arguments.add_flag("--redact", options->redact, "Hide serial numbers and asset tags");
+    arguments.argument("OLD", options->old_name, "An inventory: a CDS file or a database; - is standard input");
+    arguments.argument("NEW", options->new_name, "The inventory to compare it with");
+    add_text_or_json_option(arguments, options->format);
+    add_redact_flag(arguments, options->redact);
     arguments.footer("Exit status: 0 the same, 1 different, 2 could not compare (the message says why).");
     return [options] { return diff(*options); };
 }

@@ -34,13 +34,11 @@ int dump(const dump_options& options) {
 
 }  // namespace
 
-action define_dump(CLI::App& arguments) {
+action define_dump(command_line& arguments) {
     const auto options = std::make_shared<dump_options>();
-    arguments.add_option("FILE", options->file, "The CDS file; - is standard input")->required()->type_name("");
-    arguments.add_option("--indent", options->indent, "Blanks for each level, 0 to " + std::to_string(widest_indent))
-        ->type_name("N")
-        ->capture_default_str()
-        ->check(CLI::Range(0U, widest_indent).description(""));
-    arguments.footer(std::string(round_trip) + "\n\n" + arguments.get_footer());
+    add_cds_file_argument(arguments, options->file);
+    arguments.number_option("--indent", "N", options->indent,
+                            "Blanks for each level, 0 to " + std::to_string(widest_indent), widest_indent);
+    arguments.remark(round_trip);
     return [options] { return dump(*options); };
 }

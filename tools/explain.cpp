@@ -30,14 +30,11 @@ int explain(const explain_options& options) {
 
 }  // namespace
 
-action define_explain(CLI::App& arguments) {
+action define_explain(command_line& arguments) {
     const auto options = std::make_shared<explain_options>();
-    arguments.add_option("FILE", options->file, "The CDS file; - is standard input")->required()->type_name("");
-    arguments.add_option("--format", options->format, "text, for people; json, for programs")
-        ->type_name("FORMAT")
-        ->capture_default_str()
-        ->check(CLI::IsMember({"text", "json"}).description(""));
-    arguments.add_flag("--all", options->all, "Tell about the components that there is nothing to record of, too");
-    arguments.add_flag("--redact", options->redact, "Hide serial numbers and asset tags");
+    add_cds_file_argument(arguments, options->file);
+    add_text_or_json_option(arguments, options->format);
+    arguments.flag("--all", options->all, "Tell about the components that there is nothing to record of, too");
+    add_redact_flag(arguments, options->redact);
     return [options] { return explain(*options); };
 }

@@ -123,9 +123,9 @@ int load(const load_options& options) {
 
 }  // namespace
 
-action define_load(CLI::App& arguments) {
+action define_load(command_line& arguments) {
     const auto options = std::make_shared<load_options>();
-    arguments.add_option("FILE", options->file, "The CDS file; - is standard input")->required()->type_name("");
+    add_cds_file_argument(arguments, options->file);
     add_database_option(arguments, options->database);
     return [options] { return load(*options); };
 }

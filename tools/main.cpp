@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <clocale>
 #include <csignal>
 #include <utility>
@@ -59,8 +60,9 @@ int run(int argc, char** argv) {
 
     std::vector<std::pair<CLI::App*, action>> actions;
     for (const subcommand& each : subcommands) {
-        CLI::App* arguments = app.add_subcommand(each.name, each.purpose);
-        actions.emplace_back(arguments, each.define(*arguments));
+        CLI::App* named = app.add_subcommand(each.name, each.purpose);
+        command_line arguments(*named);
+        actions.emplace_back(named, each.define(arguments));
     }
 
     try {
@@ -75,8 +77,8 @@ int run(int argc, char** argv) {
         return refuse(app, error);
     }
 
-    for (const auto& [arguments, act] : actions) {
-        if (arguments->parsed()) {
+    for (const auto& [named, act] : actions) {
+        if (named->parsed()) {
             return act();
         }
     }

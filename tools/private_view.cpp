@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
@@ -62,13 +61,10 @@ std::string sandbox_script(const std::string& program) {
 
 }  // namespace
 
-void add_root_option(CLI::App& arguments, std::string& folder) {
-    arguments
-        .add_option("--root", folder,
-                    "Keep /var/DS, /var/vonk, /var/log, /tmp and /bin/pci_digest.sh below this folder instead of using "
-                    "the machine's own")
-        ->type_name("DIR")
-        ->check([](const std::string& given) { return given.empty() ? "the path is empty" : ""; });
+void add_root_option(command_line& arguments, std::string& folder) {
+    arguments.path_option("--root", "DIR", folder,
+                          "Keep /var/DS, /var/vonk, /var/log, /tmp and /bin/pci_digest.sh below this folder instead of "
+                          "using the machine's own");
 }
 
 void enter_private_view(const std::string& folder) {

@@ -4,12 +4,10 @@
 
 #include <string>
 
-namespace CLI {
-class App;
-}
+#include "command_line.h"
 
 /// Adds --root; `folder` stays empty when it is not given.
-void add_root_option(CLI::App& arguments, std::string& folder);
+void add_root_option(command_line& arguments, std::string& folder);
 
 /// With a folder, runs this very command line, without its --root, in a private view of the file system that is kept
 /// there, and does not come back. Throws failure when that cannot be done. Without one, does nothing.

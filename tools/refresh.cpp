@@ -70,12 +70,10 @@ int refresh(const refresh_options& options) {
 
 }  // namespace
 
-action define_refresh(CLI::App& arguments) {
+action define_refresh(command_line& arguments) {
     const auto options = std::make_shared<refresh_options>();
-    arguments.add_option("FILE", options->file, "The CDS file; - is standard input")->required()->type_name("");
-    arguments.add_option("--aim", options->aim_argument, "The number that the adapter loader is given")
-        ->type_name("NUMBER")
-        ->capture_default_str();
+    add_cds_file_argument(arguments, options->file);
+    arguments.number_option("--aim", "NUMBER", options->aim_argument, "The number that the adapter loader is given");
     add_database_option(arguments, options->database);
     add_root_option(arguments, options->root);
     return [options] { return refresh(*options); };

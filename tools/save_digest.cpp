@@ -37,10 +37,10 @@ int save_digest(const save_options& options) {
 
 }  // namespace
 
-action define_save_digest(CLI::App& arguments) {
+action define_save_digest(command_line& arguments) {
     const auto options = std::make_shared<save_options>();
-    arguments.add_option("FIRST", options->first, "The first file, the CDS file as a rule")->required()->type_name("");
-    arguments.add_option("SECOND", options->second, "The second file")->required()->type_name("");
+    arguments.argument("FIRST", options->first, "The first file, the CDS file as a rule");
+    arguments.argument("SECOND", options->second, "The second file");
     add_database_option(arguments, options->database);
     add_root_option(arguments, options->root);
     return [options] { return save_digest(*options); };

@@ -67,16 +67,13 @@ int show(const show_options& options) {
 
 }  // namespace
 
-action define_show(CLI::App& arguments) {
+action define_show(command_line& arguments) {
     const auto options = std::make_shared<show_options>();
-    arguments.add_option("KIND", options->kind, "processors, memory, bridges or devices; all of them if none is named")
-        ->type_name("")
-        ->check(CLI::IsMember(names_of(inventory_kinds)).description(""));
-    arguments.add_option("--format", options->format, "table, for people; json or csv, for programs")
-        ->type_name("FORMAT")
-        ->capture_default_str()
-        ->check(CLI::IsMember(names_of(formats)).description(""));
-    arguments.add_flag("--redact", options->redact, "Hide serial numbers and asset tags");
+    arguments.optional_argument("KIND", options->kind,
+                                "processors, memory, bridges or devices; all of them if none is named",
+                                names_of(inventory_kinds));
+    arguments.format_option(options->format, "table, for people; json or csv, for programs", names_of(formats));
+    add_redact_flag(arguments, options->redact);
     add_database_option(arguments, options->database);
     return [options] { return show(*options); };
 }

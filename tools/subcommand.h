@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include <CLI/CLI.hpp>
+#include "command_line.h"
 
 /// Exit status: the work is done.
 constexpr int status_done = 0;
@@ -21,18 +21,18 @@ struct subcommand {
     const char* name;
     const char* purpose;
     /// Declares the subcommand's arguments.
-    action (*define)(CLI::App& arguments);
+    action (*define)(command_line& arguments);
 };
 
-action define_bmc_address(CLI::App& arguments);
-action define_check(CLI::App& arguments);
-action define_diff(CLI::App& arguments);
-action define_dump(CLI::App& arguments);
-action define_explain(CLI::App& arguments);
-action define_load(CLI::App& arguments);
-action define_refresh(CLI::App& arguments);
-action define_save_digest(CLI::App& arguments);
-action define_show(CLI::App& arguments);
-action define_tree(CLI::App& arguments);
+action define_bmc_address(command_line& arguments);
+action define_check(command_line& arguments);
+action define_diff(command_line& arguments);
+action define_dump(command_line& arguments);
+action define_explain(command_line& arguments);
+action define_load(command_line& arguments);
+action define_refresh(command_line& arguments);
+action define_save_digest(command_line& arguments);
+action define_show(command_line& arguments);
+action define_tree(command_line& arguments);
 
 #endif

@@ -22,16 +22,11 @@ struct tree_options {
     std::string format = "text";
 };
 
-bool is_on_command_line(const CLI::App& arguments, const std::string& option) {
-    const std::vector<CLI::Option*>& given = arguments.parse_order();
-    return std::find(given.begin(), given.end(), arguments.get_option(option)) != given.end();
-}
-
-inventory open(const CLI::App& arguments, const tree_options& options) {
-    if (!is_on_command_line(arguments, "FILE")) {
+inventory open(const command_line& arguments, const tree_options& options) {
+    if (!arguments.has("FILE")) {
         return inventory(options.database);
     }
-    if (is_on_command_line(arguments, "--database")) {  // and not only in the environment
+    if (arguments.has("--database")) {  // and not only in the environment
         throw failure("FILE and --database exclude each other; see 'zebdb-cds tree --help'");
     }
     return open_inventory(options.file);
@@ -42,7 +37,7 @@ inventory_table read(const inventory& from, const std::string& name) {
                                    [&name](const inventory_kind& kind) { return kind.name == name; }));
 }
 
-int tree(const CLI::App& arguments, const tree_options& options) {
+int tree(const command_line& arguments, const tree_options& options) {
     const inventory shown = open(arguments, options);
     const inventory_table bridges = read(shown, "bridges");
     const inventory_table functions = read(shown, "devices");
@@ -58,16 +53,12 @@ int tree(const CLI::App& arguments, const tree_options& options) {
 
 }  // namespace
 
-action define_tree(CLI::App& arguments) {
+action define_tree(command_line& arguments) {
     const auto options = std::make_shared<tree_options>();
-    arguments
-        .add_option("FILE", options->file,
-                    "An inventory: a CDS file or a database; - is standard input. Without it, that of --database")
-        ->type_name("");
-    arguments.add_option("--format", options->format, "text, for people; json, for programs")
-        ->type_name("FORMAT")
-        ->capture_default_str()
-        ->check(CLI::IsMember({"text", "json"}).description(""));
+    arguments.optional_argument(
+        "FILE", options->file,
+        "An inventory: a CDS file or a database; - is standard input. Without it, that of --database");
+    add_text_or_json_option(arguments, options->format);
     add_database_option(arguments, options->database);
-    return [options, &arguments] { return tree(arguments, *options); };
+    return [options, arguments] { return tree(arguments, *options); };
 }
