@@ -58,17 +58,19 @@ bool has_text(const xmlNode* element) {
     return first != nullptr && first->content != nullptr && first->content[0] != '\0' && first->content[0] != '\n';
 }
 
-void replace_by_text(std::string& target, const xmlNode* element) {
-    if (has_text(element)) {
-        target = std::string(sysxml::node(element->children).content());
+// Leaves `target` as it is, and gives false, when the element has no text.
+bool replace_by_text(std::string& target, const xmlNode* element) {
+    if (!has_text(element)) {
+        return false;
     }
+    target = std::string(sysxml::node(element->children).content());
+    return true;
 }
 
 bool read_value(setting_node& setting, const xmlNode* element) {
     for (const setting_node::setting_value_type type : value_elements) {
         if (is_named(element, setting_node::map_value_type(type))) {
-            if (has_text(element)) {
-                setting.value = std::string(sysxml::node(element->children).content());
+            if (replace_by_text(setting.value, element)) {
                 setting.value_type = type;
             }
             return true;
@@ -95,6 +97,29 @@ bool read_child(Parent& parent, void (Parent::*add)(Child*), xmlNode* record) {
     std::ostringstream message;
     message << "Unexpected node '" << sysxml::node(record).name() << "' in " << parent_tag;
     throw node_error(message.str());
+}
+
+// Reads the element of a component or slot group: setting groups and, handed to `add`, children of one other kind.
+template <class Container, class Child>
+bool read_container(Container& container, void (Container::*add)(Child*), const sysxml::node& node) {
+    container.clear();
+    if (!is_element(node, Container::TAG)) {
+        return false;
+    }
+    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
+        bool read = false;
+        if (is_named(child, setting_group::TAG)) {
+            read = read_child(container, &Container::add_setting_group, child);
+        } else if (is_named(child, Child::TAG)) {
+            read = read_child(container, add, child);
+        } else {
+            throw_unexpected(child, Container::TAG);
+        }
+        if (!read) {
+            break;
+        }
+    }
+    return true;
 }
 
 }  // namespace
@@ -139,45 +164,11 @@ bool setting_group::parse(sysxml::node& node) {
 }
 
 bool child_slot_group::parse(sysxml::node& node) {
-    clear();
-    if (!is_element(node, TAG)) {
-        return false;
-    }
-    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
-        bool read = false;
-        if (is_named(child, setting_group::TAG)) {
-            read = read_child(*this, &child_slot_group::add_setting_group, child);
-        } else if (is_named(child, component::TAG)) {
-            read = read_child(*this, &child_slot_group::add_component, child);
-        } else {
-            throw_unexpected(child, TAG);
-        }
-        if (!read) {
-            break;
-        }
-    }
-    return true;
+    return read_container(*this, &child_slot_group::add_component, node);
 }
 
 bool component::parse(sysxml::node& node) {
-    clear();
-    if (!is_element(node, TAG)) {
-        return false;
-    }
-    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
-        bool read = false;
-        if (is_named(child, setting_group::TAG)) {
-            read = read_child(*this, &component::add_setting_group, child);
-        } else if (is_named(child, child_slot_group::TAG)) {
-            read = read_child(*this, &component::add_child_slot_group, child);
-        } else {
-            throw_unexpected(child, TAG);
-        }
-        if (!read) {
-            break;
-        }
-    }
-    return true;
+    return read_container(*this, &component::add_child_slot_group, node);
 }
 
 xml_document::~xml_document() = default;
