@@ -171,7 +171,7 @@ private:
             told.reasons = misspelt_groups(judged);
         } else if (told.row) {
             told.became = fate::recorded;
-        } else if (!succeeded || !told.log.empty()) {
+        } else if (!told.log.empty()) {
             told.became = succeeded ? fate::refused : fate::failed;
             told.reasons = texts_of(told.log);
         } else {

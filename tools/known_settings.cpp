@@ -72,5 +72,5 @@ const char* similar_setting(const known_group& group, const cds_parser::setting_
 }
 
 const char* similar_group(const std::string& name) {
-    return find_known_group(name) == nullptr ? most_similar(name, names_of(known_groups()), strict) : nullptr;
+    return most_similar(name, names_of(known_groups()), strict);
 }

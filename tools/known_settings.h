@@ -34,7 +34,7 @@ const known_setting* find_known_setting(const known_group& group, const std::str
 /// that `real` lacks; such a one need not be as near. Null when there is none.
 const char* similar_setting(const known_group& group, const cds_parser::setting_group& real, const std::string& name);
 
-/// Likewise the group that may be meant; null also when `name` is a known one.
+/// Likewise the group that may be meant by `name`, which is none of the known ones.
 const char* similar_group(const std::string& name);
 
 #endif

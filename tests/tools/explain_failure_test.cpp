@@ -193,7 +193,7 @@ TEST_F(ExplainFailedInsert, OfMemoryLeavesNoAnswer) {
     EXPECT_EQ(result.err, "zebdb-cds: cannot put a row into a database in memory\n");
 }
 
-// Each of these takes minutes where the time grows faster than the file.
+// The limit leaves room for slow machines and stops what grows faster than the file.
 class ExplainLargeFile : public explain_test {
 protected:
     void expect_explained_in_time(const std::string& file, const std::string& sum) const {

@@ -138,13 +138,15 @@ TEST_F(ExplainReasons, OfEveryComponentAreItsOwn) {
         told(cds_component("pci_bridge_info", without_function) + cds_component("pci_bridge_info", without_device) +
              cds_component("pci_device_info", without_function) + cds_component("pci_device_info", without_device) +
              cds_component("pci_device_info", joined(without_device, {text("Device Number", "1")})) +
-             cds_component("pci_device_info", joined(without_device, {integer("Device Number", "-1")})));
+             cds_component("pci_device_info", joined(without_device, {integer("Device Number", "-1")})) +
+             cds_component("pci_device_info", {integer("Device Number", "1"), integer("Function Number", "0")}));
     EXPECT_THAT(all[0]["missing_settings"], ElementsAre("Function Number"));
     EXPECT_THAT(all[1]["missing_settings"], ElementsAre("Device Number"));
     EXPECT_THAT(all[2]["missing_settings"], ElementsAre("Function Number"));
     EXPECT_THAT(all[3]["missing_settings"], ElementsAre("Device Number"));
     EXPECT_THAT(all[4]["reasons"], ElementsAre(unusable("Device Number", "pci_device_info", "text_value '1'")));
     EXPECT_THAT(all[5]["reasons"], ElementsAre(unusable("Device Number", "pci_device_info", "integer_value '-1'")));
+    EXPECT_THAT(all[6]["reasons"], ElementsAre(absent("Bus Number", "pci_device_info")));
 }
 
 // The loader goes on below a bridge that gets no row, as if it were not there.

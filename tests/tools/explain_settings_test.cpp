@@ -28,7 +28,7 @@ TEST_F(ExplainSettings, AreListedByGroupAndName) {
     EXPECT_THAT(
         unused(cds_component(
             cds_group("memory_info", {text("Device Locator", "A1"), text("Zone", "1"), text("Color", "red")}) +
-            cds_group("cpu_info", {text("Shape", "square")}))),
+            cds_group("fan_info", {text("Color", "red")}) + cds_group("cpu_info", {text("Shape", "square")}))),
         ElementsAre(unknown("cpu_info", "Shape"), unknown("memory_info", "Color"), unknown("memory_info", "Zone")));
 }
 
@@ -99,13 +99,22 @@ TEST_F(ExplainSettings, AreNotThoseThatARowWouldTake) {
 TEST_F(ExplainSettings, MayBeMeantInAnotherCase) {
     EXPECT_EQ(similar_to("SERIAL NUMBER"), "Serial Number");
     EXPECT_EQ(similar_to("l3 cache type"), "L3 Cache Type");
+    EXPECT_EQ(similar_to("aSSET TAG", {text("Asset Tag", "1")}), "Asset Tag");
+    EXPECT_EQ(unused(module("", "", {integer("Size in MB", "1"), integer("SIZE IN MC", "1")}))[0]["similar"],
+              "Size in MB");
 }
 
 TEST_F(ExplainSettings, MayBeMeantWithOtherSeparators) {
     EXPECT_EQ(similar_to("SerialNumber"), "Serial Number");
     EXPECT_EQ(similar_to("Serial_Number"), "Serial Number");
     EXPECT_EQ(similar_to("Serial-Number"), "Serial Number");
-    EXPECT_EQ(similar_to("S e r i a l-_Number"), "Serial Number");
+    for (const std::string separator : {" ", "_", "-"}) {
+        std::string name = "Serial";
+        for (int i = 0; i < 5; ++i) {
+            name += separator;
+        }
+        EXPECT_EQ(similar_to(name + "Number", {text("Serial Number", "1")}), "Serial Number") << name;
+    }
 }
 
 TEST_F(ExplainSettings, MayBeMeantWithAnotherCharacter) {
@@ -125,6 +134,11 @@ TEST_F(ExplainSettings, MayBeMeantWithSwappedCharacters) {
     EXPECT_EQ(similar_to("Voltgae", voltage), "Voltage");
     EXPECT_EQ(similar_to("oVltage", voltage), "Voltage");
     EXPECT_EQ(similar_to("Voltaxx", voltage), nullptr);
+    EXPECT_EQ(similar_to("Voltxae", voltage), nullptr);
+    EXPECT_EQ(similar_to("Voltgxe", voltage), nullptr);
+    EXPECT_EQ(similar_to("Vxltgae", voltage), nullptr);
+    EXPECT_EQ(similar_to("xVoltge", voltage), nullptr);
+    EXPECT_EQ(similar_to("Corx Counx", {integer("Core Count", "1")}), nullptr);
 }
 
 TEST_F(ExplainSettings, MayBeMeantLessClearlyWhereTheComponentLacksThem) {
