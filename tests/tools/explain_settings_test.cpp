@@ -85,8 +85,10 @@ TEST_F(ExplainSettings, AreThoseOfAGroupThatTheLoaderPassesOver) {
 
 TEST_F(ExplainSettings, AreThoseOfASecondGroupOfTheName) {
     EXPECT_THAT(unused(cds_component(cds_group("cpu_info", {text("Socket Designation", "A")}) +
-                                     cds_group("cpu_info", {text("Serial Number", "1"), text("Color", "red")}))),
-                ElementsAre(unknown("cpu_info", "Color"), not_taken("cpu_info", "Serial Number")));
+                                     cds_group("cpu_info", {text("Serial Number", "1"), text("Socket Designation", "B"),
+                                                            text("Color", "red")}))),
+                ElementsAre(unknown("cpu_info", "Color"), not_taken("cpu_info", "Serial Number"),
+                            not_taken("cpu_info", "Socket Designation")));
 }
 
 TEST_F(ExplainSettings, AreNotThoseThatARowWouldTake) {
