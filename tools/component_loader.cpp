@@ -1,5 +1,6 @@
 #include "component_loader.h"
 
+#include <algorithm>
 #include <list>
 
 #include <zeb_db.h>
@@ -7,6 +8,7 @@
 #include "failure.h"
 #include "memory_inventory.h"
 #include "row_identity.h"
+#include "utf8.h"
 
 namespace {
 
@@ -16,15 +18,21 @@ constexpr const inventory_kind& memory = inventory_kinds[1];
 // No locator of a file can hold these bytes.
 constexpr char probe_locator[] = "\x01probe";
 
-// A memory device, whose row tells the parent under which it was loaded.
-cds_parser::component* new_probe() {
+cds_parser::setting_node* new_locator(const char* name) {
     auto* locator = new cds_parser::setting_node(0);
-    locator->name = "Device Locator";
+    locator->name = name;
     locator->value = probe_locator;
     locator->value_type = cds_parser::setting_node::text_value;
+    return locator;
+}
+
+// A memory device, whose row tells the parent under which it was loaded. When the row cannot be written, the loader
+// logs its bank.
+cds_parser::component* new_probe() {
     auto* group = new cds_parser::setting_group(0);
     group->name = "memory_info";
-    group->add_setting(locator);
+    group->add_setting(new_locator("Device Locator"));
+    group->add_setting(new_locator("Bank Locator"));
     auto* probe = new cds_parser::component(0);
     probe->add_setting_group(group);
     return probe;
@@ -58,9 +66,13 @@ public:
 
 private:
     static void take(void* lines, vonk_log::level at, const char* text) {
-        static_cast<std::vector<log_line>*>(lines)->push_back({at, text});
+        static_cast<std::vector<log_line>*>(lines)->push_back({at, repaired_utf8(text)});
     }
 };
+
+bool is_about_probe(const log_line& line) {
+    return line.text.find(probe_locator) != std::string::npos;
+}
 
 std::int64_t id_in(const inventory_table& table, std::size_t row, const char* column) {
     return std::get<std::int64_t>(table.rows[row][*find_column(table, column)]);
@@ -82,6 +94,9 @@ loaded_component component_loader::load(cds_parser::component& loaded, std::int6
         const probe_below probe(loaded);
         result.succeeded = parser_.parse_component(database_.handle(), &loaded) != 0;
     }
+    if (std::any_of(result.log.begin(), result.log.end(), is_about_probe)) {
+        throw failure("cannot put a row into a database in memory");
+    }
     result.parent_below = take_probe();
     result.row = take_new_row();
     return result;
@@ -92,8 +107,9 @@ std::optional<std::int64_t> component_loader::take_probe() {
     const std::size_t locator = *find_column(added, "DevLocator");
     for (std::size_t row = 0; row < added.rows.size(); ++row) {
         if (added.rows[row][locator] == inventory_value(probe_locator)) {
-            const char* const arguments[] = {probe_locator};
-            if (zeb_db_delete(database_.handle(), memory.table, "DevLocator = ?", arguments, 1, 0) != 0) {
+            const std::string id = std::to_string(id_in(added, row, "Id"));
+            const char* const arguments[] = {id.c_str()};
+            if (zeb_db_delete(database_.handle(), memory.table, "Id = ?", arguments, 1, 0) != 0) {
                 throw failure("cannot take a row out of a database in memory");
             }
             return id_in(added, row, "ArrayId");

@@ -17,7 +17,7 @@
 
 struct log_line {
     vonk_log::level at;
-    std::string text;
+    std::string text;  ///< UTF-8
 };
 
 /// What the loader did with one component.

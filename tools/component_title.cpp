@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "output.h"
+#include "utf8.h"
 
 namespace {
 
@@ -13,10 +14,17 @@ const std::string* find_text(const cds_parser::component& titled, const char* gr
     return found == nullptr ? nullptr : &found->value;
 }
 
+// A title is repeated for everything that the loader misses below the component.
+std::string shortened(const std::string& name) {
+    constexpr std::size_t most_characters = 64;
+    const std::string beginning = first_characters(name, most_characters);
+    return beginning.size() == name.size() ? name : beginning + "...";
+}
+
 std::string named(const char* what, const cds_parser::component& titled, const known_group& group,
                   const char* setting) {
     const std::string* name = find_text(titled, group.name, setting);
-    return name == nullptr ? what : std::string(what) + ' ' + in_quotes(*name);
+    return name == nullptr ? what : std::string(what) + ' ' + in_quotes(shortened(*name));
 }
 
 std::string number_text(const cds_parser::setting_group& group, const char* setting, const char* format,
@@ -44,7 +52,7 @@ std::string at_address(const char* what, const cds_parser::component& titled, co
 std::string component_title(const cds_parser::component& titled, const known_group* recorded) {
     if (recorded == nullptr) {
         const std::string* type = find_text(titled, "component_struct_info", "comp_type");
-        return type == nullptr ? "component" : "component " + in_quotes(*type);
+        return type == nullptr ? "component" : "component " + in_quotes(shortened(*type));
     }
     const std::string kind = recorded->kind->name;
     if (kind == "processors") {

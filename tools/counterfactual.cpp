@@ -32,22 +32,44 @@ setting_group* new_complete_group(const known_group& known, const setting_group&
     return made;
 }
 
-std::unique_ptr<component> complete_component(const component& real, const known_setting* as_it_is = nullptr) {
+setting_group* new_empty_group(const known_group& known) {
+    auto* made = new setting_group(0);
+    made->name = known.name;
+    return made;
+}
+
+std::unique_ptr<component> new_component(const component& real, const known_group& complete,
+                                         const known_setting* as_it_is) {
     auto made = std::make_unique<component>(0);
     for (const known_group& known : known_groups()) {
         if (const setting_group* group = real.get_setting_group(known.name)) {
-            made->add_setting_group(new_complete_group(known, *group, as_it_is));
+            made->add_setting_group(&known == &complete ? new_complete_group(known, *group, as_it_is)
+                                                        : new_empty_group(known));
         }
     }
     return made;
 }
 
+// Different for questions about different made-up components.
+std::string question_about(const component& real, const known_group& complete, const known_setting* as_it_is) {
+    std::string question;
+    for (const known_group& known : known_groups()) {
+        question += real.has_setting_group(known.name) ? '1' : '0';
+    }
+    question += complete.name;
+    if (as_it_is == nullptr) {
+        return question;
+    }
+    question += std::string("/") + as_it_is->name;
+    const setting_node* found = real.get_setting_group(complete.name)->get_setting(as_it_is->name);
+    return found == nullptr ? question : question + '/' + std::to_string(found->value_type) + '/' + found->value;
+}
+
 }  // namespace
 
 const known_group* counterfactual::recorded_group(const component& real) {
-    const auto row = loader_.load(*complete_component(real), component_loader::no_parent).row;
     for (const known_group& known : known_groups()) {
-        if (row && known.kind == row->kind) {
+        if (!is_passed_over(real, known)) {
             return &known;
         }
     }
@@ -57,10 +79,18 @@ const known_group* counterfactual::recorded_group(const component& real) {
 std::vector<std::string> counterfactual::settings_to_blame(const component& real, const known_group& group) {
     std::vector<std::string> blamed;
     for (const known_setting& suspect : group.settings) {
-        const auto loaded = loader_.load(*complete_component(real, &suspect), component_loader::no_parent);
-        if (!loaded.row && loaded.log.empty()) {
+        if (is_passed_over(real, group, &suspect)) {
             blamed.emplace_back(suspect.name);
         }
     }
     return blamed;
+}
+
+bool counterfactual::is_passed_over(const component& real, const known_group& complete, const known_setting* as_it_is) {
+    const auto [answer, is_new] = answers_.try_emplace(question_about(real, complete, as_it_is));
+    if (is_new) {
+        const auto loaded = loader_.load(*new_component(real, complete, as_it_is), component_loader::no_parent);
+        answer->second = !loaded.row && loaded.log.empty();
+    }
+    return answer->second;
 }

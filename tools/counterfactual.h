@@ -2,6 +2,7 @@
 #ifndef TOOLS_COUNTERFACTUAL_H
 #define TOOLS_COUNTERFACTUAL_H
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -13,8 +14,8 @@
 /// Asks the loader itself, with made-up components.
 class counterfactual {
 public:
-    /// The group by which the component would be recorded if all that is known were in its groups; null when none of
-    /// them is one that the loader records.
+    /// The group of which the loader would make a row, or would try to, if all that is known were in it; null when the
+    /// component has none that the loader records.
     const known_group* recorded_group(const cds_parser::component& real);
 
     /// The settings of `group` that alone keep the component without a row: with each of them as it is, or is not
@@ -22,7 +23,13 @@ public:
     std::vector<std::string> settings_to_blame(const cds_parser::component& real, const known_group& group);
 
 private:
+    // Whether the loader leaves no row and says nothing when `complete` has every known setting, except that
+    // `as_it_is`, if there is one, is what `real` has, and the other groups of `real` are empty.
+    bool is_passed_over(const cds_parser::component& real, const known_group& complete,
+                        const known_setting* as_it_is = nullptr);
+
     component_loader loader_;
+    std::map<std::string, bool> answers_;  // most components of a file raise the same questions
 };
 
 #endif

@@ -73,7 +73,7 @@ std::string blame(const setting_group& group, const std::string& setting) {
         return "there is no setting " + in_quotes(setting) + " in " + group.name;
     }
     return "the setting " + in_quotes(setting) + " in " + group.name +
-           " is negative or no number: " + setting_node::map_value_type(found->value_type) + ' ' +
+           " is negative, too large or no number: " + setting_node::map_value_type(found->value_type) + ' ' +
            in_quotes(found->value);
 }
 
@@ -99,9 +99,8 @@ public:
         told.log = loaded.log;
         told.row = loaded.row;
         judge(visited, loaded.succeeded, told);
-        const std::string obstacle = told.became == fate::failed
-                                         ? "the row of the " + told.title + " above it could not be written"
-                                         : "the loader does not look below the " + told.title;
+        const std::string obstacle = "the loader does not look below the " + told.title +
+                                     (told.became == fate::failed ? ", whose row could not be written" : "");
         add(std::move(told));
         go_below(visited, path, [&](component& child, const std::string& child_path) {
             if (loaded.parent_below) {
@@ -118,7 +117,10 @@ private:
     void pass_over(component& passed, const std::string& path, const std::string& obstacle) {
         explanation told = begin(passed, path);
         told.became = told.groups.empty() ? fate::no_known_group : fate::not_reached;
-        told.reasons = {obstacle};
+        told.reasons = told.groups.empty() ? misspelt_groups(passed) : std::vector<std::string>();
+        if (!told.groups.empty() || !told.reasons.empty()) {
+            told.reasons.push_back(obstacle);
+        }
         told.unused = unused_settings(passed, told.recorded_by, told.row);
         add(std::move(told));
         go_below(passed, path,
@@ -169,7 +171,7 @@ private:
             told.reasons = misspelt_groups(judged);
         } else if (told.row) {
             told.became = fate::recorded;
-        } else if (!succeeded || !told.log.empty()) {
+        } else if (!told.log.empty()) {
             told.became = succeeded ? fate::refused : fate::failed;
             told.reasons = texts_of(told.log);
         } else {

@@ -2,7 +2,6 @@
 #include <iterator>
 
 #include "explanation_formats.h"
-#include "utf8.h"
 #include "value_json.h"
 
 namespace {
@@ -62,7 +61,7 @@ json row_json(const std::optional<inventory_table>& row) {
 json log_json(const std::vector<log_line>& log) {
     json lines = json::array();
     for (const log_line& line : log) {
-        lines.push_back({{"level", name_in(level_names, line.at)}, {"text", repaired_utf8(line.text)}});
+        lines.push_back({{"level", name_in(level_names, line.at)}, {"text", line.text}});
     }
     return lines;
 }

@@ -61,16 +61,16 @@ const known_setting* find_known_setting(const known_group& group, const std::str
 }
 
 const char* similar_setting(const known_group& group, const cds_parser::setting_group& real, const std::string& name) {
-    const std::vector<const char*> names = names_of(group.settings);
+    std::vector<const char*> names = names_of(group.settings);
+    const auto present = std::stable_partition(names.begin(), names.end(),
+                                               [&real](const char* known) { return !real.has_setting(known); });
     if (const char* similar = most_similar(name, names, strict)) {
         return similar;
     }
-    std::vector<const char*> missing;
-    std::copy_if(names.begin(), names.end(), std::back_inserter(missing),
-                 [&real](const char* known) { return !real.has_setting(known); });
-    return most_similar(name, missing, lenient);
+    names.erase(present, names.end());
+    return most_similar(name, names, lenient);
 }
 
 const char* similar_group(const std::string& name) {
-    return find_known_group(name) == nullptr ? most_similar(name, names_of(known_groups()), strict) : nullptr;
+    return most_similar(name, names_of(known_groups()), strict);
 }

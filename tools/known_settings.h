@@ -30,11 +30,11 @@ const known_group* find_known_group(const std::string& name);
 /// Null when the loader does not know it.
 const known_setting* find_known_setting(const known_group& group, const std::string& name);
 
-/// The known name of which `name`, a setting of `real`, may be a misspelling: the nearest one, where one that `real`
-/// lacks need not be as near. Null when there is none.
+/// The known name of which `name`, a setting of `real`, may be a misspelling: the nearest one, of equals one
+/// that `real` lacks; such a one need not be as near. Null when there is none.
 const char* similar_setting(const known_group& group, const cds_parser::setting_group& real, const std::string& name);
 
-/// Likewise the group that may be meant; null also when `name` is a known one.
+/// Likewise the group that may be meant by `name`, which is none of the known ones.
 const char* similar_group(const std::string& name);
 
 #endif
