@@ -48,7 +48,8 @@ const char* most_similar(const std::string& name, const std::vector<const char*>
     std::size_t fewest = 0;
     for (const char* each : known) {
         const std::string candidate = simplified(each);
-        const auto [shorter, longer] = std::minmax(wanted.size(), candidate.size());
+        const std::size_t longer = std::max(wanted.size(), candidate.size());
+        const std::size_t shorter = std::min(wanted.size(), candidate.size());
         const std::size_t most = longer / characters_a_change;
         if (longer - shorter > most) {
             continue;

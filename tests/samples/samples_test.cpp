@@ -1,5 +1,6 @@
-// Loads the samples into a SQLite database. What a good one gives is compared with a text in golden/; run the program
-// with BLESS=1 in the environment to rewrite those texts, and read the difference before it is committed.
+// Loads the samples into a SQLite database. What a good one gives, and its dump, is compared with a text in golden/;
+// run the program with BLESS=1 in the environment to rewrite those texts, and read the difference before it is
+// committed.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -125,22 +126,40 @@ std::string outcome_text(const loaded& outcome) {
     return text;
 }
 
+void expect_golden(const std::string& text, const std::string& name) {
+    const std::string golden = SOURCE_DIR "/tests/samples/golden/" + name;
+    if (std::getenv("BLESS") != nullptr) {
+        std::ofstream(golden, std::ios::binary) << text;
+        GTEST_SKIP() << "rewrote " << golden;
+    }
+    EXPECT_EQ(text, read_file(golden));
+}
+
 class GoodSample : public testing::TestWithParam<const char*> {};
 
 TEST_P(GoodSample, GivesTheRowsAndTheLogOfItsGoldenText) {
-    const std::string golden = std::string(SOURCE_DIR "/tests/samples/golden/") + GetParam() + ".txt";
     const loaded outcome = load(sample(GetParam()));
     EXPECT_EQ(outcome.result, 0);
-    if (std::getenv("BLESS") != nullptr) {
-        std::ofstream(golden, std::ios::binary) << outcome_text(outcome);
-        GTEST_SKIP() << "rewrote " << golden;
-    }
-    EXPECT_EQ(outcome_text(outcome), read_file(golden));
+    expect_golden(outcome_text(outcome), GetParam() + std::string(".txt"));
 }
 
 constexpr const char* good_samples[] = {"minimal", "no-hardware", "tolerated", "two-socket-server"};
 
 INSTANTIATE_TEST_SUITE_P(Samples, GoodSample, testing::ValuesIn(good_samples),
+                         [](const auto& given) { return in_test_name(given.param); });
+
+class DumpedSample : public testing::TestWithParam<const char*> {};
+
+TEST_P(DumpedSample, IsItsGoldenText) {
+    cds_parser::document document;
+    ASSERT_TRUE(document.parse(sample(GetParam()).c_str()));
+    std::ostringstream dump;
+    dump << document;
+    expect_golden(dump.str(), GetParam() + std::string(".dump"));
+}
+
+// The text of the large one would be as long as the sample itself.
+INSTANTIATE_TEST_SUITE_P(Samples, DumpedSample, testing::Values("minimal", "no-hardware", "tolerated"),
                          [](const auto& given) { return in_test_name(given.param); });
 
 struct bad_sample {
