@@ -5,11 +5,11 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zebdb_cds_parser)
 
 install(TARGETS zebdb_cds_parser zebdb_platform_headers EXPORT zebdb_cds_parser)
 install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY platform/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zebdb_platform)
 
 if(ZEBDB_WORKSTATION_PLATFORM)
   install(TARGETS zebdb_platform EXPORT zebdb_cds_parser)
   install(TARGETS zebdb-cds)
-  install(DIRECTORY platform/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zebdb_platform)
   install(FILES
     platform/workstation/inventory_service_workstation.h
     platform/workstation/vonk_log_workstation.h

@@ -69,28 +69,32 @@ std::string question_about(const component& real, const known_group& complete, c
 
 const known_group* counterfactual::recorded_group(const component& real) {
     for (const known_group& known : known_groups()) {
-        if (!is_passed_over(real, known)) {
+        const answer given = ask(real, known);
+        if (given.recorded || given.logged) {
             return &known;
         }
     }
     return nullptr;
 }
 
-std::vector<std::string> counterfactual::settings_to_blame(const component& real, const known_group& group) {
+std::vector<std::string> counterfactual::settings_to_blame(const component& real, const known_group& group,
+                                                           bool logged) {
     std::vector<std::string> blamed;
     for (const known_setting& suspect : group.settings) {
-        if (is_passed_over(real, group, &suspect)) {
+        const answer given = ask(real, group, &suspect);
+        if (!given.recorded && given.logged == logged) {
             blamed.emplace_back(suspect.name);
         }
     }
     return blamed;
 }
 
-bool counterfactual::is_passed_over(const component& real, const known_group& complete, const known_setting* as_it_is) {
-    const auto [answer, is_new] = answers_.try_emplace(question_about(real, complete, as_it_is));
+counterfactual::answer counterfactual::ask(const component& real, const known_group& complete,
+                                           const known_setting* as_it_is) {
+    const auto [known, is_new] = answers_.try_emplace(question_about(real, complete, as_it_is));
     if (is_new) {
         const auto loaded = loader_.load(*new_component(real, complete, as_it_is), component_loader::no_parent);
-        answer->second = !loaded.row && loaded.log.empty();
+        known->second = {loaded.row.has_value(), !loaded.log.empty()};
     }
-    return answer->second;
+    return known->second;
 }

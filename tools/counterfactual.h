@@ -19,17 +19,23 @@ public:
     const known_group* recorded_group(const cds_parser::component& real);
 
     /// The settings of `group` that alone keep the component without a row: with each of them as it is, or is not
-    /// there, and everything else as it should be, the loader leaves no row and says nothing.
-    std::vector<std::string> settings_to_blame(const cds_parser::component& real, const known_group& group);
+    /// there, and everything else as it should be, the loader leaves no row. `logged` asks for those where it says so,
+    /// else for those where it says nothing.
+    std::vector<std::string> settings_to_blame(const cds_parser::component& real, const known_group& group,
+                                               bool logged);
 
 private:
-    // Whether the loader leaves no row and says nothing when `complete` has every known setting, except that
-    // `as_it_is`, if there is one, is what `real` has, and the other groups of `real` are empty.
-    bool is_passed_over(const cds_parser::component& real, const known_group& complete,
-                        const known_setting* as_it_is = nullptr);
+    struct answer {
+        bool recorded;
+        bool logged;
+    };
+
+    // What the loader does when `complete` has every known setting, except that `as_it_is`, if there is one, is what
+    // `real` has, and the other groups of `real` are empty.
+    answer ask(const cds_parser::component& real, const known_group& complete, const known_setting* as_it_is = nullptr);
 
     component_loader loader_;
-    std::map<std::string, bool> answers_;  // most components of a file raise the same questions
+    std::map<std::string, answer> answers_;  // most components of a file raise the same questions
 };
 
 #endif

@@ -67,14 +67,16 @@ std::vector<std::string> texts_of(const std::vector<log_line>& lines) {
     return texts;
 }
 
-std::string blame(const setting_group& group, const std::string& setting) {
+// Where the loader logged what is wrong with a value, that need not be said again.
+std::string blame(const setting_group& group, const std::string& setting, bool logged) {
     const setting_node* found = group.get_setting(setting.c_str());
     if (found == nullptr) {
         return "there is no setting " + in_quotes(setting) + " in " + group.name;
     }
+    const std::string value =
+        std::string(setting_node::map_value_type(found->value_type)) + ' ' + in_quotes(found->value);
     return "the setting " + in_quotes(setting) + " in " + group.name +
-           " is negative, too large or no number: " + setting_node::map_value_type(found->value_type) + ' ' +
-           in_quotes(found->value);
+           (logged ? " is " : " is negative, too large or no number: ") + value;
 }
 
 std::vector<std::string> misspelt_groups(const component& explained) {
@@ -172,21 +174,36 @@ private:
         } else if (told.row) {
             told.became = fate::recorded;
         } else if (!told.log.empty()) {
-            told.became = succeeded ? fate::refused : fate::failed;
-            told.reasons = texts_of(told.log);
+            judge_log(judged, succeeded, told);
         } else {
-            judge_silence(judged, *told.recorded_by, told);
+            judge_silence(judged, told);
         }
     }
 
-    void judge_silence(const component& judged, const known_group& group, explanation& told) {
-        told.missing = counterfactual_.settings_to_blame(judged, group);
-        told.became = told.missing.empty() ? fate::nothing_known : fate::incomplete;
-        for (const std::string& setting : told.missing) {
-            told.reasons.push_back(blame(*judged.get_setting_group(group.name), setting));
+    // The last of the lines that the loader logs when it refuses a component says that it did.
+    void judge_log(const component& judged, bool succeeded, explanation& told) {
+        told.became = succeeded ? fate::refused : fate::failed;
+        if (succeeded) {
+            told.reasons = {told.log.back().text};
+            find_missing(judged, told);
+        } else {
+            told.reasons = texts_of(told.log);
         }
+    }
+
+    void judge_silence(const component& judged, explanation& told) {
+        find_missing(judged, told);
+        told.became = told.missing.empty() ? fate::nothing_known : fate::incomplete;
         if (told.missing.empty()) {
-            told.reasons.push_back(std::string("the loader knows none of the settings in ") + group.name);
+            told.reasons.push_back(std::string("the loader knows none of the settings in ") + told.recorded_by->name);
+        }
+    }
+
+    void find_missing(const component& judged, explanation& told) {
+        const bool logged = !told.log.empty();
+        told.missing = counterfactual_.settings_to_blame(judged, *told.recorded_by, logged);
+        for (const std::string& setting : told.missing) {
+            told.reasons.push_back(blame(*judged.get_setting_group(told.recorded_by->name), setting, logged));
         }
     }
 

@@ -39,7 +39,7 @@ struct explanation {
     fate became;
     std::optional<inventory_table> row;  ///< that one row, with every column of its table
     std::vector<std::string> reasons;    ///< why there is no row, a phrase each; none when there is one
-    std::vector<std::string> missing;    ///< of an incomplete component: the settings that it would take
+    std::vector<std::string> missing;    ///< the settings for want of which there is none
     std::vector<log_line> log;           ///< what the loader logged about it
     std::vector<unused_setting> unused;  ///< settings of `groups` that no column takes
 };

@@ -39,6 +39,11 @@ std::vector<std::string> without_root_option(const std::vector<std::string>& wor
     return kept;
 }
 
+bool is_in_private_place(const std::string& path) {
+    return std::any_of(std::begin(private_places), std::end(private_places),
+                       [&path](const std::string& place) { return path.compare(0, place.size(), place) == 0; });
+}
+
 std::string own_path() {
     char path[4096];
     const ssize_t length = ::readlink(this_program, path, sizeof path);
@@ -73,6 +78,10 @@ void enter_private_view(const std::string& folder) {
     }
     std::vector<std::string> words = without_root_option(own_command_line());
     words.front() = own_path();
+    if (is_in_private_place(words.front())) {
+        throw failure("with --root the program cannot be run from '" + words.front() +
+                      "', a folder that is replaced by one below DIR; install it elsewhere");
+    }
     const std::string script = sandbox_script(words.front());
     words.insert(words.begin(), {script, folder});
 
@@ -88,8 +97,7 @@ void enter_private_view(const std::string& folder) {
 
 std::string private_view_hint(const std::string& path) {
     const char* folder = std::getenv("ZEBDB_SANDBOX");
-    const auto contains = [&path](const std::string& place) { return path.compare(0, place.size(), place) == 0; };
-    if (folder == nullptr || std::none_of(std::begin(private_places), std::end(private_places), contains)) {
+    if (folder == nullptr || !is_in_private_place(path)) {
         return "";
     }
     return std::string(" (below '") + folder + "', as --root has it)";

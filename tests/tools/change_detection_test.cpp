@@ -190,6 +190,16 @@ TEST_F(ChangeDetection, BmcAddressFailsWhenTheRecordCannotBeWritten) {
     EXPECT_EQ(zebdb_cds("bmc-address").out, "05:06.7\n");
 }
 
+TEST_F(ChangeDetection, RootHidesNoProgramThatIsRunFromAFolderItReplaces) {
+    const command_result result =
+        run("cp \"$(command -v zebdb-cds)\" /tmp/zebdb-cds && /tmp/zebdb-cds check a b --root root");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(
+        result.err,
+        "zebdb-cds: with --root the program cannot be run from '/tmp/zebdb-cds', a folder that is replaced by one "
+        "below DIR; install it elsewhere\n");
+}
+
 TEST_F(ChangeDetection, RootThatCannotBeMadeIsAFailure) {
     write("file", "");
     const command_result result = run("zebdb-cds refresh server.xml --root file/below");

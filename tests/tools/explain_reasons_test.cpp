@@ -160,19 +160,21 @@ TEST_F(ExplainReasons, OfABridgeWithoutARowKeepNothingBelowItFromItsRow) {
 
 // Refused.
 
-TEST_F(ExplainReasons, OfAFunctionWithoutALocationAreWhatTheLoaderLogs) {
+TEST_F(ExplainReasons, OfAFunctionWithoutALocationAreWhatTheLoaderLogsAndTheSetting) {
     const json of = told_of(cds_component("pci_device_info", address("B")));
     const std::string line = "CDS PARSER: Device on slot -1 bus 11 doesn't have valid location info.";
-    expect(of, path_of(1), "refused", {line});
+    expect(of, path_of(1), "refused", {line, "there is no setting 'Location' in pci_device_info"});
     EXPECT_EQ(of["log"], json({{{"level", "warning"}, {"text", line}}}));
-    EXPECT_THAT(of["missing_settings"], IsEmpty());
+    EXPECT_EQ(of["missing_settings"], json({"Location"}));
     EXPECT_EQ(of["table"], nullptr);
 }
 
-TEST_F(ExplainReasons, OfAFunctionWithAnUnknownLocationAreTheSame) {
+TEST_F(ExplainReasons, OfAFunctionWithAnUnknownLocationAreWhatTheLoaderLogsAndTheValue) {
     const json of = told_of(cds_component(
         "pci_device_info", joined(address("1"), {integer("Location", "2"), integer("Slot Number", "7")})));
-    expect(of, path_of(1), "refused", {"CDS PARSER: Device on slot 7 bus 1 doesn't have valid location info."});
+    expect(of, path_of(1), "refused",
+           {"CDS PARSER: Device on slot 7 bus 1 doesn't have valid location info.",
+            "the setting 'Location' in pci_device_info is integer_value '2'"});
 }
 
 TEST_F(ExplainReasons, AreNoneOfADriveWithoutALocation) {
@@ -180,10 +182,12 @@ TEST_F(ExplainReasons, AreNoneOfADriveWithoutALocation) {
     expect(of, path_of(1), "recorded", {});
 }
 
-TEST_F(ExplainReasons, OfASecondFunctionOfAGpuCardAreBothLinesOfTheLog) {
+TEST_F(ExplainReasons, OfASecondFunctionOfAGpuCardAreTheLineThatSaysSo) {
     const json all = told(gpu("1", "5") + gpu("2", "5") + gpu("3", "6"));
     expect(all[0], path_of(1), "recorded", {});
-    expect(all[1], path_of(2), "refused", {gpu_line_of_any(5, 2), gpu_line("Ignore", 5, 2, "")});
+    expect(all[1], path_of(2), "refused", {gpu_line("Ignore", 5, 2, "")});
+    EXPECT_EQ(all[1]["log"], json({{{"level", "warning"}, {"text", gpu_line_of_any(5, 2)}},
+                                   {{"level", "warning"}, {"text", gpu_line("Ignore", 5, 2, "")}}}));
     expect(all[2], path_of(3), "recorded", {});
     EXPECT_EQ(all[2]["row"]["Id"], 2);
 }
