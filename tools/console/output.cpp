@@ -1,0 +1,64 @@
+#include "console/output.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "console/failure.h"
+#include "console/utf8.h"
+
+namespace {
+
+// 0, or the system's error.
+int write_all(int descriptor, const std::string& text) {
+    for (std::size_t written = 0; written < text.size();) {
+        const ssize_t count = ::write(descriptor, text.data() + written, text.size() - written);
+        if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+        written += count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
+    return 0;
+}
+
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
+void print(const std::string& text) {
+    const int error = write_all(STDOUT_FILENO, text);
+    if (error != 0 && error != EPIPE) {
+        throw failure(std::string("cannot write to standard output: ") + std::strerror(error));
+    }
+}
+
+void write_error(const std::string& text) {
+    write_all(STDERR_FILENO, text);
+}
+
+std::string in_quotes(const std::string& name) {
+    return "'" + printable(repaired_utf8(name)) + "'";
+}
+
+void complain(const std::string& problem) {
+    write_error("zebdb-cds: " + printable(repaired_utf8(problem)) + '\n');
+}
+
+bool is_terminal(int descriptor) {
+    return ::isatty(descriptor) == 1 && environment("TERM") != "dumb";
+}
+
+bool is_styled(int descriptor) {
+    return is_terminal(descriptor) && environment("NO_COLOR").empty();
+}
+
+std::size_t terminal_width(int descriptor) {
+    winsize size = {};
+    return ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
+}

@@ -1,0 +1,36 @@
+/// Columns of text under headings.
+#ifndef TOOLS_CONSOLE_TEXT_TABLE_H
+#define TOOLS_CONSOLE_TEXT_TABLE_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+enum class alignment { left, right };
+
+struct text_column {
+    std::string heading;
+    alignment aligned;
+    bool may_shrink;  ///< may be cut where the line is too long for the terminal
+    std::vector<std::string> cells;
+};
+
+/// How text looks where it goes.
+struct text_style {
+    bool bold_headings = false;
+    std::size_t width = 0;  ///< of a line; 0 for any
+    bool utf8 = false;      ///< whether more than ASCII may be added to the data
+};
+
+/// The style for what is printed to standard output.
+text_style output_style();
+
+/// `text` as far as it fits into `width` characters, with a mark where something was cut off.
+std::string cut_text(const std::string& text, std::size_t width, const text_style& style);
+
+std::string heading_text(const std::string& heading, const text_style& style);
+
+/// The lines of a table, aligned by characters. Cells are UTF-8.
+std::string table_text(const std::vector<text_column>& columns, const text_style& style);
+
+#endif

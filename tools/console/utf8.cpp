@@ -1,0 +1,128 @@
+#include "console/utf8.h"
+
+#include <cstdint>
+#include <cstdio>
+
+namespace {
+
+constexpr const char* replacement_character = "\xEF\xBF\xBD";
+
+// The bytes of one kind of character: how many there are, which bits of the first one mark it and the smallest
+// character that may be written so.
+struct encoding {
+    std::size_t length;
+    std::uint32_t mask;
+    std::uint32_t mark;
+    std::uint32_t smallest;
+};
+
+constexpr encoding encodings[] = {
+    {1, 0x80, 0x00, 0x0},
+    {2, 0xE0, 0xC0, 0x80},
+    {3, 0xF0, 0xE0, 0x800},
+    {4, 0xF8, 0xF0, 0x10000},
+};
+
+struct decoded {
+    std::uint32_t character;
+    std::size_t length;  // in bytes; 0 when they are not UTF-8
+};
+
+std::uint32_t byte_at(const std::string& text, std::size_t place) {
+    return place < text.size() ? static_cast<unsigned char>(text[place]) : 0;
+}
+
+bool is_continuation(std::uint32_t byte) {
+    return (byte & 0xC0) == 0x80;
+}
+
+bool is_character(std::uint32_t number) {
+    const bool is_surrogate = number >= 0xD800 && number <= 0xDFFF;
+    return number <= 0x10FFFF && !is_surrogate;
+}
+
+decoded decode(const std::string& text, std::size_t place) {
+    const std::uint32_t first = byte_at(text, place);
+    for (const encoding& kind : encodings) {
+        if ((first & kind.mask) != kind.mark) {
+            continue;
+        }
+        std::uint32_t character = first & ~kind.mask;
+        for (std::size_t i = 1; i < kind.length; ++i) {
+            const std::uint32_t next = byte_at(text, place + i);
+            if (!is_continuation(next)) {
+                return {0, 0};
+            }
+            character = character << 6 | (next & 0x3F);
+        }
+        const bool valid = character >= kind.smallest && is_character(character);
+        return {character, valid ? kind.length : 0};
+    }
+    return {0, 0};
+}
+
+std::string escaped(std::uint32_t control) {
+    switch (control) {
+        case '\t':
+            return "\\t";
+        case '\n':
+            return "\\n";
+        case '\r':
+            return "\\r";
+        default:
+            char text[8];
+            std::snprintf(text, sizeof text, "\\x%02x", static_cast<unsigned>(control));
+            return text;
+    }
+}
+
+bool is_control(std::uint32_t character) {
+    return character < 0x20 || (character >= 0x7F && character < 0xA0);
+}
+
+}  // namespace
+
+std::string repaired_utf8(const std::string& text) {
+    std::string repaired;
+    for (std::size_t place = 0; place < text.size();) {
+        const std::size_t length = decode(text, place).length;
+        if (length == 0) {
+            repaired += replacement_character;
+            ++place;
+        } else {
+            repaired.append(text, place, length);
+            place += length;
+        }
+    }
+    return repaired;
+}
+
+std::string printable(const std::string& text) {
+    std::string shown;
+    for (std::size_t place = 0; place < text.size();) {
+        const decoded next = decode(text, place);
+        if (is_control(next.character)) {
+            shown += escaped(next.character);
+        } else {
+            shown.append(text, place, next.length);
+        }
+        place += next.length;
+    }
+    return shown;
+}
+
+std::size_t length_of(const std::string& text) {
+    std::size_t length = 0;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        length += is_continuation(byte_at(text, place)) ? 0 : 1;
+    }
+    return length;
+}
+
+std::string first_characters(const std::string& text, std::size_t length) {
+    std::size_t place = 0;
+    for (std::size_t i = 0; i < length && place < text.size(); ++i) {
+        place += decode(text, place).length;
+    }
+    return text.substr(0, place);
+}

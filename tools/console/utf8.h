@@ -1,0 +1,21 @@
+/// Text as people see it: characters instead of bytes.
+#ifndef TOOLS_CONSOLE_UTF8_H
+#define TOOLS_CONSOLE_UTF8_H
+
+#include <cstddef>
+#include <string>
+
+/// `text` with a replacement character (U+FFFD) for every part that is not UTF-8.
+std::string repaired_utf8(const std::string& text);
+
+/// UTF-8 `text` with its control characters written as \n, \t or \x1b, so that it stays on its line and cannot steer
+/// a terminal.
+std::string printable(const std::string& text);
+
+/// How many characters UTF-8 `text` has.
+std::size_t length_of(const std::string& text);
+
+/// The first `length` characters of UTF-8 `text`.
+std::string first_characters(const std::string& text, std::size_t length);
+
+#endif

@@ -1,0 +1,107 @@
+#include "difference/comparable_tables.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <string>
+
+#include "rows/row_identity.h"
+#include "rows/row_text.h"
+
+namespace {
+
+using addresses = std::map<inventory_value, std::string>;  // by row id
+
+struct reference {
+    const char* id_column;
+    const char* address_column;
+};
+
+constexpr reference references[] = {
+    {"ParentId", "Parent"},
+    {"BridgeId", "Bridge"},
+    {"ArrayId", "Array"},
+};
+
+constexpr const char* id_column = "Id";
+constexpr std::int64_t no_bridge = -1;
+constexpr const char* missing_bridge = "missing";  // an id that no bridge has
+
+addresses bridge_addresses(const std::vector<inventory_table>& tables) {
+    const auto bridges = std::find_if(tables.begin(), tables.end(), [](const inventory_table& table) {
+        return std::string(table.kind->name) == "bridges";
+    });
+    addresses found;
+    if (bridges == tables.end()) {
+        return found;
+    }
+    for (std::size_t row = 0; row < bridges->rows.size(); ++row) {
+        found[values_of(*bridges, row, {id_column}).front()] =
+            row_texts::bridge_address(inventory_row(*bridges, bridges->rows[row]), nullptr);
+    }
+    return found;
+}
+
+inventory_value address_for(const inventory_value& id, const addresses& bridges) {
+    if (std::holds_alternative<std::monostate>(id) || id == inventory_value(no_bridge)) {
+        return {};
+    }
+    const auto bridge = bridges.find(id);
+    return bridge == bridges.end() ? missing_bridge : bridge->second;
+}
+
+void replace_reference(inventory_table& table, const reference& each, const addresses& bridges) {
+    const auto column = find_column(table, each.id_column);
+    if (!column) {
+        return;
+    }
+    table.columns[*column] = each.address_column;
+    for (std::vector<inventory_value>& row : table.rows) {
+        row[*column] = address_for(row[*column], bridges);
+    }
+}
+
+void remove_column(inventory_table& table, const std::string& name) {
+    const auto column = find_column(table, name);
+    if (!column) {
+        return;
+    }
+    const auto place = static_cast<std::ptrdiff_t>(*column);
+    table.columns.erase(table.columns.begin() + place);
+    for (std::vector<inventory_value>& row : table.rows) {
+        row.erase(row.begin() + place);
+    }
+}
+
+void add_missing_columns(inventory_table& table, const std::vector<std::string>& names) {
+    std::copy_if(names.begin(), names.end(), std::back_inserter(table.columns),
+                 [&table](const std::string& name) { return !find_column(table, name); });
+    for (std::vector<inventory_value>& row : table.rows) {
+        row.resize(table.columns.size());
+    }
+}
+
+inventory_table reordered(const inventory_table& table, const std::vector<std::string>& columns) {
+    inventory_table result{table.kind, columns, {}};
+    for (std::size_t row = 0; row < table.rows.size(); ++row) {
+        result.rows.push_back(values_of(table, row, columns));
+    }
+    return result;
+}
+
+}  // namespace
+
+void replace_row_ids(std::vector<inventory_table>& tables) {
+    const addresses bridges = bridge_addresses(tables);
+    for (inventory_table& table : tables) {
+        for (const reference& each : references) {
+            replace_reference(table, each, bridges);
+        }
+        remove_column(table, id_column);
+    }
+}
+
+void align_columns(inventory_table& first, inventory_table& second) {
+    add_missing_columns(first, second.columns);
+    second = reordered(second, first.columns);
+}

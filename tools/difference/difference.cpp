@@ -1,0 +1,76 @@
+#include "difference/difference.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "difference/comparable_tables.h"
+#include "rows/row_identity.h"
+
+namespace {
+
+std::vector<std::size_t> differing_columns(const table_difference& tables, const row_pair& rows) {
+    const std::vector<inventory_value>& old_values = tables.old_table.rows[rows.old_row];
+    const std::vector<inventory_value>& new_values = tables.new_table.rows[rows.new_row];
+    std::vector<std::size_t> columns;
+    for (std::size_t column = 0; column < new_values.size(); ++column) {
+        if (old_values[column] != new_values[column]) {
+            columns.push_back(column);
+        }
+    }
+    return columns;
+}
+
+bool is_identifying(const inventory_table& table, std::size_t column) {
+    const std::vector<std::string>& names = identity_of(*table.kind).columns;
+    return std::find(names.begin(), names.end(), table.columns[column]) != names.end();
+}
+
+row_change change_of_moved(const table_difference& tables, const row_pair& rows) {
+    row_change change{rows, differing_columns(tables, rows)};
+    change.columns.erase(
+        std::remove_if(change.columns.begin(), change.columns.end(),
+                       [&tables](std::size_t column) { return is_identifying(tables.new_table, column); }),
+        change.columns.end());
+    return change;
+}
+
+table_difference compare_tables(inventory_table old_table, inventory_table new_table) {
+    align_columns(old_table, new_table);
+    row_matching matching = match_rows(old_table, new_table);
+    table_difference difference{std::move(old_table),
+                                std::move(new_table),
+                                std::move(matching.removed),
+                                std::move(matching.added),
+                                {},
+                                {},
+                                std::move(matching.collisions),
+                                std::move(matching.ambiguous)};
+    for (const row_pair& rows : matching.kept) {
+        std::vector<std::size_t> columns = differing_columns(difference, rows);
+        if (!columns.empty()) {
+            difference.changed.push_back({rows, std::move(columns)});
+        }
+    }
+    for (const row_pair& rows : matching.moved) {
+        difference.moved.push_back(change_of_moved(difference, rows));
+    }
+    return difference;
+}
+
+}  // namespace
+
+std::vector<table_difference> compare(std::vector<inventory_table> old_tables,
+                                      std::vector<inventory_table> new_tables) {
+    replace_row_ids(old_tables);
+    replace_row_ids(new_tables);
+    std::vector<table_difference> differences;
+    for (std::size_t kind = 0; kind < new_tables.size(); ++kind) {
+        differences.push_back(compare_tables(std::move(old_tables[kind]), std::move(new_tables[kind])));
+    }
+    return differences;
+}
+
+bool is_same(const std::vector<table_difference>& differences) {
+    return std::all_of(differences.begin(), differences.end(),
+                       [](const table_difference& each) { return each.is_same(); });
+}

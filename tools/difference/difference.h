@@ -1,0 +1,36 @@
+/// What differs between two inventories.
+#ifndef TOOLS_DIFFERENCE_DIFFERENCE_H
+#define TOOLS_DIFFERENCE_DIFFERENCE_H
+
+#include <cstddef>
+#include <vector>
+
+#include "difference/row_matching.h"
+#include "sources/inventory.h"
+
+/// One part as it was and as it is, and the columns that differ.
+struct row_change {
+    row_pair rows;
+    std::vector<std::size_t> columns;
+};
+
+/// Of one kind. Both tables have the same columns in the same order, without row ids, see replace_row_ids().
+struct table_difference {
+    inventory_table old_table;
+    inventory_table new_table;
+    std::vector<std::size_t> removed;   ///< old rows
+    std::vector<std::size_t> added;     ///< new rows
+    std::vector<row_change> changed;    ///< in at least one column
+    std::vector<row_change> moved;      ///< in what identifies them; the columns are those that changed besides
+    std::vector<row_group> collisions;  ///< see row_matching
+    std::vector<row_group> ambiguous;   ///< see row_matching
+
+    bool is_same() const { return removed.empty() && added.empty() && changed.empty() && moved.empty(); }
+};
+
+/// The tables are those of all kinds, in one order.
+std::vector<table_difference> compare(std::vector<inventory_table> old_tables, std::vector<inventory_table> new_tables);
+
+bool is_same(const std::vector<table_difference>& differences);
+
+#endif

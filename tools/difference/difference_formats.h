@@ -1,0 +1,17 @@
+/// The forms in which a difference is printed.
+#ifndef TOOLS_DIFFERENCE_DIFFERENCE_FORMATS_H
+#define TOOLS_DIFFERENCE_DIFFERENCE_FORMATS_H
+
+#include <string>
+#include <vector>
+
+#include "difference/difference.h"
+
+/// For people: a line for each part, beneath it the columns that changed, in units. It may change at any time.
+std::string difference_text(const std::vector<table_difference>& differences);
+
+/// For programs: one object, {"schema": 1, "same": false, "processors": {"added": [...], ...}, ...}; rows in the order
+/// of their inventory, columns in that of their table.
+std::string difference_json(const std::vector<table_difference>& differences);
+
+#endif

@@ -1,0 +1,114 @@
+#include "difference/difference_formats.h"
+#include "rows/row_identity.h"
+#include "rows/value_json.h"
+
+namespace {
+
+using json = nlohmann::ordered_json;
+
+// Raised when a program that reads today's output would misread tomorrow's.
+constexpr int schema = 1;
+
+json identity_json(const inventory_table& table, std::size_t row) {
+    const std::vector<std::string>& columns = identity_of(*table.kind).columns;
+    const std::vector<inventory_value> values = values_of(table, row, columns);
+    json identity = json::object();
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        identity[columns[i]] = value_json(values[i]);
+    }
+    return identity;
+}
+
+json row_json(const inventory_table& table, std::size_t row) {
+    json columns = json::object();
+    for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        columns[table.columns[column]] = value_json(table.rows[row][column]);
+    }
+    return {{"identity", identity_json(table, row)}, {"columns", std::move(columns)}};
+}
+
+json rows_json(const inventory_table& table, const std::vector<std::size_t>& rows) {
+    json list = json::array();
+    for (const std::size_t row : rows) {
+        list.push_back(row_json(table, row));
+    }
+    return list;
+}
+
+json columns_json(const table_difference& difference, const row_change& change) {
+    json columns = json::object();
+    for (const std::size_t column : change.columns) {
+        columns[difference.new_table.columns[column]] = {
+            {"old", value_json(difference.old_table.rows[change.rows.old_row][column])},
+            {"new", value_json(difference.new_table.rows[change.rows.new_row][column])},
+        };
+    }
+    return columns;
+}
+
+json changed_json(const table_difference& difference) {
+    json list = json::array();
+    for (const row_change& change : difference.changed) {
+        list.push_back({{"identity", identity_json(difference.new_table, change.rows.new_row)},
+                        {"columns", columns_json(difference, change)}});
+    }
+    return list;
+}
+
+json moved_json(const table_difference& difference) {
+    json list = json::array();
+    for (const row_change& change : difference.moved) {
+        list.push_back({{"old_identity", identity_json(difference.old_table, change.rows.old_row)},
+                        {"identity", identity_json(difference.new_table, change.rows.new_row)},
+                        {"columns", columns_json(difference, change)}});
+    }
+    return list;
+}
+
+json collisions_json(const table_difference& difference) {
+    json list = json::array();
+    for (const row_group& group : difference.collisions) {
+        const json identity = group.old_rows.empty() ? identity_json(difference.new_table, group.new_rows.front())
+                                                     : identity_json(difference.old_table, group.old_rows.front());
+        list.push_back({{"identity", identity}, {"old", group.old_rows.size()}, {"new", group.new_rows.size()}});
+    }
+    return list;
+}
+
+json identities_json(const inventory_table& table, const std::vector<std::size_t>& rows) {
+    json list = json::array();
+    for (const std::size_t row : rows) {
+        list.push_back(identity_json(table, row));
+    }
+    return list;
+}
+
+json ambiguous_json(const table_difference& difference) {
+    json list = json::array();
+    for (const row_group& group : difference.ambiguous) {
+        list.push_back({{"old", identities_json(difference.old_table, group.old_rows)},
+                        {"new", identities_json(difference.new_table, group.new_rows)}});
+    }
+    return list;
+}
+
+json difference_of_kind_json(const table_difference& difference) {
+    return {
+        {"added", rows_json(difference.new_table, difference.added)},
+        {"removed", rows_json(difference.old_table, difference.removed)},
+        {"changed", changed_json(difference)},
+        {"moved", moved_json(difference)},
+        {"collisions", collisions_json(difference)},
+        {"ambiguous", ambiguous_json(difference)},
+    };
+}
+
+}  // namespace
+
+std::string difference_json(const std::vector<table_difference>& differences) {
+    json document = {{"schema", schema}, {"same", is_same(differences)}};
+    for (const table_difference& difference : differences) {
+        document[difference.new_table.kind->name] = difference_of_kind_json(difference);
+    }
+    return document.dump(2) + '\n';
+}

@@ -1,0 +1,148 @@
+#include "difference/difference_formats.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "console/output.h"
+#include "console/text_table.h"
+#include "console/utf8.h"
+#include "rows/part_text.h"
+
+namespace {
+
+constexpr const char* column_indent = "    ";
+constexpr std::size_t most_named = 3;
+
+struct sign {
+    const char* text;
+    const char* color;
+};
+
+constexpr sign removed_sign = {"-", "\033[31m"};
+constexpr sign added_sign = {"+", "\033[32m"};
+constexpr sign changed_sign = {"~", "\033[33m"};
+constexpr sign moved_sign = {">", "\033[36m"};
+constexpr sign note_sign = {"!", "\033[35m"};
+constexpr const char* end_of_color = "\033[0m";
+
+// Writes the lines of one kind.
+class writer {
+public:
+    explicit writer(const table_difference& difference)
+        : difference_(difference),
+          old_(difference.old_table),
+          new_(difference.new_table),
+          colored_(is_styled(STDOUT_FILENO)) {}
+
+    std::string text() {
+        for (const std::size_t row : difference_.added) {
+            line(added_sign, named_part(new_, row));
+        }
+        for (const std::size_t row : difference_.removed) {
+            line(removed_sign, named_part(old_, row));
+        }
+        for (const row_change& change : difference_.changed) {
+            line(changed_sign, named_part(new_, change.rows.new_row));
+            columns(change);
+        }
+        for (const row_change& change : difference_.moved) {
+            line(moved_sign, place_text(old_, change.rows.old_row) + " -> " + named_part(new_, change.rows.new_row));
+            columns(change);
+        }
+        for (const row_group& group : difference_.collisions) {
+            line(note_sign, collision(group));
+        }
+        for (const row_group& group : difference_.ambiguous) {
+            line(note_sign, "one serial number in several records, so what moved is not known: old " +
+                                places(old_, group.old_rows) + "; new " + places(new_, group.new_rows));
+        }
+        return text_;
+    }
+
+private:
+    void line(const sign& kind, const std::string& text) {
+        const std::string plain = std::string(kind.text) + ' ' + text;
+        text_ += (colored_ ? kind.color + plain + end_of_color : plain) + '\n';
+    }
+
+    static std::string named_part(const inventory_table& table, std::size_t row) {
+        const std::string part = part_text(table, row);
+        return place_text(table, row) + (part.empty() ? "" : ": " + part);
+    }
+
+    void columns(const row_change& change) {
+        std::size_t width = 0;
+        for (const std::size_t column : change.columns) {
+            width = std::max(width, length_of(new_.columns[column]));
+        }
+        for (const std::size_t column : change.columns) {
+            const std::string& name = new_.columns[column];
+            text_ += column_indent + printable(name) + std::string(width - length_of(name) + 2, ' ') +
+                     values(change.rows, column) + '\n';
+        }
+    }
+
+    // In units as long as the difference shows in them.
+    std::string values(const row_pair& rows, std::size_t column) const {
+        std::string old_text = column_text(old_, rows.old_row, column);
+        std::string new_text = column_text(new_, rows.new_row, column);
+        if (old_text == new_text) {
+            old_text = plain_column_text(old_, rows.old_row, column);
+            new_text = plain_column_text(new_, rows.new_row, column);
+        }
+        return old_text + " -> " + new_text;
+    }
+
+    std::string collision(const row_group& group) const {
+        const std::string place = group.old_rows.empty() ? place_text(new_, group.new_rows.front())
+                                                         : place_text(old_, group.old_rows.front());
+        return place + ": " + std::to_string(group.old_rows.size()) + " old and " +
+               std::to_string(group.new_rows.size()) + " new records, matched in order";
+    }
+
+    static std::string places(const inventory_table& table, const std::vector<std::size_t>& rows) {
+        const std::size_t named = std::min(rows.size(), most_named);
+        std::string text;
+        for (std::size_t i = 0; i < named; ++i) {
+            text += (i == 0 ? "" : " and ") + place_text(table, rows[i]);
+        }
+        return named == rows.size() ? text : text + " and " + std::to_string(rows.size() - named) + " more";
+    }
+
+    const table_difference& difference_;
+    const inventory_table& old_;
+    const inventory_table& new_;
+    bool colored_;
+    std::string text_;
+};
+
+std::string counts(const table_difference& difference) {
+    const std::pair<std::size_t, const char*> all[] = {{difference.added.size(), " added"},
+                                                       {difference.removed.size(), " removed"},
+                                                       {difference.changed.size(), " changed"},
+                                                       {difference.moved.size(), " moved"}};
+    std::string text;
+    for (const auto& [count, what] : all) {
+        if (count != 0) {
+            text += (text.empty() ? "" : ", ") + std::to_string(count) + what;
+        }
+    }
+    return text.empty() ? "no difference" : text;
+}
+
+}  // namespace
+
+std::string difference_text(const std::vector<table_difference>& differences) {
+    const text_style style = output_style();
+    std::string text;
+    for (const table_difference& difference : differences) {
+        const std::string lines = writer(difference).text();
+        if (!lines.empty()) {
+            const std::string heading = std::string(difference.new_table.kind->title) + ": " + counts(difference);
+            text += (text.empty() ? "" : "\n") + heading_text(heading, style) + '\n' + lines;
+        }
+    }
+    return text.empty() ? "No difference.\n" : text;
+}

@@ -1,0 +1,130 @@
+#include "explanation/component_loader.h"
+
+#include <algorithm>
+#include <list>
+
+#include <zeb_db.h>
+
+#include "console/failure.h"
+#include "console/utf8.h"
+#include "rows/row_identity.h"
+#include "sources/memory_inventory.h"
+
+namespace {
+
+constexpr const char* title = "the rows in memory";
+constexpr const inventory_kind& memory = inventory_kinds[1];
+
+// No locator of a file can hold these bytes.
+constexpr char probe_locator[] = "\x01probe";
+
+cds_parser::setting_node* new_locator(const char* name) {
+    auto* locator = new cds_parser::setting_node(0);
+    locator->name = name;
+    locator->value = probe_locator;
+    locator->value_type = cds_parser::setting_node::text_value;
+    return locator;
+}
+
+// A memory device, whose row tells the parent under which it was loaded. When the row cannot be written, the loader
+// logs its bank.
+cds_parser::component* new_probe() {
+    auto* group = new cds_parser::setting_group(0);
+    group->name = "memory_info";
+    group->add_setting(new_locator("Device Locator"));
+    group->add_setting(new_locator("Bank Locator"));
+    auto* probe = new cds_parser::component(0);
+    probe->add_setting_group(group);
+    return probe;
+}
+
+// Puts what is below a component aside and the probe in its place.
+class probe_below {
+public:
+    explicit probe_below(cds_parser::component& above) : above_(above) {
+        slots_.add_component(new_probe());
+        aside_.push_back(&slots_);
+        above_.child_slot_groups.swap(aside_);
+    }
+    ~probe_below() { above_.child_slot_groups.swap(aside_); }
+    probe_below(const probe_below&) = delete;
+    probe_below& operator=(const probe_below&) = delete;
+
+private:
+    cds_parser::component& above_;
+    cds_parser::child_slot_group slots_{0};
+    std::list<cds_parser::child_slot_group*> aside_;
+};
+
+// Takes the log of the process as long as it lives.
+class captured_log {
+public:
+    explicit captured_log(std::vector<log_line>& lines) { vonk_log::set_sink(take, &lines); }
+    ~captured_log() { vonk_log::set_sink(nullptr, nullptr); }
+    captured_log(const captured_log&) = delete;
+    captured_log& operator=(const captured_log&) = delete;
+
+private:
+    static void take(void* lines, vonk_log::level at, const char* text) {
+        static_cast<std::vector<log_line>*>(lines)->push_back({at, repaired_utf8(text)});
+    }
+};
+
+bool is_about_probe(const log_line& line) {
+    return line.text.find(probe_locator) != std::string::npos;
+}
+
+std::int64_t id_in(const inventory_table& table, std::size_t row, const char* column) {
+    return std::get<std::int64_t>(table.rows[row][*find_column(table, column)]);
+}
+
+}  // namespace
+
+component_loader::component_loader() : rows_(read_memory(database_, title)) {
+    if (parser_.init() == 0) {
+        throw std::bad_alloc();
+    }
+}
+
+loaded_component component_loader::load(cds_parser::component& loaded, std::int64_t parent) {
+    loaded_component result = {};
+    parser_.parent_id = parent;
+    {
+        const captured_log log(result.log);
+        const probe_below probe(loaded);
+        result.succeeded = parser_.parse_component(database_.handle(), &loaded) != 0;
+    }
+    if (std::any_of(result.log.begin(), result.log.end(), is_about_probe)) {
+        throw failure("cannot put a row into a database in memory");
+    }
+    result.parent_below = take_probe();
+    result.row = take_new_row();
+    return result;
+}
+
+std::optional<std::int64_t> component_loader::take_probe() {
+    const inventory_table added = rows_.read_after(memory, last_ids_[1]);
+    const std::size_t locator = *find_column(added, "DevLocator");
+    for (std::size_t row = 0; row < added.rows.size(); ++row) {
+        if (added.rows[row][locator] == inventory_value(probe_locator)) {
+            const std::string id = std::to_string(id_in(added, row, "Id"));
+            const char* const arguments[] = {id.c_str()};
+            if (zeb_db_delete(database_.handle(), memory.table, "Id = ?", arguments, 1, 0) != 0) {
+                throw failure("cannot take a row out of a database in memory");
+            }
+            return id_in(added, row, "ArrayId");
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<inventory_table> component_loader::take_new_row() {
+    for (std::size_t kind = 0; kind < last_ids_.size(); ++kind) {
+        inventory_table added = rows_.read_after(inventory_kinds[kind], last_ids_[kind]);
+        if (!added.rows.empty()) {
+            last_ids_[kind] = id_in(added, 0, "Id");
+            return added;
+        }
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,65 @@
+#include "explanation/component_title.h"
+
+#include <cstdint>
+#include <cstdio>
+
+#include "console/output.h"
+#include "console/utf8.h"
+
+namespace {
+
+const std::string* find_text(const cds_parser::component& titled, const char* group, const char* setting) {
+    const cds_parser::setting_group* settings = titled.get_setting_group(group);
+    const cds_parser::setting_node* found = settings == nullptr ? nullptr : settings->get_setting(setting);
+    return found == nullptr ? nullptr : &found->value;
+}
+
+// A title is repeated for everything that the loader misses below the component.
+std::string shortened(const std::string& name) {
+    constexpr std::size_t most_characters = 64;
+    const std::string beginning = first_characters(name, most_characters);
+    return beginning.size() == name.size() ? name : beginning + "...";
+}
+
+std::string named(const char* what, const cds_parser::component& titled, const known_group& group,
+                  const char* setting) {
+    const std::string* name = find_text(titled, group.name, setting);
+    return name == nullptr ? what : std::string(what) + ' ' + in_quotes(shortened(*name));
+}
+
+std::string number_text(const cds_parser::setting_group& group, const char* setting, const char* format,
+                        long long default_value) {
+    const cds_parser::setting_node* found = group.get_setting(setting);
+    const long long number = found == nullptr ? default_value : found->get_int64(default_value);
+    if (number < 0) {
+        return "?";
+    }
+    char text[24];
+    std::snprintf(text, sizeof text, format, static_cast<unsigned long long>(number));
+    return text;
+}
+
+std::string at_address(const char* what, const cds_parser::component& titled, const known_group& group) {
+    const cds_parser::setting_group& settings = *titled.get_setting_group(group.name);
+    return std::string(what) + ' ' + number_text(settings, "Segment Number", "%04llx", 0) + ':' +
+           number_text(settings, "Bus Number", "%02llx", -1) + ':' +
+           number_text(settings, "Device Number", "%02llx", -1) + '.' +
+           number_text(settings, "Function Number", "%llx", -1);
+}
+
+}  // namespace
+
+std::string component_title(const cds_parser::component& titled, const known_group* recorded) {
+    if (recorded == nullptr) {
+        const std::string* type = find_text(titled, "component_struct_info", "comp_type");
+        return type == nullptr ? "component" : "component " + in_quotes(shortened(*type));
+    }
+    const std::string kind = recorded->kind->name;
+    if (kind == "processors") {
+        return named("processor", titled, *recorded, "Socket Designation");
+    }
+    if (kind == "memory") {
+        return named("memory device", titled, *recorded, "Device Locator");
+    }
+    return at_address(kind == "bridges" ? "PCI bridge" : "PCI function", titled, *recorded);
+}

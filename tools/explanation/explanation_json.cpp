@@ -1,0 +1,109 @@
+#include <algorithm>
+#include <iterator>
+
+#include "explanation/explanation_formats.h"
+#include "rows/value_json.h"
+
+namespace {
+
+using json = nlohmann::ordered_json;
+
+// Raised when a program that reads today's output would misread tomorrow's.
+constexpr int schema = 1;
+
+struct fate_name {
+    fate value;
+    const char* name;
+};
+
+constexpr fate_name fate_names[] = {
+    {fate::recorded, "recorded"},
+    {fate::refused, "refused"},
+    {fate::failed, "failed"},
+    {fate::incomplete, "incomplete"},
+    {fate::nothing_known, "nothing_known"},
+    {fate::not_reached, "not_reached"},
+    {fate::no_known_group, "no_known_group"},
+};
+
+struct level_name {
+    vonk_log::level value;
+    const char* name;
+};
+
+constexpr level_name level_names[] = {
+    {vonk_log::level::error, "error"},
+    {vonk_log::level::warning, "warning"},
+    {vonk_log::level::info, "info"},
+};
+
+template <class Named, class Value, std::size_t Count>
+const char* name_in(const Named (&names)[Count], Value value) {
+    return std::find_if(std::begin(names), std::end(names), [value](const Named& each) { return each.value == value; })
+        ->name;
+}
+
+// Only the columns that were put, and the row's id.
+json row_json(const std::optional<inventory_table>& row) {
+    if (!row) {
+        return nullptr;
+    }
+    json columns = json::object();
+    for (std::size_t column = 0; column < row->columns.size(); ++column) {
+        const inventory_value& value = row->rows.front()[column];
+        if (!std::holds_alternative<std::monostate>(value)) {
+            columns[row->columns[column]] = value_json(value);
+        }
+    }
+    return columns;
+}
+
+json log_json(const std::vector<log_line>& log) {
+    json lines = json::array();
+    for (const log_line& line : log) {
+        lines.push_back({{"level", name_in(level_names, line.at)}, {"text", line.text}});
+    }
+    return lines;
+}
+
+json unused_json(const std::vector<unused_setting>& unused) {
+    json settings = json::array();
+    for (const unused_setting& setting : unused) {
+        settings.push_back({{"group", setting.group},
+                            {"setting", setting.name},
+                            {"known", setting.is_known},
+                            {"similar", setting.similar == nullptr ? json() : json(setting.similar)}});
+    }
+    return settings;
+}
+
+json explanation_object(const explanation& told) {
+    return {
+        {"path", told.path},
+        {"title", told.title},
+        {"groups", told.groups},
+        {"result", name_in(fate_names, told.became)},
+        {"table", told.row ? json(told.row->kind->table) : json()},
+        {"row", row_json(told.row)},
+        {"reasons", told.reasons},
+        {"missing_settings", told.missing},
+        {"unused_settings", unused_json(told.unused)},
+        {"log", log_json(told.log)},
+    };
+}
+
+}  // namespace
+
+std::string explanation_json(const std::vector<explanation>& explanations) {
+    const explanation_counts counts = count(explanations);
+    json document = {
+        {"schema", schema},
+        {"summary",
+         {{"components", counts.components}, {"rows", counts.rows}, {"unused_settings", counts.unused_settings}}},
+        {"components", json::array()},
+    };
+    for (const explanation& told : explanations) {
+        document["components"].push_back(explanation_object(told));
+    }
+    return document.dump(2) + '\n';
+}

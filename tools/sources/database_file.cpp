@@ -1,0 +1,150 @@
+#include "sources/database_file.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <memory>
+
+#include "console/failure.h"
+#include "console/output.h"
+
+namespace {
+
+struct advice {
+    int sqlite_code;
+    const char* what_to_do;
+};
+
+constexpr advice advices[] = {
+    {SQLITE_BUSY, "another program is using it, try again when that is done"},
+    {SQLITE_NOTADB, "name another file with --database"},
+    {SQLITE_READONLY, "make it and its folder writable or name another file with --database"},
+    {SQLITE_FULL, "make room and try again"},
+    {SQLITE_CORRUPT, "name another file with --database or load into a new one"},
+};
+
+// On a terminal that closes, for Ctrl-C, and for a plain kill.
+constexpr int interruptions[] = {SIGHUP, SIGINT, SIGTERM};
+
+// What a signal handler takes away: a file that is being filled and its journal.
+std::string made_path;
+std::string made_journal;
+
+void unlink_made_files() {
+    ::unlink(made_path.c_str());
+    ::unlink(made_journal.c_str());
+}
+
+void unlink_and_die(int signal) {
+    unlink_made_files();
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+void on_interruption(void (*handler)(int)) {
+    for (const int signal : interruptions) {
+        if (std::signal(signal, handler) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);  // as nohup wants it
+        }
+    }
+}
+
+std::string folder_of(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+}
+
+[[noreturn]] void fail_to_make(const std::string& path, int error) {
+    const std::string problem = "cannot make database " + in_quotes(path) + ": " + std::strerror(error);
+    const std::string folder = folder_of(path);
+    throw failure(::access(folder.c_str(), F_OK) == 0 ? problem
+                                                      : problem + "; make the folder " + in_quotes(folder) + " first");
+}
+
+void refuse_folder(const std::string& path) {
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        throw failure("database " + in_quotes(path) + " is a folder; name a file with --database");
+    }
+}
+
+}  // namespace
+
+void add_database_option(command_line& arguments, std::string& path) {
+    path = "inventory.db";
+    arguments.path_option("--database", "PATH", path, "The inventory database", "ZEBDB_DATABASE");
+}
+
+std::string sqlite_name(const std::string& path) {
+    const bool is_special = path.front() == ':' || path.compare(0, 5, "file:") == 0;
+    return is_special ? "./" + path : path;
+}
+
+void require_database_file(const std::string& path) {
+    if (::access(path.c_str(), R_OK) != 0) {
+        const int error = errno;
+        const std::string problem = "cannot read database " + in_quotes(path) + ": " + std::strerror(error);
+        throw failure(error == ENOENT ? problem + "; make it with 'zebdb-cds load' or name another with --database"
+                                      : problem);
+    }
+    refuse_folder(path);
+}
+
+void roll_back_interrupted_write(const std::string& path) {
+    sqlite3* connection = nullptr;
+    sqlite3_open_v2(sqlite_name(path).c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
+    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> owner(connection, sqlite3_close);
+    sqlite3_exec(connection, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+}
+
+std::string with_advice(const std::string& problem) {
+    for (const advice& each : advices) {
+        if (problem.find(sqlite3_errstr(each.sqlite_code)) != std::string::npos) {
+            return problem + "; " + each.what_to_do;
+        }
+    }
+    return problem;
+}
+
+new_database_file::new_database_file(const std::string& path) {
+    const int file = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
+    if (file == -1 && errno != EEXIST) {
+        fail_to_make(path, errno);
+    }
+    if (file == -1) {
+        refuse_folder(path);
+        return;
+    }
+    ::close(file);
+    made_ = true;
+    made_path = path;
+    made_journal = path + "-journal";
+    on_interruption(unlink_and_die);
+}
+
+new_database_file::~new_database_file() {
+    take_away();
+}
+
+void new_database_file::take_away() {
+    if (made_) {
+        unlink_made_files();
+        forget();
+    }
+}
+
+void new_database_file::keep() {
+    if (made_) {
+        forget();
+    }
+}
+
+void new_database_file::forget() {
+    on_interruption(SIG_DFL);
+    made_ = false;
+}

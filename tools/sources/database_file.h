@@ -1,0 +1,44 @@
+/// Which database a subcommand works on, and the file that it is.
+#ifndef TOOLS_SOURCES_DATABASE_FILE_H
+#define TOOLS_SOURCES_DATABASE_FILE_H
+
+#include <string>
+
+#include "subcommands/command_line.h"
+
+/// Adds --database; `path` becomes $ZEBDB_DATABASE, or "inventory.db", when it is not given.
+void add_database_option(command_line& arguments, std::string& path);
+
+/// The name by which SQLite takes `path` for a file, whatever characters it begins with.
+std::string sqlite_name(const std::string& path);
+
+/// Throws failure when there is no database to read at `path`.
+void require_database_file(const std::string& path);
+
+/// Undoes what a writer that was killed, or that ran out of disk, left half done in the database at `path`. Whoever
+/// opens the database next does the same, but a read-only connection cannot.
+void roll_back_interrupted_write(const std::string& path);
+
+/// `problem`, as the database reported it, and what to do about it where there is something to do.
+std::string with_advice(const std::string& problem);
+
+/// Makes the file of a database that is about to be filled, when there is none. Unless it is kept, a file that was made
+/// is taken away again with its journal, also when the program is interrupted. One at a time.
+class new_database_file {
+public:
+    /// Throws failure when there is no file at `path` and none can be made.
+    explicit new_database_file(const std::string& path);
+    ~new_database_file();
+    new_database_file(const new_database_file&) = delete;
+    new_database_file& operator=(const new_database_file&) = delete;
+
+    void keep();
+    void take_away();
+
+private:
+    void forget();
+
+    bool made_ = false;
+};
+
+#endif

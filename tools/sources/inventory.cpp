@@ -1,0 +1,147 @@
+#include "sources/inventory.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <utility>
+
+#include "console/failure.h"
+#include "console/output.h"
+#include "console/utf8.h"
+#include "sources/database_file.h"
+
+namespace {
+
+constexpr int busy_timeout_ms = 5000;
+
+constexpr const char* unsigned_columns[] = {
+    "ProcId", "Capacity", "MemCapacity", "AppDirCap", "UnconfigCap", "InaccCap", "ReservedCap",
+};
+
+constexpr const char* identifying_columns[] = {"SerialNo", "AssetTag"};
+
+constexpr const char* redacted = "[redacted]";
+
+template <std::size_t Count>
+bool is_one_of(const char* const (&names)[Count], const std::string& name) {
+    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+}
+
+std::string text_at(sqlite3_stmt* row, int column) {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+    const auto length = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
+    return length == 0 ? std::string() : std::string(bytes, length);
+}
+
+inventory_value value_at(sqlite3_stmt* row, int column) {
+    switch (sqlite3_column_type(row, column)) {
+        case SQLITE_NULL:
+            return {};
+        case SQLITE_INTEGER: {
+            const std::int64_t number = sqlite3_column_int64(row, column);
+            if (is_one_of(unsigned_columns, sqlite3_column_name(row, column))) {
+                return static_cast<std::uint64_t>(number);
+            }
+            return number;
+        }
+        default:
+            return repaired_utf8(text_at(row, column));
+    }
+}
+
+}  // namespace
+
+void redact(inventory_table& table) {
+    for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        if (!is_one_of(identifying_columns, table.columns[column])) {
+            continue;
+        }
+        for (std::vector<inventory_value>& row : table.rows) {
+            if (!std::holds_alternative<std::monostate>(row[column])) {
+                row[column] = redacted;
+            }
+        }
+    }
+}
+
+inventory::inventory(const std::string& path, database_naming naming)
+    : path_(path), title_(in_quotes(path)), naming_(naming) {
+    require_database_file(path);
+    if (open() == SQLITE_READONLY_ROLLBACK) {
+        roll_back_interrupted_write(path);
+        open();
+    }
+    if (sqlite3_errcode(connection_.get()) != SQLITE_OK) {
+        fail();
+    }
+}
+
+inventory::inventory(std::string title, sqlite3* connection)
+    : title_(std::move(title)), naming_(database_naming::argument), connection_(connection) {}
+
+// Opens the database and holds it as it is now: a transaction begins with the first reading.
+int inventory::open() {
+    sqlite3* connection = nullptr;
+    const int rc = sqlite3_open_v2(sqlite_name(path_).c_str(), &connection, SQLITE_OPEN_READONLY, nullptr);
+    connection_.reset(connection);
+    if (rc == SQLITE_OK) {
+        sqlite3_busy_timeout(connection, busy_timeout_ms);
+        sqlite3_exec(connection, "BEGIN; SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+    }
+    return sqlite3_extended_errcode(connection);
+}
+
+inventory_table inventory::read(const inventory_kind& kind) const {
+    return table_of(kind, select("*", kind));
+}
+
+inventory_table inventory::read_after(const inventory_kind& kind, std::int64_t id) const {
+    return table_of(kind, select("*", kind, " WHERE rowid > " + std::to_string(id)));
+}
+
+inventory_table inventory::table_of(const inventory_kind& kind, const statement_ptr& rows) const {
+    inventory_table table{&kind, {}, {}};
+    const int columns = sqlite3_column_count(rows.get());
+    for (int column = 0; column < columns; ++column) {
+        table.columns.emplace_back(sqlite3_column_name(rows.get(), column));
+    }
+    while (step(rows)) {
+        std::vector<inventory_value>& row = table.rows.emplace_back();
+        for (int column = 0; column < columns; ++column) {
+            row.push_back(value_at(rows.get(), column));
+        }
+    }
+    return table;
+}
+
+std::int64_t inventory::count(const inventory_kind& kind) const {
+    const statement_ptr rows = select("count(*)", kind);
+    return step(rows) ? sqlite3_column_int64(rows.get(), 0) : 0;
+}
+
+inventory::statement_ptr inventory::select(const std::string& what, const inventory_kind& kind,
+                                           const std::string& condition) const {
+    const std::string sql = "SELECT " + what + " FROM " + kind.table + condition + " ORDER BY rowid";
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(connection_.get(), sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
+        fail();
+    }
+    return statement_ptr(statement);
+}
+
+bool inventory::step(const statement_ptr& statement) const {
+    const int rc = sqlite3_step(statement.get());
+    if (rc != SQLITE_ROW && rc != SQLITE_DONE) {
+        fail();
+    }
+    return rc == SQLITE_ROW;
+}
+
+void inventory::fail() const {
+    const std::string problem = "cannot read " + title_ + ": " + sqlite3_errmsg(connection_.get());
+    const bool is_other = sqlite3_errcode(connection_.get()) == SQLITE_ERROR;  // it lacks a table or a column
+    if (naming_ == database_naming::argument) {
+        throw failure(is_other ? problem + "; it holds no inventory" : problem);
+    }
+    throw failure(is_other ? problem + "; it holds no inventory, name another with --database" : with_advice(problem));
+}

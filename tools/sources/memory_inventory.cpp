@@ -1,0 +1,86 @@
+#include "sources/memory_inventory.h"
+
+#include <sqlite3.h>
+
+#include <cstring>
+#include <memory>
+
+#include <vonk_log_workstation.h>
+
+#include "console/failure.h"
+
+namespace {
+
+struct connection_closer {
+    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
+};
+using connection_ptr = std::unique_ptr<sqlite3, connection_closer>;
+
+// Takes the log of the process and keeps the first error; the others are its consequences.
+class first_error {
+public:
+    first_error() { vonk_log::set_sink(take, this); }
+    ~first_error() { vonk_log::set_sink(nullptr, nullptr); }
+    first_error(const first_error&) = delete;
+    first_error& operator=(const first_error&) = delete;
+
+    const std::string& text() const { return text_; }
+
+private:
+    static void take(void* log, vonk_log::level at, const char* text) {
+        auto& self = *static_cast<first_error*>(log);
+        if (at == vonk_log::level::error && self.text_.empty()) {
+            self.text_ = text;
+        }
+    }
+
+    std::string text_;
+};
+
+connection_ptr open_connection(const std::string& name) {
+    sqlite3* opened = nullptr;
+    sqlite3_open_v2(name.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
+    connection_ptr connection(opened);
+    if (sqlite3_errcode(opened) != SQLITE_OK) {
+        throw failure(sqlite3_errmsg(opened));
+    }
+    return connection;
+}
+
+// The database is new, so that there are no rows to replace: unlike a load into a file this leaves no marker that
+// memory rows were deleted.
+bool load(_zeb_db_handle_t* handle, cds_parser::document& document) {
+    cds_parser::parser parser;
+    return zeb_db_begin_transaction(handle) == 0 && parser.init() != 0 &&
+           parser.parse_component(handle, &document.root) != 0 && zeb_db_commit_transaction(handle) == 0;
+}
+
+}  // namespace
+
+inventory load_into_memory(cds_parser::document& document, const std::string& title) {
+    const memory_database database;
+    const first_error problem;
+    if (!load(database.handle(), document)) {
+        throw failure(problem.text());
+    }
+    return read_memory(database, title);
+}
+
+inventory read_memory(const memory_database& database, const std::string& title) {
+    return inventory(title, open_connection(database.sqlite_name()).release());
+}
+
+inventory open_in_memory(const std::string& bytes, const std::string& title) {
+    connection_ptr connection = open_connection(":memory:");
+    auto* copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size()));
+    if (copy == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::memcpy(copy, bytes.data(), bytes.size());
+    const auto size = static_cast<sqlite3_int64>(bytes.size());
+    const unsigned flags = SQLITE_DESERIALIZE_READONLY | SQLITE_DESERIALIZE_FREEONCLOSE;
+    if (sqlite3_deserialize(connection.get(), "main", copy, size, size, flags) != SQLITE_OK) {
+        throw failure(sqlite3_errmsg(connection.get()));
+    }
+    return inventory(title, connection.release());
+}

@@ -1,0 +1,84 @@
+#include "subcommands/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+
+namespace {
+
+// Without the list of them in the help, where the description tells more.
+CLI::Validator one_of(const std::vector<std::string>& choices) {
+    return CLI::IsMember(choices).description("");
+}
+
+std::string check_not_empty(const std::string& path) {
+    return path.empty() ? "the path is empty" : "";
+}
+
+}  // namespace
+
+void command_line::argument(const char* name, std::string& value, const std::string& description) {
+    app_->add_option(name, value, description)->required()->type_name("");
+}
+
+void command_line::optional_argument(const char* name, std::string& value, const std::string& description) {
+    app_->add_option(name, value, description)->type_name("");
+}
+
+void command_line::optional_argument(const char* name, std::string& value, const std::string& description,
+                                     const std::vector<std::string>& choices) {
+    app_->add_option(name, value, description)->type_name("")->check(one_of(choices));
+}
+
+void command_line::path_option(const char* name, const char* type, std::string& value, const std::string& description,
+                               const char* variable) {
+    app_->add_option(name, value, description)
+        ->envname(variable)
+        ->type_name(type)
+        ->capture_default_str()
+        ->check(check_not_empty);
+}
+
+void command_line::number_option(const char* name, const char* type, unsigned& value, const std::string& description,
+                                 unsigned largest) {
+    CLI::Option* number = app_->add_option(name, value, description)->type_name(type)->capture_default_str();
+    if (largest != std::numeric_limits<unsigned>::max()) {
+        number->check(CLI::Range(0U, largest).description(""));
+    }
+}
+
+void command_line::format_option(std::string& value, const std::string& description,
+                                 const std::vector<std::string>& choices) {
+    app_->add_option("--format", value, description)
+        ->type_name("FORMAT")
+        ->capture_default_str()
+        ->check(one_of(choices));
+}
+
+void command_line::flag(const char* name, bool& value, const std::string& description) {
+    app_->add_flag(name, value, description);
+}
+
+void command_line::remark(const std::string& text) {
+    app_->footer(text + "\n\n" + app_->get_footer());
+}
+
+void command_line::footer(const std::string& text) {
+    app_->footer(text);
+}
+
+bool command_line::has(const char* name) const {
+    const std::vector<CLI::Option*>& given = app_->parse_order();
+    return std::find(given.begin(), given.end(), app_->get_option(name)) != given.end();
+}
+
+void add_redact_flag(command_line& arguments, bool& value) {
+    arguments.flag("--redact", value, "Hide serial numbers and asset tags");
+}
+
+void add_text_or_json_option(command_line& arguments, std::string& value) {
+    arguments.format_option(value, "text, for people; json, for programs", {"text", "json"});
+}
+
+void add_cds_file_argument(command_line& arguments, std::string& value) {
+    arguments.argument("FILE", value, "The CDS file; - is standard input");
+}

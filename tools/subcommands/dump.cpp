@@ -1,0 +1,44 @@
+// zebdb-cds dump: prints the normalised text of a CDS file.
+
+#include <memory>
+#include <ostream>
+
+#include <zebdb_cds_parser.h>
+
+#include "console/output_stream.h"
+#include "sources/cds_file.h"
+#include "subcommands/subcommand.h"
+
+namespace {
+
+constexpr unsigned widest_indent = 16;
+constexpr const char* round_trip =
+    "Names and values are printed as they are, nothing is escaped. So a dump is a CDS file again,\n"
+    "with the same dump, unless a name or a value holds markup (< or &) or a setting has no value.";
+
+struct dump_options {
+    std::string file;
+    unsigned indent = 2;
+};
+
+int dump(const dump_options& options) {
+    cds_parser::document document;
+    read_cds_file(options.file, document);
+    output_buffer buffer;
+    std::ostream out(&buffer);
+    out.exceptions(std::ios::badbit);  // what keeps a block from being printed is not lost in the stream
+    document.dump(out, options.indent);
+    buffer.finish();
+    return status_done;
+}
+
+}  // namespace
+
+action define_dump(command_line& arguments) {
+    const auto options = std::make_shared<dump_options>();
+    add_cds_file_argument(arguments, options->file);
+    arguments.number_option("--indent", "N", options->indent,
+                            "Blanks for each level, 0 to " + std::to_string(widest_indent), widest_indent);
+    arguments.remark(round_trip);
+    return [options] { return dump(*options); };
+}

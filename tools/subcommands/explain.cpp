@@ -1,0 +1,40 @@
+// zebdb-cds explain: tells for every component of a CDS file what row it leaves, or why it leaves none.
+
+#include <algorithm>
+#include <memory>
+
+#include "console/output.h"
+#include "explanation/explanation_formats.h"
+#include "sources/cds_file.h"
+#include "subcommands/subcommand.h"
+
+namespace {
+
+struct explain_options {
+    std::string file;
+    std::string format = "text";
+    bool all = false;
+    bool redact = false;
+};
+
+int explain(const explain_options& options) {
+    cds_parser::document document;
+    read_cds_file(options.file, document);
+    std::vector<explanation> explanations = explanations_of(document, options.all);
+    if (options.redact) {
+        std::for_each(explanations.begin(), explanations.end(), [](explanation& told) { redact(told); });
+    }
+    print(options.format == "json" ? explanation_json(explanations) : explanation_text(explanations));
+    return status_done;
+}
+
+}  // namespace
+
+action define_explain(command_line& arguments) {
+    const auto options = std::make_shared<explain_options>();
+    add_cds_file_argument(arguments, options->file);
+    add_text_or_json_option(arguments, options->format);
+    arguments.flag("--all", options->all, "Tell about the components that there is nothing to record of, too");
+    add_redact_flag(arguments, options->redact);
+    return [options] { return explain(*options); };
+}

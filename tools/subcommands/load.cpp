@@ -1,0 +1,131 @@
+// zebdb-cds load: replaces the inventory by what a CDS file describes, or leaves it as it was.
+
+#include <unistd.h>
+
+#include <chrono>
+#include <cstring>
+#include <iomanip>
+#include <memory>
+#include <sstream>
+
+#include <zeb_db_workstation.h>
+#include <zebdb_cds_parser.h>
+
+#include "console/failure.h"
+#include "console/output.h"
+#include "console/progress.h"
+#include "sources/database_file.h"
+#include "sources/input_file.h"
+#include "sources/inventory.h"
+#include "sources/library_log.h"
+#include "sources/refusal.h"
+#include "subcommands/subcommand.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+struct load_options {
+    std::string file;
+    std::string database;
+};
+
+struct handle_closer {
+    void operator()(_zeb_db_handle_t* handle) const { zeb_db_close(handle); }
+};
+using handle_ptr = std::unique_ptr<_zeb_db_handle_t, handle_closer>;
+
+// All of it or, false, nothing.
+bool load_in_transaction(_zeb_db_handle_t* handle, const char* path, new_database_file& file) {
+    if (zeb_db_begin_transaction(handle) != 0) {
+        return false;
+    }
+    if (parse_cds(handle, path) == 0 && zeb_db_commit_transaction(handle) == 0) {
+        file.keep();
+        return true;
+    }
+    file.take_away();  // while it is locked: whoever waits for it must not be let into a file that goes away
+    zeb_db_rollback_transaction(handle);
+    return false;
+}
+
+bool load_into(const std::string& database, const char* path) {
+    new_database_file file(database);
+    _zeb_db_handle_t* opened = nullptr;
+    zeb_db_open(sqlite_name(database).c_str(), &opened);
+    handle_ptr handle(opened);
+    if (handle != nullptr && load_in_transaction(handle.get(), path, file)) {
+        return true;
+    }
+    handle.reset();
+    roll_back_interrupted_write(database);
+    return false;
+}
+
+// Throws failure with the cause alone.
+void replace_inventory(const load_options& options) {
+    const input_file input(options.file);
+    progress line(input.status());
+    const log_tap log(&line);
+    if (!load_into(options.database, input.path().c_str())) {
+        throw failure(cause_of_failure(input, log));
+    }
+}
+
+std::string state_of(const std::string& database) {
+    return in_quotes(database) + (::access(database.c_str(), F_OK) == 0 ? " is unchanged" : " was not made");
+}
+
+std::string duration_text(milliseconds duration) {
+    if (duration < std::chrono::seconds(1)) {
+        return std::to_string(duration.count()) + " ms";
+    }
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(2) << static_cast<double>(duration.count()) / 1000 << " s";
+    return text.str();
+}
+
+std::string summary(const load_options& options, milliseconds duration) {
+    const inventory loaded(options.database);
+    std::ostringstream text;
+    text << "Loaded " << input_title(options.file) << " into " << in_quotes(options.database) << " in "
+         << duration_text(duration) << ":\n";
+    for (const inventory_kind& kind : inventory_kinds) {
+        text << "  " << std::left << std::setw(12) << kind.name << std::right << std::setw(6) << loaded.count(kind)
+             << '\n';
+    }
+    return text.str();
+}
+
+failure not_loaded(const load_options& options, const std::string& cause) {
+    return failure("cannot load " + input_title(options.file) + ": " + cause + "; " + state_of(options.database));
+}
+
+int load(const load_options& options) {
+    const auto start = steady_clock::now();
+    try {
+        replace_inventory(options);
+    } catch (const failure& cause) {
+        throw not_loaded(options, cause.what());
+    } catch (const std::bad_alloc&) {
+        throw not_loaded(options, "out of memory");
+    }
+    const auto duration = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+    try {
+        print(summary(options, duration));
+    } catch (const failure& problem) {
+        throw failure(std::string(problem.what()) + "; the rows of " + input_title(options.file) + " are in " +
+                      in_quotes(options.database) + " all the same");
+    }
+    return status_done;
+}
+
+}  // namespace
+
+action define_load(command_line& arguments) {
+    const auto options = std::make_shared<load_options>();
+    add_cds_file_argument(arguments, options->file);
+    add_database_option(arguments, options->database);
+    return [options] { return load(*options); };
+}

@@ -1,0 +1,80 @@
+// zebdb-cds refresh: takes the inventory to what a CDS file describes and says what changed.
+
+#include <iomanip>
+#include <memory>
+#include <sstream>
+
+#include <zebdb_cds_parser.h>
+
+#include "change_detection/private_view.h"
+#include "change_detection/service.h"
+#include "console/failure.h"
+#include "console/output.h"
+#include "console/progress.h"
+#include "sources/database_file.h"
+#include "sources/input_file.h"
+#include "sources/library_log.h"
+#include "sources/refusal.h"
+#include "subcommands/subcommand.h"
+
+namespace {
+
+struct refresh_options {
+    std::string file;
+    std::string database;
+    std::string root;
+    unsigned aim_argument = 0;
+};
+
+std::string row(const char* inventory, std::uint32_t before, std::uint32_t now) {
+    std::ostringstream text;
+    text << "  " << std::left << std::setw(18) << inventory << std::setw(11)
+         << (now == before ? "unchanged" : "changed") << "sequence " << now << '\n';
+    return text.str();
+}
+
+std::string report(const refresh_options& options, const inventory_sequences& before, const inventory_sequences& now,
+                   const log_tap& log) {
+    std::string text = "Refreshed '" + options.database + "' from " + input_title(options.file) + ":\n" +
+                       row("system inventory", before.system, now.system) + row("PCI inventory", before.pci, now.pci);
+    if (log.has_line("failed to generate digest")) {
+        text += "  The digest script failed: every inventory that had a digest counts as changed.\n";
+    }
+    return text;
+}
+
+std::string refresh_database(const refresh_options& options) {
+    const input_file input(options.file);
+    new_database_file file(options.database);
+    _zeb_db_handle_t* handle = open_service(options.database);
+    const inventory_sequences before = read_sequences(handle);
+    progress line(input.status());
+    const log_tap log(&line);
+    if (parse_pci(input.path().c_str(), options.aim_argument) != 0) {
+        throw failure(cause_of_failure(input, log));
+    }
+    file.keep();
+    return report(options, before, read_sequences(handle), log);
+}
+
+int refresh(const refresh_options& options) {
+    enter_private_view(options.root);
+    try {
+        print(refresh_database(options));
+    } catch (const failure& problem) {
+        throw failure("cannot refresh '" + options.database + "' from " + input_title(options.file) + ": " +
+                      problem.what() + private_view_hint(options.file));
+    }
+    return status_done;
+}
+
+}  // namespace
+
+action define_refresh(command_line& arguments) {
+    const auto options = std::make_shared<refresh_options>();
+    add_cds_file_argument(arguments, options->file);
+    arguments.number_option("--aim", "NUMBER", options->aim_argument, "The number that the adapter loader is given");
+    add_database_option(arguments, options->database);
+    add_root_option(arguments, options->root);
+    return [options] { return refresh(*options); };
+}

@@ -1,0 +1,41 @@
+/// The subcommands.
+#ifndef TOOLS_SUBCOMMANDS_SUBCOMMAND_H
+#define TOOLS_SUBCOMMANDS_SUBCOMMAND_H
+
+#include <functional>
+#include <vector>
+
+#include "subcommands/command_line.h"
+
+/// Exit status: the work is done.
+constexpr int status_done = 0;
+/// Exit status: the answer is no: changed, different, nothing found.
+constexpr int status_no = 1;
+/// Exit status: there is no answer, see failure.
+constexpr int status_failed = 2;
+
+/// Does the work once the command line is read; gives the exit status.
+using action = std::function<int()>;
+
+struct subcommand {
+    const char* name;
+    const char* purpose;
+    /// Declares the subcommand's arguments.
+    action (*define)(command_line& arguments);
+};
+
+action define_bmc_address(command_line& arguments);
+action define_check(command_line& arguments);
+action define_diff(command_line& arguments);
+action define_dump(command_line& arguments);
+action define_explain(command_line& arguments);
+action define_load(command_line& arguments);
+action define_refresh(command_line& arguments);
+action define_save_digest(command_line& arguments);
+action define_show(command_line& arguments);
+action define_tree(command_line& arguments);
+
+/// All of them, in the order of the help.
+const std::vector<subcommand>& subcommands();
+
+#endif

@@ -1,0 +1,76 @@
+#include "topology/pci_names.h"
+
+#include <csetjmp>
+
+// The header leaves it to its reader that these are functions of C.
+extern "C" {
+#include <pci/pci.h>
+}
+
+#include "console/utf8.h"
+
+namespace {
+
+constexpr std::uint64_t largest_id = 0xFFFF;
+constexpr std::size_t longest_name = 1024;
+
+// Where to go on when libpci meets an error: it expects not to be returned to, and an exception cannot pass through C.
+std::jmp_buf after_error;
+
+PCI_NONRET void leave_libpci(char*, ...) {
+    std::longjmp(after_error, 1);  // NOLINT(cert-err52-cpp): see above
+}
+
+void ignore(char*, ...) {}
+
+// The name in `buffer`, or null. Sets `failed` when the list cannot be used. Holds nothing that would have to be
+// destroyed when libpci is left by a jump.
+const char* look_up_in(pci_access* access, char (&buffer)[longest_name], int what, int vendor, int device,
+                       bool& failed) {
+    if (setjmp(after_error) != 0) {  // NOLINT(cert-err52-cpp): see above
+        failed = true;
+        return nullptr;
+    }
+    return pci_lookup_name(access, buffer, static_cast<int>(longest_name),
+                           what | PCI_LOOKUP_NO_NUMBERS | PCI_LOOKUP_NO_HWDB, vendor, device);
+}
+
+}  // namespace
+
+void pci_names::closer::operator()(pci_access* access) const {
+    pci_cleanup(access);
+}
+
+// The devices of this machine are of no interest: the access is never initialised.
+pci_names::pci_names() : access_(pci_alloc()) {
+    access_->error = leave_libpci;
+    access_->warning = ignore;
+    access_->debug = ignore;
+    access_->id_lookup_mode = 0;  // else names that were once fetched from the network are taken from a file at home
+}
+
+std::optional<std::string> pci_names::vendor(id vendor) {
+    return look_up(PCI_LOOKUP_VENDOR, vendor, 0);
+}
+
+std::optional<std::string> pci_names::device(id vendor, id device) {
+    return look_up(PCI_LOOKUP_DEVICE, vendor, device);
+}
+
+std::optional<std::string> pci_names::look_up(int what, id vendor, id device) {
+    constexpr std::uint64_t too_large = largest_id + 1;
+    if (access_ == nullptr || vendor.value_or(too_large) > largest_id || device.value_or(too_large) > largest_id) {
+        return std::nullopt;
+    }
+    char buffer[longest_name];
+    bool failed = false;
+    const char* name =
+        look_up_in(access_.get(), buffer, what, static_cast<int>(*vendor), static_cast<int>(*device), failed);
+    if (failed) {
+        access_.reset();  // the names that were read before the error are not all there are
+    }
+    if (name == nullptr || *name == '\0') {
+        return std::nullopt;
+    }
+    return printable(repaired_utf8(name));
+}

@@ -1,0 +1,168 @@
+#include "topology/pci_topology.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <tuple>
+#include <unordered_map>
+
+#include "rows/row_text.h"
+
+namespace {
+
+constexpr auto no_bridge = std::numeric_limits<std::uint64_t>::max();  // -1 with all its bits
+
+using number = std::optional<std::uint64_t>;
+
+// A row where it belongs; its parent is another such row, by its place among them.
+struct placed_row {
+    const inventory_table* table;
+    std::size_t row;
+    bool is_bridge;
+    number node;
+    std::array<number, 4> address;  // segment, bus, device, function
+    number id;
+    number parent_id;
+    bool has_parent;  // also where it is named by something that is no number
+    std::optional<std::size_t> parent = std::nullopt;
+    pci_problem problem = pci_problem::none;
+};
+
+using placed_rows = std::vector<placed_row>;
+
+struct place_columns {
+    const char* device;
+    const char* function;
+    const char* parent;
+};
+
+constexpr place_columns bridge_columns = {"DevNo", "FunNo", "ParentId"};
+constexpr place_columns function_columns = {"DeviceNo", "FunctionNo", "BridgeId"};
+
+void append(placed_rows& rows, const inventory_table& table, bool is_bridge) {
+    const place_columns& columns = is_bridge ? bridge_columns : function_columns;
+    for (std::size_t i = 0; i < table.rows.size(); ++i) {
+        const inventory_row row(table, table.rows[i]);
+        const number parent = row.number(columns.parent);
+        rows.push_back(
+            {&table,
+             i,
+             is_bridge,
+             row.number("NodeIndex"),
+             {row.number("SegNo"), row.number("BusNo"), row.number(columns.device), row.number(columns.function)},
+             row.number("Id"),
+             parent,
+             row.text(columns.parent) != nullptr || parent.value_or(no_bridge) != no_bridge});
+    }
+}
+
+bool stands_before(const placed_row& first, const placed_row& second) {
+    const auto place = [](const placed_row& row) {
+        return std::make_tuple(row.node, row.address, !row.is_bridge, row.row);
+    };
+    return place(first) < place(second);
+}
+
+void find_parents(placed_rows& rows) {
+    std::unordered_map<std::uint64_t, std::size_t> bridges;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].is_bridge && rows[i].id) {
+            bridges.emplace(*rows[i].id, i);
+        }
+    }
+    for (placed_row& row : rows) {
+        if (!row.has_parent) {
+            continue;
+        }
+        const auto parent = row.parent_id ? bridges.find(*row.parent_id) : bridges.end();
+        if (parent == bridges.end()) {
+            row.problem = pci_problem::missing_bridge;
+        } else {
+            row.parent = parent->second;
+        }
+    }
+}
+
+// Makes the first row of the circle a root.
+void cut_circle(placed_rows& rows, std::size_t member) {
+    std::size_t first = member;
+    for (std::size_t at = *rows[member].parent; at != member; at = *rows[at].parent) {
+        first = std::min(first, at);
+    }
+    rows[first].parent.reset();
+    rows[first].problem = pci_problem::circle;
+}
+
+void cut_circles(placed_rows& rows) {
+    const std::size_t never = rows.size();
+    std::vector<std::size_t> reached_from(rows.size(), never);
+    for (std::size_t start = 0; start < rows.size(); ++start) {
+        std::optional<std::size_t> at = start;
+        while (at && reached_from[*at] == never) {
+            reached_from[*at] = start;
+            at = rows[*at].parent;
+        }
+        if (at && reached_from[*at] == start) {
+            cut_circle(rows, *at);
+        }
+    }
+}
+
+std::vector<std::size_t> roots_of(const placed_rows& rows) {
+    std::vector<std::size_t> roots;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (!rows[i].parent) {
+            roots.push_back(i);
+        }
+    }
+    std::stable_sort(roots.begin(), roots.end(), [&rows](std::size_t first, std::size_t second) {
+        return std::tie(rows[first].node, rows[first].problem) < std::tie(rows[second].node, rows[second].problem);
+    });
+    return roots;
+}
+
+std::vector<std::vector<std::size_t>> children_of(const placed_rows& rows) {
+    std::vector<std::vector<std::size_t>> children(rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].parent) {
+            children[*rows[i].parent].push_back(i);
+        }
+    }
+    return children;
+}
+
+// Bridges may be nested as deep as a database has rows; this keeps what is left to visit in a list of its own.
+std::vector<pci_part> in_tree_order(const placed_rows& rows) {
+    const std::vector<std::vector<std::size_t>> children = children_of(rows);
+    const std::vector<std::size_t> roots = roots_of(rows);
+    std::vector<pci_part> parts;
+    std::vector<std::size_t> places(rows.size());
+    std::vector<std::size_t> left(roots.rbegin(), roots.rend());
+    while (!left.empty()) {
+        const std::size_t at = left.back();
+        left.pop_back();
+        left.insert(left.end(), children[at].rbegin(), children[at].rend());
+        const placed_row& row = rows[at];
+        pci_part part{row.table, row.row, row.is_bridge, 0, std::nullopt, row.problem};
+        if (row.parent) {
+            part.parent = places[*row.parent];
+            part.depth = parts[*part.parent].depth + 1;
+        }
+        places[at] = parts.size();
+        parts.push_back(part);
+    }
+    return parts;
+}
+
+}  // namespace
+
+std::vector<pci_part> pci_topology(const inventory_table& bridges, const inventory_table& functions) {
+    placed_rows rows;
+    append(rows, bridges, true);
+    append(rows, functions, false);
+    std::sort(rows.begin(), rows.end(), stands_before);
+    find_parents(rows);
+    cut_circles(rows);
+    return in_tree_order(rows);
+}

@@ -1,0 +1,117 @@
+#include "rows/row_identity.h"
+#include "rows/row_text.h"
+#include "rows/value_json.h"
+#include "topology/pci_kind.h"
+#include "topology/topology_formats.h"
+
+namespace {
+
+using json = nlohmann::ordered_json;
+
+// Raised when a program that reads today's output would misread tomorrow's.
+constexpr int schema = 1;
+
+struct shown_column {
+    const char* key;
+    const char* column;
+};
+
+constexpr shown_column bridge_columns[] = {
+    {"id", "Id"},
+    {"parent_id", "ParentId"},
+    {"node", "NodeIndex"},
+    {"segment", "SegNo"},
+    {"bus", "BusNo"},
+    {"device", "DevNo"},
+    {"function", "FunNo"},
+    {"class_code", "ClsCode"},
+    {"vendor_id", "VendorId"},
+    {"device_id", "DevId"},
+    {"primary_bus", "PriBusNo"},
+    {"secondary_bus", "SndBusNo"},
+    {"subordinate_bus", "SubBusNo"},
+};
+
+constexpr shown_column function_columns[] = {
+    {"id", "Id"},
+    {"parent_id", "BridgeId"},
+    {"node", "NodeIndex"},
+    {"segment", "SegNo"},
+    {"bus", "BusNo"},
+    {"device", "DeviceNo"},
+    {"function", "FunctionNo"},
+    {"class_code", "ClsCode"},
+    {"vendor_id", "VendorId"},
+    {"device_id", "DeviceId"},
+    {"slot", "SlotNo"},
+    {"slot_designation", "SlotDesignation"},
+};
+
+json text_or_null(const char* text) {
+    return text == nullptr ? json(nullptr) : json(text);
+}
+
+json text_or_null(const std::optional<std::string>& text) {
+    return text ? json(*text) : json(nullptr);
+}
+
+json problem_json(pci_problem problem) {
+    switch (problem) {
+        case pci_problem::missing_bridge:
+            return "missing bridge";
+        case pci_problem::circle:
+            return "circle";
+        case pci_problem::none:
+            break;
+    }
+    return nullptr;
+}
+
+template <std::size_t Count>
+void add_columns(json& object, const pci_part& part, const shown_column (&columns)[Count]) {
+    for (const shown_column& shown : columns) {
+        object[shown.key] = value_json(values_of(*part.table, part.row, {shown.column}).front());
+    }
+}
+
+void add_kind(json& object, const inventory_row& row) {
+    const auto class_code = row.number("ClsCode");
+    const pci_kind kind = class_code ? kind_of(*class_code) : pci_kind{nullptr, nullptr};
+    object["class"] = text_or_null(kind.base_class);
+    object["subclass"] = text_or_null(kind.subclass);
+}
+
+void add_names(json& object, const pci_part& part, const inventory_row& row, pci_names& names) {
+    const auto vendor = row.number("VendorId");
+    const auto device = row.number(part.is_bridge ? "DevId" : "DeviceId");
+    object["vendor_name"] = text_or_null(names.vendor(vendor));
+    object["device_name"] = text_or_null(names.device(vendor, device));
+}
+
+json part_json(const pci_part& part, pci_names& names) {
+    json object = {
+        {"type", part.is_bridge ? "bridge" : "function"},
+        {"depth", part.depth},
+        {"parent", part.parent ? json(*part.parent) : json(nullptr)},
+        {"problem", problem_json(part.problem)},
+    };
+    if (part.is_bridge) {
+        add_columns(object, part, bridge_columns);
+    } else {
+        add_columns(object, part, function_columns);
+    }
+    const inventory_row row(*part.table, part.table->rows[part.row]);
+    add_kind(object, row);
+    add_names(object, part, row, names);
+    return object;
+}
+
+}  // namespace
+
+void write_topology_json(const std::vector<pci_part>& parts, pci_names& names, std::ostream& out) {
+    json document = {{"schema", schema}, {"parts", json::array()}};
+    for (const pci_part& part : parts) {
+        document["parts"].push_back(part_json(part, names));
+    }
+    out << document.dump(2) << '\n';
+}

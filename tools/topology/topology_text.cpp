@@ -1,0 +1,164 @@
+#include <algorithm>
+
+#include "console/text_table.h"
+#include "console/utf8.h"
+#include "rows/row_text.h"
+#include "topology/pci_kind.h"
+#include "topology/topology_formats.h"
+
+namespace {
+
+// What stands before a line for each level above its own, depending on whether more comes at that level, and then for
+// its own.
+struct branches {
+    const char* passing;
+    const char* ended;
+    const char* more;
+    const char* last;
+};
+
+constexpr branches ascii_branches = {"|  ", "   ", "+- ", "`- "};
+constexpr branches box_branches = {"\u2502  ", "   ", "\u251C\u2500 ", "\u2514\u2500 "};
+
+// More bridges than this are never behind one another, because each has a bus of its own; what a damaged inventory has
+// beyond is not drawn any further to the right, where nobody could read it and lines would grow without bound.
+constexpr std::size_t deepest_drawn = 255;
+
+struct tree_line {
+    std::size_t level;  // 0 is a heading
+    std::string text;
+};
+
+std::string node_text(const inventory_row& row) {
+    const std::string index = row_texts::index(row, "NodeIndex");
+    return index == "-" ? "No node" : "Node " + index;
+}
+
+std::string group_text(const pci_part& root, const inventory_row& row) {
+    switch (root.problem) {
+        case pci_problem::missing_bridge:
+            return "Behind a missing bridge";
+        case pci_problem::circle:
+            return "Bridges in a circle";
+        case pci_problem::none:
+            break;
+    }
+    return "Segment " + row_texts::segment(row, "SegNo");
+}
+
+std::string bridge_text(const inventory_row& row) {
+    const std::string buses = row_texts::bus_range(row, nullptr);
+    return buses == "-" ? "bridge" : "bridge [" + buses + ']';
+}
+
+std::string kind_text(const inventory_row& row) {
+    const auto class_code = row.number("ClsCode");
+    if (!class_code) {
+        return "function";
+    }
+    const pci_kind kind = kind_of(*class_code);
+    if (kind.base_class == nullptr) {
+        return "class " + row_texts::class_code(row, "ClsCode");
+    }
+    return kind.subclass == nullptr ? kind.base_class : std::string(kind.base_class) + " (" + kind.subclass + ')';
+}
+
+// Nothing where there is none.
+std::string designation_text(const inventory_row& row) {
+    const std::string text = row_texts::plain(row, "SlotDesignation");
+    if (text.find_first_not_of("- ") == std::string::npos) {
+        return "";
+    }
+    const std::size_t first = text.find_first_not_of(' ');
+    return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+std::string slot_text(const inventory_row& row) {
+    const std::string number = row_texts::index(row, "SlotNo");
+    const std::string designation = designation_text(row);
+    return (number == "-" ? "" : ", slot " + number) + (designation.empty() ? "" : ", " + designation);
+}
+
+std::string name_text(const pci_part& part, const inventory_row& row, pci_names& names) {
+    const auto vendor = row.number("VendorId");
+    const std::string ids = part.is_bridge ? row_texts::bridge_id(row, nullptr) : row_texts::device_id(row, nullptr);
+    const std::string known_by_ids = '[' + ids + ']';
+    if (const auto name = names.vendor(vendor)) {
+        const auto device = row.number(part.is_bridge ? "DevId" : "DeviceId");
+        return ": " + *name + ' ' + names.device(vendor, device).value_or(known_by_ids);
+    }
+    return ids == "-" ? "" : ": " + known_by_ids;
+}
+
+std::string part_text(const pci_part& part, const inventory_row& row, pci_names& names) {
+    const std::string depth = part.depth > deepest_drawn ? "behind " + std::to_string(part.depth) + " bridges: " : "";
+    const std::string what = part.is_bridge ? row_texts::bridge_address(row, nullptr) + ' ' + bridge_text(row)
+                                            : row_texts::device_address(row, nullptr) + ' ' + kind_text(row);
+    return depth + what + slot_text(row) + name_text(part, row, names);
+}
+
+std::vector<tree_line> lines_of(const std::vector<pci_part>& parts, pci_names& names) {
+    constexpr std::size_t levels_above_roots = 2;
+    std::vector<tree_line> lines;
+    std::string node;
+    std::string group;
+    for (const pci_part& part : parts) {
+        const inventory_row row(*part.table, part.table->rows[part.row]);
+        if (part.depth == 0) {
+            if (node != node_text(row)) {
+                node = node_text(row);
+                group.clear();
+                lines.push_back({0, node});
+            }
+            if (group != group_text(part, row)) {
+                group = group_text(part, row);
+                lines.push_back({1, group});
+            }
+        }
+        lines.push_back({levels_above_roots + std::min(part.depth, deepest_drawn), part_text(part, row, names)});
+    }
+    return lines;
+}
+
+// For each line, whether the next one of its level comes only after a smaller level, if at all.
+std::vector<bool> ends_of_branches(const std::vector<tree_line>& lines) {
+    std::vector<bool> ends(lines.size());
+    std::vector<bool> more;  // by level, what comes behind the line
+    for (std::size_t i = lines.size(); i-- > 0;) {
+        more.resize(lines[i].level + 1);
+        ends[i] = !more.back();
+        more.back() = true;
+    }
+    return ends;
+}
+
+}  // namespace
+
+void write_topology_text(const std::vector<pci_part>& parts, pci_names& names, std::ostream& out) {
+    if (parts.empty()) {
+        out << "No PCI bridges or functions.\n";
+        return;
+    }
+    const text_style style = output_style();
+    const branches& drawn = style.utf8 ? box_branches : ascii_branches;
+    const std::vector<tree_line> lines = lines_of(parts, names);
+    const std::vector<bool> ends = ends_of_branches(lines);
+    std::vector<const char*> above;  // what goes before a line for each level but that of headings
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        const auto& [level, text] = lines[i];
+        std::string line;
+        if (level != 0) {
+            above.resize(level - 1);
+            for (const char* branch : above) {
+                line += branch;
+            }
+            line += ends[i] ? drawn.last : drawn.more;
+            above.push_back(ends[i] ? drawn.ended : drawn.passing);
+        }
+        line += text;
+        if (style.width != 0) {
+            line = cut_text(line, style.width, style);
+        }
+        out << (level == 0 ? heading_text(line, style) : line) << '\n';
+    }
+}
