@@ -29,9 +29,11 @@ struct column {
 /// A column with a signed 32-bit number by which the writer of the record decides as well, in that member of `Record`.
 template <class Record>
 struct number_column {
+    using number = std::int32_t Record::*;
+
     const char* setting;
     const char* name;
-    std::int32_t Record::*member;
+    number member;
     std::int32_t default_value;  ///< when the setting is absent or not numeric
 };
 

@@ -6,6 +6,7 @@
 
 #include "zeb_db.h"
 
+#pragma GCC visibility push(default)
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -34,5 +35,6 @@ int zebdb_get_pldm_firmware_pending_list(zebdb_pldm_firmware_pending_list* list)
 #ifdef __cplusplus
 }
 #endif
+#pragma GCC visibility pop
 
 #endif

@@ -2,6 +2,7 @@
 #ifndef VONK_LOG_H
 #define VONK_LOG_H
 
+#pragma GCC visibility push(default)
 namespace vonk_log {
 
 void logErr(const char* format, ...) __attribute__((format(printf, 1, 2)));
@@ -9,5 +10,6 @@ void logWarn(const char* format, ...) __attribute__((format(printf, 1, 2)));
 void logInfo(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
 }  // namespace vonk_log
+#pragma GCC visibility pop
 
 #endif

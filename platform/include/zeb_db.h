@@ -7,6 +7,7 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default)
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -76,5 +77,6 @@ int zeb_db_rollback_transaction(_zeb_db_handle_t* handle);
 #ifdef __cplusplus
 }
 #endif
+#pragma GCC visibility pop
 
 #endif

@@ -5,6 +5,7 @@
 
 #include <vonk_log.h>
 
+#pragma GCC visibility push(default)
 namespace vonk_log {
 
 enum class level { error, warning, info };
@@ -20,5 +21,6 @@ void set_sink(sink taken_by, void* context);
 void write(level at, const char* text);
 
 }  // namespace vonk_log
+#pragma GCC visibility pop
 
 #endif

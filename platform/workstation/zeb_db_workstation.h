@@ -4,6 +4,7 @@
 
 #include <zeb_db.h>
 
+#pragma GCC visibility push(default)
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -20,5 +21,6 @@ void zeb_db_close(_zeb_db_handle_t* handle);
 #ifdef __cplusplus
 }
 #endif
+#pragma GCC visibility pop
 
 #endif

@@ -95,7 +95,10 @@ TEST_F(VonkLog, HandsItsLinesToASink) {
 }
 
 TEST_F(VonkLog, GoesBackToStandardErrorWithoutASink) {
-    { const captured_log log; }
+    {
+        const captured_log log;
+        vonk_log::logErr("to the sink");
+    }
     vonk_log::logErr("no memory");
     EXPECT_EQ(standard_error.text(), "ERROR: no memory\n");
 }

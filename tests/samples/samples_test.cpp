@@ -108,8 +108,8 @@ std::string read_file(const std::string& path) {
 }
 
 std::string in_test_name(std::string sample_name) {
-    std::replace_if(
-        sample_name.begin(), sample_name.end(), [](char c) { return c == '-' || c == '/'; }, '_');
+    const auto is_separator = [](char c) { return c == '-' || c == '/'; };
+    std::replace_if(sample_name.begin(), sample_name.end(), is_separator, '_');
     return sample_name;
 }
 
