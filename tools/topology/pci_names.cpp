@@ -1,6 +1,7 @@
 #include "topology/pci_names.h"
 
 #include <csetjmp>
+#include <cstdlib>
 
 // The header leaves it to its reader that these are functions of C.
 extern "C" {
@@ -47,6 +48,9 @@ pci_names::pci_names() : access_(pci_alloc()) {
     access_->warning = ignore;
     access_->debug = ignore;
     access_->id_lookup_mode = 0;  // else names that were once fetched from the network are taken from a file at home
+    if (char* list = std::getenv("ZEBDB_PCI_IDS"); list != nullptr && *list != '\0') {
+        pci_set_name_list_path(access_.get(), list, 0);
+    }
 }
 
 std::optional<std::string> pci_names::vendor(id vendor) {

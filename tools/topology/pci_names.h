@@ -1,4 +1,5 @@
-/// The names of PCI vendors and devices, from the list of PCI ids that the distribution installs.
+/// The names of PCI vendors and devices, from the list of PCI ids that ZEBDB_PCI_IDS names, else from the one that the
+/// distribution installs.
 #ifndef TOOLS_TOPOLOGY_PCI_NAMES_H
 #define TOOLS_TOPOLOGY_PCI_NAMES_H
 
