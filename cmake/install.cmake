@@ -17,6 +17,7 @@ if(ZEBDB_WORKSTATION_PLATFORM)
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zebdb_platform)
   install(PROGRAMS scripts/sandbox platform/workstation/pci_digest.sh
     DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/zebdb-cds)
+  install(TARGETS zebdb_private_places LIBRARY DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/zebdb-cds)
   install(FILES tools/zebdb-cds.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES tools/zebdb-cds.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zebdb-cds)
   set(pkg_config_libs "-lzebdb_cds_parser -lzebdb_platform")

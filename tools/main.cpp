@@ -8,6 +8,7 @@
 #include <exception>
 #include <new>
 
+#include "change_detection/private_view.h"
 #include "console/output.h"
 #include "subcommands/run.h"
 #include "subcommands/subcommand.h"
@@ -30,6 +31,7 @@ int main(int argc, char** argv) {
     occupy_standard_descriptors();
     std::signal(SIGPIPE, SIG_IGN);  // a reader that has seen enough must not cut a load short
     std::setlocale(LC_CTYPE, "");
+    remember_command_line(argc, argv);
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {

@@ -254,10 +254,11 @@ TEST_F(UpdateBmcAddress, Gives9WhenTheFileCanNeitherBeReadNorWritten) {
 }
 
 TEST_F(UpdateBmcAddress, GivesMinus1AndLogsTheChangeOnAFullDisk) {
-    put_on_tiny_disk(place::bmc_address);
-    fill_tiny_disk();
     set_database(4, 5, 6);
-    EXPECT_EQ(update_bmc_addr(), -1);
+    {
+        const file_size_limit full(0);
+        EXPECT_EQ(update_bmc_addr(), -1);
+    }
     EXPECT_EQ(content_of(place::bmc_address), "");
     EXPECT_THAT(platform.log, ElementsAre(change("0x4 0x5 0x6", "0x0 0x0 0x0")));
 }

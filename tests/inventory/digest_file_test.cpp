@@ -105,9 +105,11 @@ TEST_F(SavePciDigest, KeepsTheFirstDigestWhenTheSecondCommandFails) {
 }
 
 TEST_F(SavePciDigest, FailsOnAReadOnlyFolder) {
-    EXPECT_EQ(save_pci_digest("/read-only/first.xml", second), -1);
-    EXPECT_FALSE(exists("/tmp/first.xml.digest"));
-    EXPECT_THAT(platform.log, ElementsAre("ERROR: save_pci_digest: generating /read-only/first.xml.digest failed!"));
+    make_read_only_folder("/tmp/read-only");
+    EXPECT_EQ(save_pci_digest("/tmp/read-only/first.xml", second), -1);
+    EXPECT_FALSE(exists("/tmp/read-only/first.xml.digest"));
+    EXPECT_THAT(platform.log,
+                ElementsAre("ERROR: save_pci_digest: generating /tmp/read-only/first.xml.digest failed!"));
 }
 
 TEST_F(SavePciDigest, FailsWhenADirectoryIsInTheDigestsPlace) {
@@ -117,9 +119,10 @@ TEST_F(SavePciDigest, FailsWhenADirectoryIsInTheDigestsPlace) {
 }
 
 TEST_F(SavePciDigest, FailsOnAFullDisk) {
-    put_on_tiny_disk("/tmp/first.xml.digest");
-    fill_tiny_disk();
-    EXPECT_EQ(save_pci_digest(first, second), -1);
+    {
+        const file_size_limit full(0);
+        EXPECT_EQ(save_pci_digest(first, second), -1);
+    }
     EXPECT_EQ(content_of("/tmp/first.xml.digest"), "");
     EXPECT_THAT(platform.log, ElementsAre("ERROR: save_pci_digest: generating /tmp/first.xml.digest failed!"));
 }

@@ -168,17 +168,21 @@ TEST_F(SaveFunctionKeys, LogsAndKeepsAReadOnlyFile) {
 }
 
 TEST_F(SaveFunctionKeys, LogsThatNothingWasWrittenOnAFullDisk) {
-    put_on_tiny_disk(place::pci_keys);
-    fill_tiny_disk();
-    save({7});
+    write_file(place::pci_keys, "older");
+    {
+        const file_size_limit full(0);
+        save({7});
+    }
     EXPECT_EQ(content_of(place::pci_keys), "");
     EXPECT_THAT(platform.log, Contains("ERROR: save_fkeys_ToFile: write /var/DS/pci_inventory.fkey failed, rc = 0"));
     EXPECT_THAT(platform.log, Not(Contains(testing::HasSubstr("are saved"))));
 }
 
 TEST_F(SaveFunctionKeys, LogsHowMuchFittedOnADiskThatFillsUp) {
-    put_on_tiny_disk(place::pci_keys);
-    save(numbers_up_to(1500));
+    {
+        const file_size_limit full(4096);
+        save(numbers_up_to(1500));
+    }
     EXPECT_EQ(content_of(place::pci_keys), (words({1500}) + words(numbers_up_to(1500))).substr(0, 4096));
     EXPECT_THAT(platform.log, Contains("ERROR: save_fkeys_ToFile: write /var/DS/pci_inventory.fkey failed, rc = 4096"));
 }

@@ -27,19 +27,6 @@ std::string content_of(const fs::path& path) {
     return content.str();
 }
 
-// What the library writes at fixed places goes to `view`; `more` is a further sandbox in that one.
-std::vector<std::string> sandboxed(const std::string& shell_command, const fs::path& folder, const fs::path& view,
-                                   const std::vector<std::string>& more) {
-    // The sandbox keeps the place visible that it is started in: the build, and with it the command.
-    std::vector<std::string> command = {"env", "--chdir=" BINARY_DIR, SOURCE_DIR "/scripts/sandbox", view};
-    if (!more.empty()) {
-        command.insert(command.end(), {"bwrap", "--bind", "/", "/", "--dev-bind", "/dev", "/dev"});
-        command.insert(command.end(), more.begin(), more.end());
-    }
-    command.insert(command.end(), {"env", "--chdir=" + folder.string(), "sh", "-c", shell_command});
-    return command;
-}
-
 class file_actions {
 public:
     file_actions() { posix_spawn_file_actions_init(&actions_); }
@@ -107,16 +94,38 @@ command_test::~command_test() {
     fs::remove_all(folder_);
 }
 
-command_result command_test::run(const std::string& shell_command, const std::vector<std::string>& sandbox_options,
-                                 int standard_input) const {
+command_result command_test::run(const std::string& shell_command, int standard_input) const {
+    return run_by({}, shell_command, standard_input);
+}
+
+command_result command_test::run_unprivileged(const std::string& shell_command) const {
+    if (geteuid() != 0) {
+        return run(shell_command);
+    }
+    return run_by({"setpriv", "--bounding-set=-all", "--inh-caps=-all"}, shell_command, -1);
+}
+
+command_result command_test::run_with_disk(std::size_t size, const std::string& shell_command) const {
+    const fs::path disk = folder_ / "disk";
+    fs::create_directory(disk);
+    return run_by({SOURCE_DIR "/tests/support/on-small-disk", std::to_string(size), disk}, shell_command, -1);
+}
+
+// What the library writes at fixed places goes to a private view.
+command_result command_test::run_by(const std::vector<std::string>& runner, const std::string& shell_command,
+                                    int standard_input) const {
     const fs::path out = folder_.string() + ".out";
     const fs::path err = folder_.string() + ".err";
+    const fs::path view = folder_.string() + ".view";
+    std::vector<std::string> command = {BINARY_DIR "/libexec/zebdb-cds/sandbox", "--keep", BINARY_DIR, view};
+    command.insert(command.end(), runner.begin(), runner.end());
+    command.insert(command.end(), {"env", "--chdir=" + folder_.string(), "sh", "-c", shell_command});
+
     file_actions actions;
     actions.read_from(standard_input);
     actions.write_to(STDOUT_FILENO, out);
     actions.write_to(STDERR_FILENO, err);
-    const fs::path view = folder_.string() + ".view";
-    const int status = run_and_wait(sandboxed(shell_command, folder_, view, sandbox_options), actions);
+    const int status = run_and_wait(command, actions);
     command_result result = {status, content_of(out), content_of(err)};
     fs::remove(out);
     fs::remove(err);

@@ -23,10 +23,17 @@ protected:
     command_test();
     ~command_test() override;
 
-    /// Runs a shell command in the folder, with zebdb-cds on the path and /tmp private and empty. `sandbox_options` are
-    /// further options of bubblewrap, `standard_input` is a descriptor; -1 is nothing to read.
-    command_result run(const std::string& shell_command, const std::vector<std::string>& sandbox_options = {},
-                       int standard_input = -1) const;
+    /// Runs a shell command in the folder, with zebdb-cds on the path and /tmp private and empty. `standard_input` is a
+    /// descriptor; -1 is nothing to read.
+    command_result run(const std::string& shell_command, int standard_input = -1) const;
+
+    /// The same where root has no more rights than anybody else.
+    command_result run_unprivileged(const std::string& shell_command) const;
+
+    /// The same with a disk of `size` bytes mounted at "disk" in the folder, empty at first and gone afterwards. The
+    /// status is no_disk where no file system can be mounted.
+    command_result run_with_disk(std::size_t size, const std::string& shell_command) const;
+    static constexpr int no_disk = 77;
 
     const std::filesystem::path& folder() const { return folder_; }
 
@@ -42,6 +49,9 @@ protected:
     std::string query(const std::string& database, const std::string& sql) const;
 
 private:
+    command_result run_by(const std::vector<std::string>& runner, const std::string& shell_command,
+                          int standard_input) const;
+
     std::filesystem::path folder_;
 };
 

@@ -4,11 +4,14 @@
 #define TESTS_SUPPORT_SANDBOXED_TEST_H
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -50,10 +53,31 @@ inline std::string words(const std::vector<std::uint32_t>& numbers) {
     return bytes;
 }
 
+/// As long as it lives, no file of this process and its children grows beyond a number of bytes: what is written behind
+/// them fails as on a full disk.
+class file_size_limit {
+public:
+    explicit file_size_limit(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit = {bytes, before_.rlim_max};
+        EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    ~file_size_limit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    file_size_limit(const file_size_limit&) = delete;
+    file_size_limit& operator=(const file_size_limit&) = delete;
+
+private:
+    void (*handler_)(int);
+    rlimit before_ = {};
+};
+
 class sandboxed_test : public testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(exists("/tiny-disk")) << "run this through ctest or tests/support/in-sandbox";
+        ASSERT_NE(std::getenv("ZEBDB_SANDBOX"), nullptr) << "run this through ctest or tests/support/in-sandbox";
         open_files_ = open_files();
     }
 
@@ -62,13 +86,18 @@ protected:
         EXPECT_TRUE(waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD) << "a child process was left behind";
     }
 
-    // What can be wrong with the place of a file. None of it depends on permissions, which do not bite root.
+    // What can be wrong with the place of a file.
 
-    /// The file can be read but not written: it lies on a file system that is mounted read-only.
+    /// The file can be read but not written. Root is held to that too, see tests/support/in-sandbox.
     static void make_read_only(const std::string& path, const std::string& content) {
-        const std::string name = std::filesystem::path(path).filename();
-        write_file("/tmp/" + name, content);
-        std::filesystem::create_symlink("/read-only/" + name, path);
+        write_file(path, content);
+        std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+    }
+
+    /// Nothing can be made in the folder.
+    static void make_read_only_folder(const std::string& path) {
+        std::filesystem::create_directory(path);
+        std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
     }
 
     static void make_folder_missing(const std::string& path) {
@@ -76,14 +105,6 @@ protected:
     }
 
     static void make_directory(const std::string& path) { std::filesystem::create_directory(path); }
-
-    /// The file lies on a disk of 4096 bytes.
-    static void put_on_tiny_disk(const std::string& path) { std::filesystem::create_symlink("/tiny-disk/file", path); }
-
-    static void fill_tiny_disk() {
-        write_file("/tiny-disk/filler", std::string(4096, 'x'));
-        EXPECT_EQ(std::filesystem::space("/tiny-disk").free, 0u);
-    }
 
     /// Reading the file gives fewer bytes than its size promises, as files of the kernel's own do.
     static void make_shorter_than_its_size(const std::string& path) {

@@ -190,14 +190,29 @@ TEST_F(ChangeDetection, BmcAddressFailsWhenTheRecordCannotBeWritten) {
     EXPECT_EQ(zebdb_cds("bmc-address").out, "05:06.7\n");
 }
 
-TEST_F(ChangeDetection, RootHidesNoProgramThatIsRunFromAFolderItReplaces) {
-    const command_result result =
-        run("cp \"$(command -v zebdb-cds)\" /tmp/zebdb-cds && /tmp/zebdb-cds check a b --root root");
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(
-        result.err,
-        "zebdb-cds: with --root the program cannot be run from '/tmp/zebdb-cds', a folder that is replaced by one "
-        "below DIR; install it elsewhere\n");
+TEST_F(ChangeDetection, RootHidesNeitherTheProgramNorTheWorkingFolderNorTheFilesThatAreNamed) {
+    const command_result result = run(R"sh(
+        mkdir -p /tmp/app/bin /tmp/app/libexec /tmp/here
+        program=$(command -v zebdb-cds)
+        cp "$program" /tmp/app/bin
+        cp -RL "$(dirname "$program")"/../libexec/zebdb-cds /tmp/app/libexec
+        cp server.xml /tmp/named.xml
+        cp other.bin /tmp/here
+        cd /tmp/here
+        /tmp/app/bin/zebdb-cds refresh /tmp/named.xml --database /tmp/named.db --root root || exit
+        /tmp/app/bin/zebdb-cds save-digest /tmp/named.xml other.bin --root root || exit
+        ls -A /tmp /tmp/here
+    )sh");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, EndsWith("'other.bin.digest'\n/tmp:\napp\nhere\nnamed.db\nnamed.xml\nnamed.xml.digest\n\n"
+                                     "/tmp/here:\nother.bin\nother.bin.digest\nroot\n"));
+}
+
+TEST_F(ChangeDetection, RootKeepsTheFolderVisibleThatReplacesNothingButIsThePlaceItself) {
+    const command_result result = run(
+        "cp server.xml /tmp; cd /tmp && zebdb-cds refresh server.xml --root root && ls -A && find root -name '.dmdb*'");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, EndsWith("inventory.db\nroot\nserver.xml\nroot/tmp/.dmdb_memory_deleted_flag\n"));
 }
 
 TEST_F(ChangeDetection, RootThatCannotBeMadeIsAFailure) {

@@ -78,7 +78,7 @@ TEST_F(DiffSources, AreReadAndNothingElse) {
 TEST_F(DiffSources, MayBeInAFolderThatMayNotBeWritten) {
     load("old.xml", "old.db");
     std::filesystem::permissions(folder(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
-    const command_result result = run("zebdb-cds diff old.db new.xml", {"--cap-drop", "ALL"});
+    const command_result result = run_unprivileged("zebdb-cds diff old.db new.xml");
     std::filesystem::permissions(folder(), std::filesystem::perms::owner_all);
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, IsEmpty());
@@ -120,7 +120,7 @@ TEST_F(DiffSources, AreRefusedWhenTheyAreFolders) {
 
 TEST_F(DiffSources, AreRefusedWhenTheyMayNotBeRead) {
     std::filesystem::permissions(folder() / "new.xml", std::filesystem::perms::none);
-    const command_result result = run("zebdb-cds diff old.xml new.xml", {"--cap-drop", "ALL"});
+    const command_result result = run_unprivileged("zebdb-cds diff old.xml new.xml");
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "zebdb-cds: cannot read 'new.xml': Permission denied\n");
 }

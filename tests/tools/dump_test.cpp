@@ -159,9 +159,10 @@ TEST_F(Dump, ThatCannotBeWrittenFails) {
 
 TEST_F(Dump, ThatCannotBeWrittenToItsEndFails) {
     write("large.xml", large());
-    std::filesystem::create_directory(folder() / "disk");
-    const command_result result =
-        run("zebdb-cds dump large.xml >disk/dump.xml", {"--size", "1000000", "--tmpfs", (folder() / "disk").string()});
+    const command_result result = run_with_disk(1'000'000, "zebdb-cds dump large.xml >disk/dump.xml");
+    if (result.status == no_disk) {
+        GTEST_SKIP() << "no file system can be mounted here";
+    }
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "zebdb-cds: cannot write to standard output: No space left on device\n");
 }

@@ -127,7 +127,7 @@ TEST_F(Load, ReadsStandardInputFromASocket) {
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
     ASSERT_EQ(::write(ends[0], server.data(), server.size()), static_cast<ssize_t>(server.size()));
     ASSERT_EQ(shutdown(ends[0], SHUT_WR), 0);
-    EXPECT_EQ(run("zebdb-cds load -", {}, ends[1]).status, 0);
+    EXPECT_EQ(run("zebdb-cds load -", ends[1]).status, 0);
     close(ends[0]);
     close(ends[1]);
     EXPECT_EQ(processors_in("inventory.db"), "1");

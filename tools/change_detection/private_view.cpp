@@ -1,30 +1,29 @@
 #include "change_detection/private_view.h"
 
+#include <dlfcn.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
+#include <filesystem>
 #include <iterator>
-#include <vector>
+#include <utility>
+
+#include <zeb_db_workstation.h>
+#include <zebdb_cds_parser.h>
 
 #include "console/failure.h"
 
 namespace {
 
-constexpr const char* this_program = "/proc/self/exe";
-constexpr const char* private_places[] = {"/tmp/", "/var/DS/", "/var/log/", "/var/vonk/"};
+// What the library keeps at fixed places, see --root.
+constexpr const char* private_places[] = {"/bin/pci_digest.sh", "/tmp/.dmdb_memory_deleted_flag", "/var/DS/",
+                                          "/var/log/", "/var/vonk/"};
 
-std::vector<std::string> own_command_line() {
-    std::ifstream file("/proc/self/cmdline", std::ios::binary);
-    std::vector<std::string> words;
-    for (std::string word; std::getline(file, word, '\0');) {
-        words.push_back(word);
-    }
-    return words;
-}
+std::vector<std::string> own_words;
 
 std::vector<std::string> without_root_option(const std::vector<std::string>& words) {
     const auto options = static_cast<std::size_t>(std::find(words.begin(), words.end(), "--") - words.begin());
@@ -44,27 +43,38 @@ bool is_in_private_place(const std::string& path) {
                        [&path](const std::string& place) { return path.compare(0, place.size(), place) == 0; });
 }
 
+// Where the program stands, as the kernel was told; /proc, which knows better, is not mounted everywhere.
 std::string own_path() {
-    char path[4096];
-    const ssize_t length = ::readlink(this_program, path, sizeof path);
-    if (length < 0) {
-        throw failure(std::string("cannot find the program itself: ") + std::strerror(errno));
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel passes addresses as numbers
+    const auto* path = reinterpret_cast<const char*>(::getauxval(AT_EXECFN));
+    std::error_code error;
+    const std::filesystem::path found = std::filesystem::canonical(path == nullptr ? own_words.front() : path, error);
+    if (error) {
+        throw failure("cannot find the program itself: " + error.message());
     }
-    return std::string(path, static_cast<std::size_t>(length));
+    return found;
 }
 
-// The script that makes the view: beside an installed program, or in the sources that this one was built from.
+// The file that holds the function at `address`.
+std::string file_of(const void* address) {
+    Dl_info info = {};
+    return ::dladdr(address, &info) != 0 && info.dli_fname != nullptr ? info.dli_fname : "";
+}
+
+// The script that makes the view stands where an installed program has it, and a build likewise.
 std::string sandbox_script(const std::string& program) {
-    const std::string installed = program.substr(0, program.rfind('/')) + "/../libexec/zebdb-cds/sandbox";
-    for (const std::string& script : {installed, std::string(ZEBDB_SOURCE_DIR "/scripts/sandbox")}) {
-        if (::access(script.c_str(), X_OK) == 0) {
-            return script;
-        }
+    std::string script = program.substr(0, program.rfind('/')) + "/../libexec/zebdb-cds/sandbox";
+    if (::access(script.c_str(), X_OK) != 0) {
+        throw failure("--root needs the script '" + script + "', which is not there; install the command again");
     }
-    throw failure("--root needs the script '" + installed + "', which is not there; install the command again");
+    return script;
 }
 
 }  // namespace
+
+void remember_command_line(int argc, char** argv) {
+    own_words.assign(argv, argv + argc);
+}
 
 void add_root_option(command_line& arguments, std::string& folder) {
     arguments.path_option("--root", "DIR", folder,
@@ -72,18 +82,26 @@ void add_root_option(command_line& arguments, std::string& folder) {
                           "using the machine's own");
 }
 
-void enter_private_view(const std::string& folder) {
+void enter_private_view(const std::string& folder, const std::vector<std::string>& kept) {
     if (folder.empty()) {
         return;
     }
-    std::vector<std::string> words = without_root_option(own_command_line());
-    words.front() = own_path();
-    if (is_in_private_place(words.front())) {
-        throw failure("with --root the program cannot be run from '" + words.front() +
-                      "', a folder that is replaced by one below DIR; install it elsewhere");
-    }
-    const std::string script = sandbox_script(words.front());
-    words.insert(words.begin(), {script, folder});
+    const std::string program = own_path();
+    const std::string script = sandbox_script(program);
+
+    std::vector<std::string> words = {script};
+    const auto keep = [&words](const std::string& path) {
+        if (!path.empty()) {
+            words.insert(words.end(), {"--keep", path});
+        }
+    };
+    std::for_each(kept.begin(), kept.end(), keep);
+    keep(program);
+    keep(file_of(reinterpret_cast<const void*>(&parse_cds)));
+    keep(file_of(reinterpret_cast<const void*>(&zeb_db_open)));
+    words.insert(words.end(), {folder, program});
+    const std::vector<std::string> options = without_root_option(own_words);
+    words.insert(words.end(), options.begin() + 1, options.end());
 
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
@@ -100,5 +118,5 @@ std::string private_view_hint(const std::string& path) {
     if (folder == nullptr || !is_in_private_place(path)) {
         return "";
     }
-    return std::string(" (below '") + folder + "', as --root has it)";
+    return std::string(" (with --root that is '") + folder + path + "')";
 }

@@ -3,17 +3,22 @@
 #define TOOLS_CHANGE_DETECTION_PRIVATE_VIEW_H
 
 #include <string>
+#include <vector>
 
 #include "subcommands/command_line.h"
+
+/// Notes the words of this process's command line, which enter_private_view() repeats. To be called once, at the start.
+void remember_command_line(int argc, char** argv);
 
 /// Adds --root; `folder` stays empty when it is not given.
 void add_root_option(command_line& arguments, std::string& folder);
 
 /// With a folder, runs this very command line, without its --root, in a private view of the file system that is kept
-/// there, and does not come back. Throws failure when that cannot be done. Without one, does nothing.
-void enter_private_view(const std::string& folder);
+/// there, and does not come back. What stands at `kept`, the program's files and the working directory stay visible,
+/// also below /tmp. Throws failure when that cannot be done. Without a folder, does nothing.
+void enter_private_view(const std::string& folder, const std::vector<std::string>& kept);
 
-/// What to add to a message about a file that --root has moved; empty for any other.
+/// What to add to a message about a file that --root has moved: where it is; empty for any other.
 std::string private_view_hint(const std::string& path);
 
 #endif

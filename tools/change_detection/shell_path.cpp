@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <cstring>
 
-#include "change_detection/private_view.h"
 #include "console/failure.h"
 
 namespace {
@@ -45,6 +44,6 @@ void require_shell_path(const std::string& path, std::size_t longest) {
                       " the library cuts the command that it stands in; name the file by a shorter path");
     }
     if (::access(path.c_str(), R_OK) != 0) {
-        throw failure("cannot read '" + path + "': " + std::strerror(errno) + private_view_hint(path));
+        throw failure("cannot read '" + path + "': " + std::strerror(errno));
     }
 }

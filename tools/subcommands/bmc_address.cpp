@@ -65,7 +65,7 @@ std::string text_of(const bus_address& address) {
 }
 
 int bmc_address(const bmc_options& options) {
-    enter_private_view(options.root);
+    enter_private_view(options.root, {options.database});
     require_database_file(options.database);
     _zeb_db_handle_t* handle = open_service(options.database);
 

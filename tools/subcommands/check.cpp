@@ -32,9 +32,9 @@ std::string cause_of_failure(const log_tap& log) {
         return "a file has no saved digest; save it with 'zebdb-cds save-digest'";
     }
     const std::string cause = log.cause();
-    return cause.empty()
-               ? std::string(adapter_function_keys.file) + " cannot be read; write it with 'zebdb-cds refresh'"
-               : with_advice(cause);
+    return cause.empty() ? adapter_function_keys.file + private_view_hint(adapter_function_keys.file) +
+                               " cannot be read; write it with 'zebdb-cds refresh'"
+                         : with_advice(cause);
 }
 
 std::string changed_file(const check_options& options, const log_tap& log) {
@@ -84,7 +84,8 @@ std::string reasons(const check_options& options, const log_tap& log) {
 }
 
 int check(const check_options& options) {
-    enter_private_view(options.root);
+    enter_private_view(options.root, {options.first, options.first + ".digest", options.second,
+                                      options.second + ".digest", options.database});
     for (const std::string& path : {options.first, options.second}) {
         require_shell_path(path, longest_path_to_check);
     }

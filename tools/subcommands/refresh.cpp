@@ -58,12 +58,12 @@ std::string refresh_database(const refresh_options& options) {
 }
 
 int refresh(const refresh_options& options) {
-    enter_private_view(options.root);
+    enter_private_view(options.root, {options.file, options.database});
     try {
         print(refresh_database(options));
     } catch (const failure& problem) {
         throw failure("cannot refresh '" + options.database + "' from " + input_title(options.file) + ": " +
-                      problem.what() + private_view_hint(options.file));
+                      problem.what());
     }
     return status_done;
 }

@@ -23,7 +23,8 @@ struct save_options {
 };
 
 int save_digest(const save_options& options) {
-    enter_private_view(options.root);
+    enter_private_view(options.root,
+                       {options.first, options.first + ".digest", options.second, options.second + ".digest"});
     for (const std::string& path : {options.first, options.second}) {
         require_shell_path(path, longest_path_to_save);
     }

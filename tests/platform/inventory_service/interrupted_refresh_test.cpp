@@ -254,13 +254,18 @@ TEST_F(Refresh, ThatCannotCommitBesideAReaderChangesNothing) {
 }
 
 TEST_F(Refresh, OnAFullDiskChangesNothing) {
-    write_file("/tmp/on_a_full_disk", std::string("export ZEBDB_DATABASE=/tiny-disk/inventory.db\n") +
+    write_file("/tmp/on_a_full_disk", std::string("export ZEBDB_DATABASE=/tmp/disk/inventory.db\n") +
                                           "cp /tmp/inventory.db $ZEBDB_DATABASE || exit 2\n" +
                                           "sqlite3 $ZEBDB_DATABASE .dump >/tmp/before || exit 3\n" + REFRESH_PROGRAM +
                                           " /tmp/second.xml 2>/tmp/log && exit 4\n" +
                                           "sqlite3 $ZEBDB_DATABASE .dump | cmp - /tmp/before || exit 5\n");
     const std::string size = std::to_string(std::filesystem::file_size(database) + 65536);
-    const std::string sandbox = "bwrap --dev-bind / / --size " + size + " --tmpfs /tiny-disk ";
-    EXPECT_EQ(std::system((sandbox + "sh /tmp/on_a_full_disk").c_str()), 0);
+    std::filesystem::create_directory("/tmp/disk");
+    const std::string on_disk = "'" SOURCE_DIR "/tests/support/on-small-disk' " + size + " /tmp/disk ";
+    const int status = std::system((on_disk + "sh /tmp/on_a_full_disk").c_str());
+    if (WEXITSTATUS(status) == 77) {
+        GTEST_SKIP() << "no file system can be mounted here";
+    }
+    EXPECT_EQ(status, 0);
     EXPECT_THAT(content_of("/tmp/log"), HasSubstr("database or disk is full"));
 }
