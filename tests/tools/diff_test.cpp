@@ -2,6 +2,7 @@
 
 #include "support/cds_text.h"
 #include "support/diff_test.h"
+#include "support/quoted.h"
 
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -16,7 +17,7 @@ TEST_F(Diff, OfEqualInventoriesSaysSo) {
 }
 
 TEST_F(Diff, OfAServerWithItsDatabaseSaysSo) {
-    ASSERT_EQ(run("cp " SAMPLES_DIR "/two-socket-server.xml old.xml").status, 0);
+    ASSERT_EQ(run("cp " + quoted(SAMPLES_DIR "/two-socket-server.xml") + " old.xml").status, 0);
     load("old.xml", "old.db");
     const command_result result = diff("old.xml old.db");
     EXPECT_EQ(result.status, 0);
@@ -25,7 +26,8 @@ TEST_F(Diff, OfAServerWithItsDatabaseSaysSo) {
 }
 
 TEST_F(Diff, OfAServerWithSwappedModulesFindsThem) {
-    ASSERT_EQ(run("cp " SAMPLES_DIR "/two-socket-server.xml old.xml && "
+    ASSERT_EQ(run("cp " + quoted(SAMPLES_DIR "/two-socket-server.xml") +
+                  " old.xml && "
                   "sed 's/>03A00000</>x</; s/>03A00002</>03A00000</; s/>x</>03A00002</' old.xml >new.xml")
                   .status,
               0);

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "support/command_test.h"
+#include "support/quoted.h"
 
 using testing::Contains;
 using testing::HasSubstr;
@@ -134,7 +135,7 @@ protected:
 
 class ManPage : public documentation_test {
 protected:
-    ManPage() : page_(output(std::string("cat ") + man_page)) {}
+    ManPage() : page_(output("cat " + quoted(man_page))) {}
 
     std::string section_of(const std::string& subcommand) const { return man_section(page_, ".Ss " + subcommand); }
 
@@ -189,7 +190,7 @@ TEST_F(ManPage, IsWellFormed) {
     if (run("command -v mandoc").status != 0) {
         GTEST_SKIP() << "install mandoc";
     }
-    EXPECT_EQ(output(std::string("mandoc -T lint -W warning ") + man_page), "");
+    EXPECT_EQ(output("mandoc -T lint -W warning " + quoted(man_page)), "");
 }
 
 class Completion : public documentation_test {
@@ -200,7 +201,7 @@ protected:
         for (const std::string& word : words) {
             list += " '" + word + "'";
         }
-        write("complete.bash", "source " + std::string(completion_script) + "\nCOMP_WORDS=(zebdb-cds" + list +
+        write("complete.bash", "source " + quoted(completion_script) + "\nCOMP_WORDS=(zebdb-cds" + list +
                                    ")\nCOMP_CWORD=" + std::to_string(words.size()) +
                                    "\n_zebdb_cds\nprintf '%s\\n' \"${COMPREPLY[@]}\"\n");
         return output("bash complete.bash");
@@ -226,7 +227,7 @@ protected:
 
     // What a shell makes of the keys typed at its terminal. Tabs complete.
     std::string typed(const std::string& keys) const {
-        write("keys", "source " + std::string(completion_script) + "\n" + keys + "\nexit\n");
+        write("keys", "source " + quoted(completion_script) + "\n" + keys + "\nexit\n");
         return run("TERM=dumb script --quiet --return --command 'bash --norc --noprofile -i' /dev/null <keys").out;
     }
 };

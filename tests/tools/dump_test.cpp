@@ -2,6 +2,7 @@
 
 #include "support/cds_text.h"
 #include "support/command_test.h"
+#include "support/quoted.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -89,8 +90,9 @@ TEST_F(Dump, OfADumpIsTheSame) {
 }
 
 TEST_F(Dump, OfASampleIsTheSampleToTheLoader) {
-    ASSERT_EQ(run("zebdb-cds dump " SAMPLES_DIR "/minimal.xml >minimal.xml").status, 0);
-    EXPECT_EQ(run("zebdb-cds diff " SAMPLES_DIR "/minimal.xml minimal.xml").out, "No difference.\n");
+    const std::string sample = quoted(SAMPLES_DIR "/minimal.xml");
+    ASSERT_EQ(run("zebdb-cds dump " + sample + " >minimal.xml").status, 0);
+    EXPECT_EQ(run("zebdb-cds diff " + sample + " minimal.xml").out, "No difference.\n");
 }
 
 TEST_F(Dump, EscapesNothing) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "support/explain_test.h"
+#include "support/quoted.h"
 
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -66,7 +67,7 @@ TEST_F(ExplainFailure, OfContentOutOfPlaceTellsWhere) {
 TEST_F(ExplainFailure, ComesWithOneLineForEveryRefusedSample) {
     std::size_t count = 0;
     for (const fs::directory_entry& sample : fs::directory_iterator(SAMPLES_DIR "/errors")) {
-        const command_result result = run("zebdb-cds explain '" + sample.path().string() + "'");
+        const command_result result = run("zebdb-cds explain " + quoted(sample.path()));
         EXPECT_EQ(result.status, 2) << sample;
         EXPECT_THAT(result.out, IsEmpty()) << sample;
         EXPECT_THAT(result.err, StartsWith("zebdb-cds: cannot read '" + sample.path().string() + "': "));
@@ -114,11 +115,14 @@ TEST_F(ExplainFailure, IsAUsageErrorWithAnotherFormatOrOption) {
 // Inserts that the database of the process refuses.
 class ExplainFailedInsert : public explain_test {
 protected:
+    // A blank ends the name of what is preloaded, and may stand in the name of the project's folder.
+    ExplainFailedInsert() { fs::create_symlink(FAILING_INSERT, folder() / "failing_insert.so"); }
+
     command_result explain_failing(const std::string& table, const std::string& components,
                                    const std::string& arguments = "") const {
         write("server.xml", cds_file(components));
         return run("export ASAN_OPTIONS=\"${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0\"; FAILING_TABLE=" +
-                   table + " LD_PRELOAD=" FAILING_INSERT " zebdb-cds explain server.xml " + arguments);
+                   table + " LD_PRELOAD=./failing_insert.so zebdb-cds explain server.xml " + arguments);
     }
 
     json told_failing(const std::string& table, const std::string& components) const {

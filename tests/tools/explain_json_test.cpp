@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "support/explain_test.h"
+#include "support/quoted.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -118,7 +119,7 @@ TEST_F(ExplainJson, OfAnEmptyFileHoldsAnEmptyList) {
 }
 
 TEST_F(ExplainJson, IsTheSameEveryTime) {
-    const std::string sample = "zebdb-cds explain --format json " SAMPLES_DIR "/two-socket-server.xml";
+    const std::string sample = "zebdb-cds explain --format json " + quoted(SAMPLES_DIR "/two-socket-server.xml");
     EXPECT_EQ(output(sample), output(sample));
 }
 
@@ -179,7 +180,7 @@ TEST_F(ExplainedRows, AreThoseOfALoadWhateverLiesBetweenThem) {
 class ExplainedSample : public ExplainedRows, public testing::WithParamInterface<const char*> {};
 
 TEST_P(ExplainedSample, HasTheRowsOfALoad) {
-    const std::string file = SAMPLES_DIR + std::string("/") + GetParam() + ".xml";
+    const std::string file = quoted(SAMPLES_DIR + std::string("/") + GetParam() + ".xml");
     EXPECT_EQ(explained_rows(file), loaded_rows(file));
 }
 

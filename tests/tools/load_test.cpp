@@ -4,6 +4,7 @@
 
 #include "support/cds_text.h"
 #include "support/command_test.h"
+#include "support/quoted.h"
 
 using testing::ElementsAre;
 using testing::EndsWith;
@@ -53,7 +54,7 @@ TEST_F(Load, FillsTheTablesAndPrintsHowManyRowsEachHas) {
 }
 
 TEST_F(Load, LoadsTheSampleServer) {
-    const command_result result = run("zebdb-cds load " SAMPLES_DIR "/two-socket-server.xml");
+    const command_result result = run("zebdb-cds load " + quoted(SAMPLES_DIR "/two-socket-server.xml"));
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, EndsWith("  processors       2\n"
                                      "  memory          24\n"

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "support/diff_test.h"
+#include "support/quoted.h"
 #include "support/topology_test.h"
 
 using testing::ElementsAre;
@@ -137,7 +138,7 @@ TEST_F(TreeSources, AreReadQuietlyWhenNobodyReadsTheTree) {
 
 // All that a real server's file describes, each row once, and its whole tree as the sample's documentation tells it.
 TEST_F(TreeSources, MayBeTheSampleOfATwoSocketServer) {
-    const std::string shown = tree(SAMPLES_DIR "/two-socket-server.xml");
+    const std::string shown = tree(quoted(SAMPLES_DIR "/two-socket-server.xml"));
     EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 1 + 2 + 18 + 20);
     EXPECT_THAT(shown, StartsWith("Node 1\n+- Segment 0000\n"));
     EXPECT_THAT(shown, testing::HasSubstr("|  +- 0000:00:1c.0 bridge [01-02]: [8086:a190]\n"

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "support/cds_text.h"
+#include "support/quoted.h"
 #include "support/sandboxed_test.h"
 #include "support/sqlite_database.h"
 
@@ -256,8 +257,8 @@ TEST_F(Refresh, ThatCannotCommitBesideAReaderChangesNothing) {
 TEST_F(Refresh, OnAFullDiskChangesNothing) {
     write_file("/tmp/on_a_full_disk", std::string("export ZEBDB_DATABASE=/tmp/disk/inventory.db\n") +
                                           "cp /tmp/inventory.db $ZEBDB_DATABASE || exit 2\n" +
-                                          "sqlite3 $ZEBDB_DATABASE .dump >/tmp/before || exit 3\n" + REFRESH_PROGRAM +
-                                          " /tmp/second.xml 2>/tmp/log && exit 4\n" +
+                                          "sqlite3 $ZEBDB_DATABASE .dump >/tmp/before || exit 3\n" +
+                                          quoted(REFRESH_PROGRAM) + " /tmp/second.xml 2>/tmp/log && exit 4\n" +
                                           "sqlite3 $ZEBDB_DATABASE .dump | cmp - /tmp/before || exit 5\n");
     const std::string size = std::to_string(std::filesystem::file_size(database) + 65536);
     std::filesystem::create_directory("/tmp/disk");
