@@ -66,12 +66,6 @@ std::string sandbox_script(const std::string& program) {
 
 }  // namespace
 
-void add_root_option(command_line& arguments, std::string& folder) {
-    arguments.path_option("--root", "DIR", folder,
-                          "Keep /var/DS, /var/vonk, /var/log, /tmp and /bin/pci_digest.sh below this folder instead of "
-                          "using the machine's own");
-}
-
 void enter_private_view(const std::string& folder) {
     if (folder.empty()) {
         return;

@@ -4,11 +4,6 @@
 
 #include <string>
 
-#include "subcommands/command_line.h"
-
-/// Adds --root; `folder` stays empty when it is not given.
-void add_root_option(command_line& arguments, std::string& folder);
-
 /// With a folder, runs this very command line, without its --root, in a private view of the file system that is kept
 /// there, and does not come back. Throws failure when that cannot be done. Without one, does nothing.
 void enter_private_view(const std::string& folder);

@@ -20,7 +20,7 @@ using result_ptr = std::unique_ptr<zeb_db_result_t, result_releaser>;
 
 _zeb_db_handle_t* open_service(const std::string& path) {
     ::setenv("ZEBDB_DATABASE", sqlite_name(path).c_str(), 1);
-    const log_tap log;
+    const library_log log;
     _zeb_db_handle_t* handle = get_dmdb_handle();
     if (handle == nullptr) {
         throw failure(with_advice(log.cause()));
@@ -31,7 +31,7 @@ _zeb_db_handle_t* open_service(const std::string& path) {
 inventory_sequences read_sequences(_zeb_db_handle_t* handle) {
     constexpr const char* columns[] = {"Kind", "Sequence"};
     zeb_db_result_t* result = nullptr;
-    const log_tap log;
+    const library_log log;
     const int rc = zeb_db_query(handle, "InventorySequence", columns, 2, nullptr, nullptr, 0, nullptr, &result);
     const result_ptr rows(result);
     if (rc != 0) {

@@ -7,7 +7,6 @@
 #include "explanation/component_title.h"
 #include "explanation/counterfactual.h"
 #include "explanation/known_settings.h"
-#include "rows/row_identity.h"
 
 namespace {
 
@@ -29,8 +28,7 @@ std::vector<std::string> recorded_groups(const Element& element) {
 }
 
 bool takes(const inventory_table& row, const known_setting& setting) {
-    const auto column = find_column(row, setting.column);
-    return column && !std::holds_alternative<std::monostate>(row.rows.front()[*column]);
+    return is_put(inventory_row(row, 0)[setting.column]);
 }
 
 // Whether a setting of `group` gets into the row, or would get into one.

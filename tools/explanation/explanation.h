@@ -11,7 +11,8 @@
 
 #include "explanation/component_loader.h"
 #include "explanation/known_settings.h"
-#include "sources/inventory.h"
+#include "rows/table.h"
+#include "sources/library_log.h"
 
 /// What became of a component.
 enum class fate {

@@ -5,7 +5,7 @@
 #include "sources/database_file.h"
 #include "sources/grammar_error.h"
 
-std::string cause_of_failure(const input_file& input, const log_tap& log) {
+std::string cause_of_refusal(const input_file& input, const library_log& log) {
     if (input.read_error() != 0) {
         return std::strerror(input.read_error());
     }

@@ -15,6 +15,7 @@
 #include "console/output.h"
 #include "sources/database_file.h"
 #include "sources/library_log.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
@@ -69,7 +70,7 @@ int bmc_address(const bmc_options& options) {
     require_database_file(options.database);
     _zeb_db_handle_t* handle = open_service(options.database);
 
-    const log_tap log;
+    const library_log log;
     const int result = update_bmc_addr();
     if (!log.cause().empty()) {
         throw failure(with_advice(log.cause()));

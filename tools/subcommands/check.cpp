@@ -16,6 +16,7 @@
 #include "inventory/function_keys.h"
 #include "sources/database_file.h"
 #include "sources/library_log.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
@@ -27,7 +28,7 @@ struct check_options {
     std::string root;
 };
 
-std::string cause_of_failure(const log_tap& log) {
+std::string cause_of_failure(const library_log& log) {
     if (log.has_line("check_file_digest: open ")) {
         return "a file has no saved digest; save it with 'zebdb-cds save-digest'";
     }
@@ -37,7 +38,7 @@ std::string cause_of_failure(const log_tap& log) {
                : with_advice(cause);
 }
 
-std::string changed_file(const check_options& options, const log_tap& log) {
+std::string changed_file(const check_options& options, const library_log& log) {
     for (const std::string& path : {options.first, options.second}) {
         if (log.has_line("check_file_digest: " + path + " digest [")) {
             return "  '" + path + "' differs from its saved digest\n";
@@ -74,7 +75,7 @@ std::string vanished_key(_zeb_db_handle_t* handle, const function_key_set& set) 
     return key ? "  function key " + key_text(*key) + " of " + set.file + " has vanished from " + set.table + "\n" : "";
 }
 
-std::string reasons(const check_options& options, const log_tap& log) {
+std::string reasons(const check_options& options, const library_log& log) {
     std::string file = changed_file(options, log);
     if (!file.empty()) {
         return file;
@@ -91,7 +92,7 @@ int check(const check_options& options) {
     require_database_file(options.database);
     open_service(options.database);
 
-    const log_tap log;
+    const library_log log;
     int changed = 0;
     if (check_pci(options.first.c_str(), options.second.c_str(), &changed) != 0) {
         throw failure("cannot tell whether the inventory changed: " + cause_of_failure(log));

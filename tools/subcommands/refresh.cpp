@@ -15,6 +15,7 @@
 #include "sources/input_file.h"
 #include "sources/library_log.h"
 #include "sources/refusal.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
@@ -34,7 +35,7 @@ std::string row(const char* inventory, std::uint32_t before, std::uint32_t now) 
 }
 
 std::string report(const refresh_options& options, const inventory_sequences& before, const inventory_sequences& now,
-                   const log_tap& log) {
+                   const library_log& log) {
     std::string text = "Refreshed '" + options.database + "' from " + input_title(options.file) + ":\n" +
                        row("system inventory", before.system, now.system) + row("PCI inventory", before.pci, now.pci);
     if (log.has_line("failed to generate digest")) {
@@ -49,9 +50,9 @@ std::string refresh_database(const refresh_options& options) {
     _zeb_db_handle_t* handle = open_service(options.database);
     const inventory_sequences before = read_sequences(handle);
     progress line(input.status());
-    const log_tap log(&line);
+    const library_log log(line);
     if (parse_pci(input.path().c_str(), options.aim_argument) != 0) {
-        throw failure(cause_of_failure(input, log));
+        throw failure(cause_of_refusal(input, log));
     }
     file.keep();
     return report(options, before, read_sequences(handle), log);

@@ -11,6 +11,7 @@
 #include "console/output.h"
 #include "sources/database_file.h"
 #include "sources/library_log.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
@@ -27,7 +28,7 @@ int save_digest(const save_options& options) {
     for (const std::string& path : {options.first, options.second}) {
         require_shell_path(path, longest_path_to_save);
     }
-    const log_tap log;
+    const library_log log;
     if (save_pci_digest(options.first.c_str(), options.second.c_str()) != 0) {
         throw failure("cannot save the digests: " + log.cause() + "; make their folders writable");
     }
