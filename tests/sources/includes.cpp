@@ -31,7 +31,10 @@ const std::vector<std::string> open_to_the_command = {
     "platform/include/*",
     "platform/workstation/*_workstation.h",
     "cds_parser/record_columns.h",
+    "inventory/digest_file.h",
     "inventory/function_keys.h",
+    "inventory/own_bridge.h",
+    "inventory/query_result.h",
 };
 
 // Some of the sources and what they may include, as patterns of paths below the root.
