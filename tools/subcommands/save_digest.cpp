@@ -9,7 +9,6 @@
 #include "change_detection/shell_path.h"
 #include "console/failure.h"
 #include "console/output.h"
-#include "sources/database_file.h"
 #include "sources/library_log.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
@@ -19,7 +18,6 @@ namespace {
 struct save_options {
     std::string first;
     std::string second;
-    std::string database;
     std::string root;
 };
 
@@ -42,7 +40,6 @@ action define_save_digest(command_line& arguments) {
     const auto options = std::make_shared<save_options>();
     arguments.argument("FIRST", options->first, "The first file, the CDS file as a rule");
     arguments.argument("SECOND", options->second, "The second file");
-    add_database_option(arguments, options->database);
     add_root_option(arguments, options->root);
     return [options] { return save_digest(*options); };
 }
