@@ -9,8 +9,6 @@ namespace {
 constexpr const char* database_prefix = "inventory database: ";
 constexpr const char* file_prefix = "CDS XML ERROR: ";
 constexpr const char* loader_prefix = "CDS PARSER: ";
-constexpr const char* no_component = "failed to parse the CDS XML file";
-constexpr const char* nameless_node = "CDS XML ERROR: Unexpected node '";
 
 // What a refresh logs on top of the cause.
 constexpr const char* refresh_failed = "parse_aim return error";
@@ -63,26 +61,13 @@ library_log::~library_log() {
 }
 
 std::string library_log::cause() const {
-    const std::string last = last_error(lines_);
-    if (last == no_component) {
-        return "its root element is not 'component', so it is no CDS file";
-    }
-    if (last == nameless_node) {
-        return "Unexpected node without a name, as a CDATA section is";
-    }
     std::string text = without_prefix(deciding_error(lines_));
     std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
 }
 
-bool library_log::is_grammar_error() const {
-    const std::string text = without_prefix(last_error(lines_));
-    return begins_with(text, "Unexpected node") || begins_with(text, "empty setting");
-}
-
-bool library_log::has_line(const std::string& beginning) const {
-    return std::any_of(lines_.begin(), lines_.end(),
-                       [&beginning](const log_line& line) { return begins_with(line.text, beginning); });
+bool library_log::has_database_error() const {
+    return std::any_of(lines_.begin(), lines_.end(), is_about_database);
 }
 
 void library_log::take(void* log, vonk_log::level at, const char* text) {

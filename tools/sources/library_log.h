@@ -35,11 +35,8 @@ public:
     /// Why the library failed, in one line; empty when it logged no error.
     std::string cause() const;
 
-    /// Whether the cause is content that breaks the grammar; the log does not say where it stands.
-    bool is_grammar_error() const;
-
-    /// Whether a line that begins like this was logged.
-    bool has_line(const std::string& beginning) const;
+    /// Whether the cause is the database.
+    bool has_database_error() const;
 
 private:
     static void take(void* log, vonk_log::level at, const char* text);
