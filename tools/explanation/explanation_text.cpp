@@ -40,7 +40,7 @@ std::string component_text(const explanation& told, const text_style& style) {
         text += line("row     ", row_summary(*told.row));
     }
     const char* label = "no row  ";
-    for (const std::string& reason : told.reasons) {
+    for (const std::string& reason : told.judged.reasons) {
         text += line(label, reason);
         label = "        ";
     }

@@ -5,13 +5,12 @@
 
 namespace {
 
-constexpr const char* identifying_columns[] = {"SerialNo", "AssetTag"};
+constexpr const char* redacted_columns[] = {"SerialNo", "AssetTag"};
 
-constexpr const char* redacted = "[redacted]";
+constexpr const char* placeholder = "[redacted]";
 
-bool is_identifying(const std::string& column) {
-    return std::find(std::begin(identifying_columns), std::end(identifying_columns), column) !=
-           std::end(identifying_columns);
+bool is_redacted(const std::string& column) {
+    return std::find(std::begin(redacted_columns), std::end(redacted_columns), column) != std::end(redacted_columns);
 }
 
 }  // namespace
@@ -57,12 +56,12 @@ std::vector<inventory_value> inventory_row::values(const std::vector<std::string
 
 void redact(inventory_table& table) {
     for (std::size_t column = 0; column < table.columns.size(); ++column) {
-        if (!is_identifying(table.columns[column])) {
+        if (!is_redacted(table.columns[column])) {
             continue;
         }
         for (std::vector<inventory_value>& row : table.rows) {
             if (is_put(row[column])) {
-                row[column] = redacted;
+                row[column] = placeholder;
             }
         }
     }

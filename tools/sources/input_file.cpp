@@ -22,17 +22,6 @@ constexpr const char* standard_input_path = "/dev/stdin";
     throw failure(std::strerror(error));
 }
 
-bool write_all(int sink, const char* bytes, std::size_t count) {
-    for (std::size_t written = 0; written < count;) {
-        const ssize_t part = ::write(sink, bytes + written, count - written);
-        if (part < 0) {
-            return false;
-        }
-        written += static_cast<std::size_t>(part);
-    }
-    return true;
-}
-
 int open_for_reading(const std::string& path) {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file == -1) {
@@ -107,12 +96,14 @@ void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>&
     char block[1 << 16];
     for (bool wanted = true; wanted;) {
         const ssize_t count = ::read(source, block, sizeof block);
+        const int error = count < 0 ? errno : 0;
+        const std::string bytes(block, count < 0 ? 0 : static_cast<std::size_t>(count));
         {
             const std::lock_guard<std::mutex> lock(passed->mutex);
-            passed->read_error = count < 0 ? errno : 0;
-            passed->content.append(block, count < 0 ? 0 : static_cast<std::size_t>(count));
+            passed->read_error = error;
+            passed->content += bytes;
         }
-        wanted = count > 0 && write_all(sink, block, static_cast<std::size_t>(count));
+        wanted = !bytes.empty() && write_all(sink, bytes) == 0;
     }
     ::close(sink);
 }
