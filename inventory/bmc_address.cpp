@@ -3,95 +3,43 @@
 #include <inventory_service.h>
 #include <vonk_log.h>
 
-#include <array>
-#include <cstdint>
 #include <cstdio>
 #include <memory>
 
+#include "own_bridge.h"
+#include "query_result.h"
 #include "zebdb_cds_parser/entry_points.h"
 
 namespace {
 
 constexpr int no_handle = 6;
-constexpr int row_available = 9;
-constexpr const char* address_file = "/var/log/bmc_bdf.bin";
-
-constexpr int bmc_vendor = 0x1A03;
-constexpr int bmc_bridge_device = 0x1150;
-constexpr const char* address_columns[] = {"BusNo", "DevNo", "FunNo"};
-constexpr unsigned address_size = 3;
-
-using bus_address = std::array<std::uint8_t, address_size>;
 
 struct file_closer {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 using file_ptr = std::unique_ptr<std::FILE, file_closer>;
 
-struct result_releaser {
-    void operator()(zeb_db_result_t* result) const { zeb_db_free_result(result); }
-};
-using result_ptr = std::unique_ptr<zeb_db_result_t, result_releaser>;
-
-int query_bridge(_zeb_db_handle_t* handle, result_ptr& bridge) {
-    char condition[64];
-    std::snprintf(condition, sizeof condition, "%s=%d AND %s=%d", "VendorId", bmc_vendor, "DevId", bmc_bridge_device);
-    zeb_db_result_t* result = nullptr;
-    const int rc =
-        zeb_db_query(handle, "PCIBridge", address_columns, address_size, condition, nullptr, 0, nullptr, &result);
-    bridge.reset(result);
-    return rc;
-}
-
-bus_address address_of(zeb_db_result_t* bridge) {
-    bus_address address = {};
-    for (unsigned column = 0; column < address_size; ++column) {
-        std::uint32_t value = 0;
-        if (zeb_db_result_column_uint(bridge, column, &value) == 0) {
-            address[column] = static_cast<std::uint8_t>(value & 0xFF);
-        }
-    }
-    return address;
-}
-
-// What the file held before; a short file counts as filled up with zeros.
-struct recorded_address {
-    bool present = false;
-    int bytes = 0;
-    bus_address address = {};
-};
-
-recorded_address read_recorded() {
-    recorded_address recorded;
-    const file_ptr file(std::fopen(address_file, "rb"));
-    if (file != nullptr) {
-        recorded.present = true;
-        std::rewind(file.get());
-        recorded.bytes = static_cast<int>(std::fread(recorded.address.data(), 1, address_size, file.get()));
-    }
-    return recorded;
-}
-
 int write_address(std::FILE* file, const bus_address& address) {
     std::setvbuf(file, nullptr, _IONBF, 0);  // a full disk shows in the write
-    return std::fwrite(address.data(), 1, address_size, file) == address_size ? 0 : -1;
+    return std::fwrite(address.data(), 1, address.size(), file) == address.size() ? 0 : -1;
 }
 
 int record(const bus_address& current) {
-    const recorded_address previous = read_recorded();
+    const recorded_address previous = read_recorded_address();
+    const auto previous_bytes = static_cast<int>(previous.bytes);
     if (previous.present && previous.address == current) {
-        return previous.bytes;
+        return previous_bytes;
     }
-    file_ptr file(std::fopen(address_file, "w+"));
+    file_ptr file(std::fopen(own_bridge_file, "w+"));
     if (file == nullptr) {
-        return previous.present ? previous.bytes : row_available;
+        return previous.present ? previous_bytes : row_available;
     }
     const int result = write_address(file.get(), current);
     file.reset();
     vonk_log::logInfo(
         "update BMC address, current BDF 0x%x 0x%x 0x%x from database, previous BDF 0x%x 0x%x 0x%x from file %s\n",
         current[0], current[1], current[2], previous.address[0], previous.address[1], previous.address[2],
-        address_file);
+        own_bridge_file);
     return result;
 }
 
@@ -103,7 +51,7 @@ int update_bmc_addr(void) {
         return no_handle;
     }
     result_ptr bridge;
-    const int rc = query_bridge(handle, bridge);
+    const int rc = query_own_bridge(handle, bridge);
     if (rc != 0 || bridge == nullptr) {
         return rc;
     }

@@ -10,8 +10,6 @@
 #include <memory>
 #include <string>
 
-#include "zebdb_cds_parser/entry_points.h"
-
 namespace {
 
 constexpr std::size_t buffer_size = 128;
@@ -55,19 +53,6 @@ bool read_saved_digest(const char* path, std::string& digest) {
     return true;
 }
 
-bool save_digest(const char* path) {
-    if (!exists(path)) {
-        return false;
-    }
-    char command[buffer_size];
-    std::snprintf(command, sizeof command, "sha384sum %s | awk '{ print $1 }' > %s.digest", path, path);
-    if (std::system(command) != 0) {
-        vonk_log::logErr("%s: generating %s.digest failed!", "save_pci_digest", path);
-        return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 int check_file_digest(const char* path, int* changed) {
@@ -88,6 +73,15 @@ int check_file_digest(const char* path, int* changed) {
     return 0;
 }
 
-int save_pci_digest(const char* first_file, const char* second_file) {
-    return save_digest(first_file) && save_digest(second_file) ? 0 : -1;
+int save_file_digest(const char* path) {
+    if (!exists(path)) {
+        return -1;
+    }
+    char command[buffer_size];
+    std::snprintf(command, sizeof command, "sha384sum %s | awk '{ print $1 }' > %s.digest", path, path);
+    if (std::system(command) != 0) {
+        vonk_log::logErr("%s: generating %s.digest failed!", "save_pci_digest", path);
+        return -1;
+    }
+    return 0;
 }

@@ -1,10 +1,14 @@
-/// The SHA-384 of an input file, kept beside it in "INPUT.digest" as save_pci_digest() left it.
+/// The SHA-384 of an input file, kept beside it in "INPUT.digest". The path goes to a shell unquoted and the command is
+/// cut at 127 characters.
 #ifndef INVENTORY_DIGEST_FILE_H
 #define INVENTORY_DIGEST_FILE_H
 
 /// Compares the file's digest with the saved one: stores 1 through `changed` when they differ and 0 when not.
-/// 0, or -1 with a logged error and `changed` untouched when they could not be compared. The path goes to a shell
-/// unquoted and the command is cut at 127 characters.
+/// 0, or -1 with a logged error and `changed` untouched when they could not be compared.
 int check_file_digest(const char* path, int* changed);
+
+/// Saves the file's digest. 0, or -1 when the path is null or names no file (silently) or the digest could not be
+/// written (with a logged error).
+int save_file_digest(const char* path);
 
 #endif

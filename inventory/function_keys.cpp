@@ -8,9 +8,10 @@
 #include <cstring>
 #include <memory>
 
+#include "query_result.h"
+
 namespace {
 
-constexpr int row_available = 9;
 constexpr std::size_t word_size = sizeof(std::uint32_t);
 
 struct file_closer {
@@ -53,14 +54,11 @@ void append_keys(const unsigned char* bytes, std::size_t size, function_key_list
 int read_fkeys_fromDb(_zeb_db_handle_t* handle, function_key_list& keys, const char* table, const char* column) {
     zeb_db_result_t* result = nullptr;
     const int rc = zeb_db_query(handle, table, &column, 1, nullptr, nullptr, 0, nullptr, &result);
-    if (result == nullptr) {
-        return rc;
-    }
-    while (rc == 0 && zeb_db_result_step(result) == row_available) {
+    const result_ptr rows(result);
+    while (rc == 0 && rows != nullptr && zeb_db_result_step(rows.get()) == row_available) {
         std::uint32_t key = 0;
-        keys.push_back(zeb_db_result_column_uint(result, 0, &key) == 0 ? key : 0);
+        keys.push_back(zeb_db_result_column_uint(rows.get(), 0, &key) == 0 ? key : 0);
     }
-    zeb_db_free_result(result);
     return rc;
 }
 

@@ -26,7 +26,8 @@ _zebdb_cds_candidates() {
         diff) echo --format --redact ;;
         tree) echo --format --database ;;
         refresh) echo --aim --database --root ;;
-        check | save-digest | bmc-address) echo --database --root ;;
+        check | bmc-address) echo --database --root ;;
+        save-digest) echo --root ;;
         '') echo --version ;;
         esac
         echo --help

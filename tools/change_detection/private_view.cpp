@@ -76,12 +76,6 @@ void remember_command_line(int argc, char** argv) {
     own_words.assign(argv, argv + argc);
 }
 
-void add_root_option(command_line& arguments, std::string& folder) {
-    arguments.path_option("--root", "DIR", folder,
-                          "Keep /var/DS, /var/vonk, /var/log, /tmp and /bin/pci_digest.sh below this folder instead of "
-                          "using the machine's own");
-}
-
 void enter_private_view(const std::string& folder, const std::vector<std::string>& kept) {
     if (folder.empty()) {
         return;

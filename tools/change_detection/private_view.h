@@ -5,13 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "subcommands/command_line.h"
-
 /// Notes the words of this process's command line, which enter_private_view() repeats. To be called once, at the start.
 void remember_command_line(int argc, char** argv);
-
-/// Adds --root; `folder` stays empty when it is not given.
-void add_root_option(command_line& arguments, std::string& folder);
 
 /// With a folder, runs this very command line, without its --root, in a private view of the file system that is kept
 /// there, and does not come back. What stands at `kept`, the program's files and the working directory stay visible,

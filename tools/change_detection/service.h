@@ -5,18 +5,26 @@
 #include <cstdint>
 #include <string>
 
-#include <inventory_service.h>
+#include <zeb_db.h>
 
 /// Sets the service to work on the database at `path` and opens it. The handle stays the service's. Throws failure.
 _zeb_db_handle_t* open_service(const std::string& path);
 
-/// How often each inventory was reported as changed.
-struct inventory_sequences {
-    std::uint32_t system = 0;
-    std::uint32_t pci = 0;
+/// What a refresh leaves of one inventory.
+struct inventory_mark {
+    std::uint32_t sequence = 0;  ///< how often it was reported as changed
+    std::string digest = {};     ///< of its rows; empty when there is none
+};
+
+struct inventory_marks {
+    inventory_mark system;
+    inventory_mark pci;
 };
 
 /// Throws failure when they cannot be read.
-inventory_sequences read_sequences(_zeb_db_handle_t* handle);
+inventory_marks read_marks(_zeb_db_handle_t* handle);
+
+/// Whether the refresh that lies between them had no digests to compare with.
+bool digests_failed(const inventory_marks& before, const inventory_marks& now);
 
 #endif

@@ -12,7 +12,13 @@
 
 namespace {
 
-// 0, or the system's error.
+std::string environment(const char* name) {
+    const char* value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+}  // namespace
+
 int write_all(int descriptor, const std::string& text) {
     for (std::size_t written = 0; written < text.size();) {
         const ssize_t count = ::write(descriptor, text.data() + written, text.size() - written);
@@ -23,13 +29,6 @@ int write_all(int descriptor, const std::string& text) {
     }
     return 0;
 }
-
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
-}  // namespace
 
 void print(const std::string& text) {
     const int error = write_all(STDOUT_FILENO, text);

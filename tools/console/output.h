@@ -12,6 +12,9 @@ void print(const std::string& text);
 /// Writes `text` to standard error as it is.
 void write_error(const std::string& text);
 
+/// Writes all of `text`. 0, or the system's error.
+int write_all(int descriptor, const std::string& text);
+
 /// How messages show a name: in quotes, on one line whatever is in it.
 std::string in_quotes(const std::string& name);
 

@@ -5,7 +5,6 @@
 #include <map>
 #include <string>
 
-#include "rows/row_identity.h"
 #include "rows/row_text.h"
 
 namespace {
@@ -28,22 +27,21 @@ constexpr std::int64_t no_bridge = -1;
 constexpr const char* missing_bridge = "missing";  // an id that no bridge has
 
 addresses bridge_addresses(const std::vector<inventory_table>& tables) {
-    const auto bridges = std::find_if(tables.begin(), tables.end(), [](const inventory_table& table) {
-        return std::string(table.kind->name) == "bridges";
-    });
+    const auto bridges = std::find_if(tables.begin(), tables.end(),
+                                      [](const inventory_table& table) { return table.kind == &kinds::bridges; });
     addresses found;
     if (bridges == tables.end()) {
         return found;
     }
-    for (std::size_t row = 0; row < bridges->rows.size(); ++row) {
-        found[values_of(*bridges, row, {id_column}).front()] =
-            row_texts::bridge_address(inventory_row(*bridges, bridges->rows[row]), nullptr);
+    for (std::size_t place = 0; place < bridges->rows.size(); ++place) {
+        const inventory_row row(*bridges, place);
+        found[row[id_column]] = row_texts::bridge_address(row);
     }
     return found;
 }
 
 inventory_value address_for(const inventory_value& id, const addresses& bridges) {
-    if (std::holds_alternative<std::monostate>(id) || id == inventory_value(no_bridge)) {
+    if (!is_put(id) || id == inventory_value(no_bridge)) {
         return {};
     }
     const auto bridge = bridges.find(id);
@@ -84,7 +82,7 @@ void add_missing_columns(inventory_table& table, const std::vector<std::string>&
 inventory_table reordered(const inventory_table& table, const std::vector<std::string>& columns) {
     inventory_table result{table.kind, columns, {}};
     for (std::size_t row = 0; row < table.rows.size(); ++row) {
-        result.rows.push_back(values_of(table, row, columns));
+        result.rows.push_back(inventory_row(table, row).values(columns));
     }
     return result;
 }

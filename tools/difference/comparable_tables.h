@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "sources/inventory.h"
+#include "rows/table.h"
 
 /// Takes the row ids out of the tables of one inventory: the column that holds a row's own, and those that hold a
 /// bridge's become the address of that bridge, as in "Parent" for "ParentId"; such a column is as if never put in a

@@ -36,23 +36,16 @@ row_change change_of_moved(const table_difference& tables, const row_pair& rows)
 
 table_difference compare_tables(inventory_table old_table, inventory_table new_table) {
     align_columns(old_table, new_table);
-    row_matching matching = match_rows(old_table, new_table);
-    table_difference difference{std::move(old_table),
-                                std::move(new_table),
-                                std::move(matching.removed),
-                                std::move(matching.added),
-                                {},
-                                {},
-                                std::move(matching.collisions),
-                                std::move(matching.ambiguous)};
-    for (const row_pair& rows : matching.kept) {
-        std::vector<std::size_t> columns = differing_columns(difference, rows);
+    row_matching rows = match_rows(old_table, new_table);
+    table_difference difference{std::move(old_table), std::move(new_table), std::move(rows), {}, {}};
+    for (const row_pair& kept : difference.rows.kept) {
+        std::vector<std::size_t> columns = differing_columns(difference, kept);
         if (!columns.empty()) {
-            difference.changed.push_back({rows, std::move(columns)});
+            difference.changed.push_back({kept, std::move(columns)});
         }
     }
-    for (const row_pair& rows : matching.moved) {
-        difference.moved.push_back(change_of_moved(difference, rows));
+    for (const row_pair& moved : difference.rows.moved) {
+        difference.moved.push_back(change_of_moved(difference, moved));
     }
     return difference;
 }
@@ -68,6 +61,10 @@ std::vector<table_difference> compare(std::vector<inventory_table> old_tables,
         differences.push_back(compare_tables(std::move(old_tables[kind]), std::move(new_tables[kind])));
     }
     return differences;
+}
+
+bool table_difference::is_same() const {
+    return rows.removed.empty() && rows.added.empty() && changed.empty() && moved.empty();
 }
 
 bool is_same(const std::vector<table_difference>& differences) {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "difference/row_matching.h"
-#include "sources/inventory.h"
+#include "rows/table.h"
 
 /// One part as it was and as it is, and the columns that differ.
 struct row_change {
@@ -18,14 +18,11 @@ struct row_change {
 struct table_difference {
     inventory_table old_table;
     inventory_table new_table;
-    std::vector<std::size_t> removed;   ///< old rows
-    std::vector<std::size_t> added;     ///< new rows
-    std::vector<row_change> changed;    ///< in at least one column
-    std::vector<row_change> moved;      ///< in what identifies them; the columns are those that changed besides
-    std::vector<row_group> collisions;  ///< see row_matching
-    std::vector<row_group> ambiguous;   ///< see row_matching
+    row_matching rows;
+    std::vector<row_change> changed;  ///< of the rows that were kept, those that differ in at least one column
+    std::vector<row_change> moved;    ///< the rows that moved; the columns are those that changed besides
 
-    bool is_same() const { return removed.empty() && added.empty() && changed.empty() && moved.empty(); }
+    bool is_same() const;
 };
 
 /// The tables are those of all kinds, in one order.

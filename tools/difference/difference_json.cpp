@@ -11,26 +11,18 @@ constexpr int schema = 1;
 
 json identity_json(const inventory_table& table, std::size_t row) {
     const std::vector<std::string>& columns = identity_of(*table.kind).columns;
-    const std::vector<inventory_value> values = values_of(table, row, columns);
+    const inventory_row values(table, row);
     json identity = json::object();
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        identity[columns[i]] = value_json(values[i]);
+    for (const std::string& column : columns) {
+        identity[column] = value_json(values[column]);
     }
     return identity;
-}
-
-json row_json(const inventory_table& table, std::size_t row) {
-    json columns = json::object();
-    for (std::size_t column = 0; column < table.columns.size(); ++column) {
-        columns[table.columns[column]] = value_json(table.rows[row][column]);
-    }
-    return {{"identity", identity_json(table, row)}, {"columns", std::move(columns)}};
 }
 
 json rows_json(const inventory_table& table, const std::vector<std::size_t>& rows) {
     json list = json::array();
     for (const std::size_t row : rows) {
-        list.push_back(row_json(table, row));
+        list.push_back({{"identity", identity_json(table, row)}, {"columns", row_json(table, row)}});
     }
     return list;
 }
@@ -67,7 +59,7 @@ json moved_json(const table_difference& difference) {
 
 json collisions_json(const table_difference& difference) {
     json list = json::array();
-    for (const row_group& group : difference.collisions) {
+    for (const row_group& group : difference.rows.collisions) {
         const json identity = group.old_rows.empty() ? identity_json(difference.new_table, group.new_rows.front())
                                                      : identity_json(difference.old_table, group.old_rows.front());
         list.push_back({{"identity", identity}, {"old", group.old_rows.size()}, {"new", group.new_rows.size()}});
@@ -85,7 +77,7 @@ json identities_json(const inventory_table& table, const std::vector<std::size_t
 
 json ambiguous_json(const table_difference& difference) {
     json list = json::array();
-    for (const row_group& group : difference.ambiguous) {
+    for (const row_group& group : difference.rows.ambiguous) {
         list.push_back({{"old", identities_json(difference.old_table, group.old_rows)},
                         {"new", identities_json(difference.new_table, group.new_rows)}});
     }
@@ -94,8 +86,8 @@ json ambiguous_json(const table_difference& difference) {
 
 json difference_of_kind_json(const table_difference& difference) {
     return {
-        {"added", rows_json(difference.new_table, difference.added)},
-        {"removed", rows_json(difference.old_table, difference.removed)},
+        {"added", rows_json(difference.new_table, difference.rows.added)},
+        {"removed", rows_json(difference.old_table, difference.rows.removed)},
         {"changed", changed_json(difference)},
         {"moved", moved_json(difference)},
         {"collisions", collisions_json(difference)},

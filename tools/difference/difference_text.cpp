@@ -8,6 +8,7 @@
 #include "console/output.h"
 #include "console/text_table.h"
 #include "console/utf8.h"
+#include "rows/column_units.h"
 #include "rows/part_text.h"
 
 namespace {
@@ -27,6 +28,11 @@ constexpr sign moved_sign = {">", "\033[36m"};
 constexpr sign note_sign = {"!", "\033[35m"};
 constexpr const char* end_of_color = "\033[0m";
 
+std::string value_text(const inventory_value& value, column_unit unit) {
+    const std::string* text = text_in(value);
+    return text != nullptr ? '"' + printable(*text) + '"' : unit(value);
+}
+
 // Writes the lines of one kind.
 class writer {
 public:
@@ -37,10 +43,10 @@ public:
           colored_(is_styled(STDOUT_FILENO)) {}
 
     std::string text() {
-        for (const std::size_t row : difference_.added) {
+        for (const std::size_t row : difference_.rows.added) {
             line(added_sign, named_part(new_, row));
         }
-        for (const std::size_t row : difference_.removed) {
+        for (const std::size_t row : difference_.rows.removed) {
             line(removed_sign, named_part(old_, row));
         }
         for (const row_change& change : difference_.changed) {
@@ -48,13 +54,13 @@ public:
             columns(change);
         }
         for (const row_change& change : difference_.moved) {
-            line(moved_sign, place_text(old_, change.rows.old_row) + " -> " + named_part(new_, change.rows.new_row));
+            line(moved_sign, place(old_, change.rows.old_row) + " -> " + named_part(new_, change.rows.new_row));
             columns(change);
         }
-        for (const row_group& group : difference_.collisions) {
+        for (const row_group& group : difference_.rows.collisions) {
             line(note_sign, collision(group));
         }
-        for (const row_group& group : difference_.ambiguous) {
+        for (const row_group& group : difference_.rows.ambiguous) {
             line(note_sign, "one serial number in several records, so what moved is not known: old " +
                                 places(old_, group.old_rows) + "; new " + places(new_, group.new_rows));
         }
@@ -67,9 +73,13 @@ private:
         text_ += (colored_ ? kind.color + plain + end_of_color : plain) + '\n';
     }
 
+    static std::string place(const inventory_table& table, std::size_t row) {
+        return place_text(inventory_row(table, row));
+    }
+
     static std::string named_part(const inventory_table& table, std::size_t row) {
-        const std::string part = part_text(table, row);
-        return place_text(table, row) + (part.empty() ? "" : ": " + part);
+        const std::string part = part_text(inventory_row(table, row));
+        return place(table, row) + (part.empty() ? "" : ": " + part);
     }
 
     void columns(const row_change& change) {
@@ -86,19 +96,21 @@ private:
 
     // In units as long as the difference shows in them.
     std::string values(const row_pair& rows, std::size_t column) const {
-        std::string old_text = column_text(old_, rows.old_row, column);
-        std::string new_text = column_text(new_, rows.new_row, column);
-        if (old_text == new_text) {
-            old_text = plain_column_text(old_, rows.old_row, column);
-            new_text = plain_column_text(new_, rows.new_row, column);
+        const inventory_value& old_value = old_.rows[rows.old_row][column];
+        const inventory_value& new_value = new_.rows[rows.new_row][column];
+        const column_unit unit = unit_of(*new_.kind, new_.columns[column]);
+        const std::string old_text = value_text(old_value, unit);
+        const std::string new_text = value_text(new_value, unit);
+        if (old_text != new_text) {
+            return old_text + " -> " + new_text;
         }
-        return old_text + " -> " + new_text;
+        return value_text(old_value, column_units::plain) + " -> " + value_text(new_value, column_units::plain);
     }
 
     std::string collision(const row_group& group) const {
-        const std::string place = group.old_rows.empty() ? place_text(new_, group.new_rows.front())
-                                                         : place_text(old_, group.old_rows.front());
-        return place + ": " + std::to_string(group.old_rows.size()) + " old and " +
+        const std::string where =
+            group.old_rows.empty() ? place(new_, group.new_rows.front()) : place(old_, group.old_rows.front());
+        return where + ": " + std::to_string(group.old_rows.size()) + " old and " +
                std::to_string(group.new_rows.size()) + " new records, matched in order";
     }
 
@@ -106,7 +118,7 @@ private:
         const std::size_t named = std::min(rows.size(), most_named);
         std::string text;
         for (std::size_t i = 0; i < named; ++i) {
-            text += (i == 0 ? "" : " and ") + place_text(table, rows[i]);
+            text += (i == 0 ? "" : " and ") + place(table, rows[i]);
         }
         return named == rows.size() ? text : text + " and " + std::to_string(rows.size() - named) + " more";
     }
@@ -119,8 +131,8 @@ private:
 };
 
 std::string counts(const table_difference& difference) {
-    const std::pair<std::size_t, const char*> all[] = {{difference.added.size(), " added"},
-                                                       {difference.removed.size(), " removed"},
+    const std::pair<std::size_t, const char*> all[] = {{difference.rows.added.size(), " added"},
+                                                       {difference.rows.removed.size(), " removed"},
                                                        {difference.changed.size(), " changed"},
                                                        {difference.moved.size(), " moved"}};
     std::string text;

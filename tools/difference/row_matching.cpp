@@ -21,9 +21,10 @@ public:
         : columns_(std::move(columns)), with_serial_(with_serial) {}
 
     std::optional<row_key> operator()(const inventory_table& table, std::size_t row) const {
-        row_key key = values_of(table, row, columns_);
+        const inventory_row values(table, row);
+        row_key key = values.values(columns_);
         if (with_serial_) {
-            const auto serial = serial_of(table, row);
+            const auto serial = serial_of(values);
             if (!serial) {
                 return std::nullopt;
             }
@@ -33,9 +34,8 @@ public:
     }
 
 private:
-    static std::optional<std::string> serial_of(const inventory_table& table, std::size_t row) {
-        const inventory_value value = values_of(table, row, {"SerialNo"}).front();
-        const auto* text = std::get_if<std::string>(&value);
+    static std::optional<std::string> serial_of(const inventory_row& row) {
+        const std::string* text = text_in(row["SerialNo"]);
         return text == nullptr ? std::nullopt : real_serial_number(*text);
     }
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "sources/inventory.h"
+#include "rows/table.h"
 
 /// Rows by their place in a table.
 struct row_pair {

@@ -7,13 +7,11 @@
 
 #include "console/failure.h"
 #include "console/utf8.h"
-#include "rows/row_identity.h"
 #include "sources/memory_inventory.h"
 
 namespace {
 
 constexpr const char* title = "the rows in memory";
-constexpr const inventory_kind& memory = inventory_kinds[1];
 
 // No locator of a file can hold these bytes.
 constexpr char probe_locator[] = "\x01probe";
@@ -56,26 +54,12 @@ private:
     std::list<cds_parser::child_slot_group*> aside_;
 };
 
-// Takes the log of the process as long as it lives.
-class captured_log {
-public:
-    explicit captured_log(std::vector<log_line>& lines) { vonk_log::set_sink(take, &lines); }
-    ~captured_log() { vonk_log::set_sink(nullptr, nullptr); }
-    captured_log(const captured_log&) = delete;
-    captured_log& operator=(const captured_log&) = delete;
-
-private:
-    static void take(void* lines, vonk_log::level at, const char* text) {
-        static_cast<std::vector<log_line>*>(lines)->push_back({at, repaired_utf8(text)});
-    }
-};
-
 bool is_about_probe(const log_line& line) {
     return line.text.find(probe_locator) != std::string::npos;
 }
 
-std::int64_t id_in(const inventory_table& table, std::size_t row, const char* column) {
-    return std::get<std::int64_t>(table.rows[row][*find_column(table, column)]);
+std::int64_t id_in(const inventory_row& row, const char* column) {
+    return std::get<std::int64_t>(row[column]);
 }
 
 }  // namespace
@@ -90,9 +74,10 @@ loaded_component component_loader::load(cds_parser::component& loaded, std::int6
     loaded_component result = {};
     parser_.parent_id = parent;
     {
-        const captured_log log(result.log);
+        const library_log log(log_display::hidden);
         const probe_below probe(loaded);
         result.succeeded = parser_.parse_component(database_.handle(), &loaded) != 0;
+        result.log = log.lines();
     }
     if (std::any_of(result.log.begin(), result.log.end(), is_about_probe)) {
         throw failure("cannot put a row into a database in memory");
@@ -103,26 +88,26 @@ loaded_component component_loader::load(cds_parser::component& loaded, std::int6
 }
 
 std::optional<std::int64_t> component_loader::take_probe() {
-    const inventory_table added = rows_.read_after(memory, last_ids_[1]);
-    const std::size_t locator = *find_column(added, "DevLocator");
-    for (std::size_t row = 0; row < added.rows.size(); ++row) {
-        if (added.rows[row][locator] == inventory_value(probe_locator)) {
-            const std::string id = std::to_string(id_in(added, row, "Id"));
+    const inventory_table added = rows_.read_after(kinds::memory, last_ids_[&kinds::memory]);
+    for (std::size_t place = 0; place < added.rows.size(); ++place) {
+        const inventory_row row(added, place);
+        if (row["DevLocator"] == inventory_value(probe_locator)) {
+            const std::string id = std::to_string(id_in(row, "Id"));
             const char* const arguments[] = {id.c_str()};
-            if (zeb_db_delete(database_.handle(), memory.table, "Id = ?", arguments, 1, 0) != 0) {
+            if (zeb_db_delete(database_.handle(), kinds::memory.table, "Id = ?", arguments, 1, 0) != 0) {
                 throw failure("cannot take a row out of a database in memory");
             }
-            return id_in(added, row, "ArrayId");
+            return id_in(row, "ArrayId");
         }
     }
     return std::nullopt;
 }
 
 std::optional<inventory_table> component_loader::take_new_row() {
-    for (std::size_t kind = 0; kind < last_ids_.size(); ++kind) {
-        inventory_table added = rows_.read_after(inventory_kinds[kind], last_ids_[kind]);
+    for (const inventory_kind* kind : kinds::all) {
+        inventory_table added = rows_.read_after(*kind, last_ids_[kind]);
         if (!added.rows.empty()) {
-            last_ids_[kind] = id_in(added, 0, "Id");
+            last_ids_[kind] = id_in(inventory_row(added, 0), "Id");
             return added;
         }
     }

@@ -2,23 +2,19 @@
 #ifndef TOOLS_EXPLANATION_COMPONENT_LOADER_H
 #define TOOLS_EXPLANATION_COMPONENT_LOADER_H
 
-#include <array>
 #include <cstdint>
-#include <iterator>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <vonk_log_workstation.h>
 #include <zebdb_cds_parser.h>
 
+#include "rows/kinds.h"
+#include "rows/table.h"
 #include "sources/inventory.h"
+#include "sources/library_log.h"
 #include "sources/memory_database.h"
-
-struct log_line {
-    vonk_log::level at;
-    std::string text;  ///< UTF-8
-};
 
 /// What the loader did with one component.
 struct loaded_component {
@@ -49,7 +45,7 @@ private:
     memory_database database_;
     inventory rows_;
     cds_parser::parser parser_;
-    std::array<std::int64_t, std::size(inventory_kinds)> last_ids_ = {};  // one for each kind
+    std::map<const inventory_kind*, std::int64_t> last_ids_;
 };
 
 #endif

@@ -1,7 +1,8 @@
 #include "explanation/component_title.h"
 
-#include <cstdint>
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "console/output.h"
 #include "console/utf8.h"
@@ -47,6 +48,20 @@ std::string at_address(const char* what, const cds_parser::component& titled, co
            number_text(settings, "Function Number", "%llx", -1);
 }
 
+// A component of a kind whose rows are about something with a name, or else with an address.
+struct kind_title {
+    const inventory_kind* kind;
+    const char* what;
+    const char* name_setting;
+};
+
+constexpr kind_title titles[] = {
+    {&kinds::processors, "processor", "Socket Designation"},
+    {&kinds::memory, "memory device", "Device Locator"},
+    {&kinds::bridges, "PCI bridge", nullptr},
+    {&kinds::devices, "PCI function", nullptr},
+};
+
 }  // namespace
 
 std::string component_title(const cds_parser::component& titled, const known_group* recorded) {
@@ -54,12 +69,8 @@ std::string component_title(const cds_parser::component& titled, const known_gro
         const std::string* type = find_text(titled, "component_struct_info", "comp_type");
         return type == nullptr ? "component" : "component " + in_quotes(shortened(*type));
     }
-    const std::string kind = recorded->kind->name;
-    if (kind == "processors") {
-        return named("processor", titled, *recorded, "Socket Designation");
-    }
-    if (kind == "memory") {
-        return named("memory device", titled, *recorded, "Device Locator");
-    }
-    return at_address(kind == "bridges" ? "PCI bridge" : "PCI function", titled, *recorded);
+    const auto title = std::find_if(std::begin(titles), std::end(titles),
+                                    [recorded](const kind_title& each) { return each.kind == recorded->kind; });
+    return title->name_setting == nullptr ? at_address(title->what, titled, *recorded)
+                                          : named(title->what, titled, *recorded, title->name_setting);
 }

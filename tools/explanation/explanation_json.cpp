@@ -44,14 +44,14 @@ const char* name_in(const Named (&names)[Count], Value value) {
 }
 
 // Only the columns that were put, and the row's id.
-json row_json(const std::optional<inventory_table>& row) {
+json put_columns_json(const std::optional<inventory_table>& row) {
     if (!row) {
         return nullptr;
     }
     json columns = json::object();
     for (std::size_t column = 0; column < row->columns.size(); ++column) {
         const inventory_value& value = row->rows.front()[column];
-        if (!std::holds_alternative<std::monostate>(value)) {
+        if (is_put(value)) {
             columns[row->columns[column]] = value_json(value);
         }
     }
@@ -82,11 +82,11 @@ json explanation_object(const explanation& told) {
         {"path", told.path},
         {"title", told.title},
         {"groups", told.groups},
-        {"result", name_in(fate_names, told.became)},
+        {"result", name_in(fate_names, told.judged.became)},
         {"table", told.row ? json(told.row->kind->table) : json()},
-        {"row", row_json(told.row)},
-        {"reasons", told.reasons},
-        {"missing_settings", told.missing},
+        {"row", put_columns_json(told.row)},
+        {"reasons", told.judged.reasons},
+        {"missing_settings", told.judged.missing},
         {"unused_settings", unused_json(told.unused)},
         {"log", log_json(told.log)},
     };

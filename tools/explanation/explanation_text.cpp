@@ -12,14 +12,14 @@ std::string line(const char* label, const std::string& text) {
     return std::string("  ") + label + printable(text) + '\n';
 }
 
-std::string row_text(const inventory_table& row) {
+std::string row_summary(const inventory_table& row) {
     std::string id;
     std::string columns;
     for (std::size_t column = 0; column < row.columns.size(); ++column) {
         const inventory_value& value = row.rows.front()[column];
         if (row.columns[column] == "Id") {
             id = std::to_string(std::get<std::int64_t>(value));
-        } else if (!std::holds_alternative<std::monostate>(value)) {
+        } else if (is_put(value)) {
             columns += (columns.empty() ? "" : ", ") + row.columns[column];
         }
     }
@@ -37,10 +37,10 @@ std::string unused_text(const unused_setting& unused) {
 std::string component_text(const explanation& told, const text_style& style) {
     std::string text = heading_text(printable(told.title), style) + '\n' + line("at      ", told.path);
     if (told.row) {
-        text += line("row     ", row_text(*told.row));
+        text += line("row     ", row_summary(*told.row));
     }
     const char* label = "no row  ";
-    for (const std::string& reason : told.reasons) {
+    for (const std::string& reason : told.judged.reasons) {
         text += line(label, reason);
         label = "        ";
     }

@@ -42,12 +42,11 @@ const Named* find_named(const std::vector<Named>& all, const std::string& name) 
 
 const std::vector<known_group>& known_groups() {
     using namespace cds_parser;
-    const auto& [processors, memory, bridges, devices] = inventory_kinds;
     static const std::vector<known_group> groups = {
-        {processor_group, &processors, settings_of(processor_columns)},
-        {memory_group, &memory, settings_of(memory_columns, persistent_memory_columns)},
-        {bridge_group, &bridges, settings_of(bridge_address_columns, bridge_columns)},
-        {device_group, &devices, settings_of(device_place_columns, device_kind_columns, device_columns)},
+        {processor_group, &kinds::processors, settings_of(processor_columns)},
+        {memory_group, &kinds::memory, settings_of(memory_columns, persistent_memory_columns)},
+        {bridge_group, &kinds::bridges, settings_of(bridge_address_columns, bridge_columns)},
+        {device_group, &kinds::devices, settings_of(device_place_columns, device_kind_columns, device_columns)},
     };
     return groups;
 }

@@ -7,7 +7,7 @@
 
 #include <zebdb_cds_parser.h>
 
-#include "sources/inventory.h"
+#include "rows/kinds.h"
 
 /// A setting and the column that takes it.
 struct known_setting {

@@ -25,7 +25,7 @@ struct to_field {
 
 }  // namespace
 
-std::string inventory_csv(const std::vector<inventory_table>& tables) {
+std::string listing_csv(const std::vector<inventory_table>& tables) {
     const inventory_table& table = tables.front();
     std::string text;
     for (const std::string& column : table.columns) {

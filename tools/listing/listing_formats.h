@@ -5,17 +5,17 @@
 #include <string>
 #include <vector>
 
-#include "sources/inventory.h"
+#include "rows/table.h"
 
 /// For people: the columns that matter, in units, on a terminal fitted to its width. It may change at any time.
-std::string inventory_text(const std::vector<inventory_table>& tables);
+std::string listing_text(const std::vector<inventory_table>& tables);
 
 /// For programs: one object, {"schema": 1, "processors": [...], ...}, each row an object of all its columns; a column
 /// that was never put is null.
-std::string inventory_json(const std::vector<inventory_table>& tables);
+std::string listing_json(const std::vector<inventory_table>& tables);
 
 /// For spreadsheets: RFC 4180 with a header line; a column that was never put is empty, an empty text is "". Holds one
 /// table.
-std::string inventory_csv(const std::vector<inventory_table>& tables);
+std::string listing_csv(const std::vector<inventory_table>& tables);
 
 #endif

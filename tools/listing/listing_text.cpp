@@ -16,8 +16,7 @@ enum class presence {
 
 struct shown_column {
     const char* heading;
-    row_text text;
-    const char* column = nullptr;  // none where `text` knows which
+    shown_text text;
     alignment aligned = alignment::left;
     presence shown = presence::always;
 };
@@ -27,97 +26,96 @@ constexpr auto right = alignment::right;
 constexpr auto if_any = presence::if_any;
 
 constexpr shown_column processor_columns[] = {
-    {"Id", row_texts::plain, "Id", right},
-    {"Node", row_texts::index, "NodeIndex", right},
-    {"Socket", row_texts::plain, "Socket"},
-    {"Version", row_texts::plain, "Version"},
-    {"Cores", row_texts::cores, nullptr, right},
-    {"Threads", row_texts::plain, "ThreadCount", right},
-    {"Speed", row_texts::megahertz, "CurSpeed", right},
-    {"L3 cache", row_texts::kibibytes, "L3CacheInstalled", right},
-    {"Processor id", row_texts::processor_id, "ProcId"},
-    {"Serial number", row_texts::plain, "SerialNo", left, if_any},
-    {"Asset tag", row_texts::plain, "AssetTag", left, if_any},
+    {"Id", "Id", right},
+    {"Node", "NodeIndex", right},
+    {"Socket", "Socket"},
+    {"Version", "Version"},
+    {"Cores", row_texts::cores, right},
+    {"Threads", "ThreadCount", right},
+    {"Speed", "CurSpeed", right},
+    {"L3 cache", "L3CacheInstalled", right},
+    {"Processor id", "ProcId"},
+    {"Serial number", "SerialNo", left, if_any},
+    {"Asset tag", "AssetTag", left, if_any},
 };
 
 constexpr shown_column memory_columns[] = {
-    {"Id", row_texts::plain, "Id", right},
-    {"Node", row_texts::index, "NodeIndex", right},
-    {"Slot", row_texts::index, "SlotNo", right},
-    {"Locator", row_texts::plain, "DevLocator"},
-    {"Bank", row_texts::plain, "BankLocator", left, if_any},
-    {"Size", row_texts::mebibytes, "MemSize", right},
-    {"Type", row_texts::memory_type, "MemType"},
-    {"Speed", row_texts::megatransfers, "ClockSpeed", right},
-    {"Manufacturer", row_texts::plain, "Manufacturer"},
-    {"Part number", row_texts::plain, "PartNo", left, if_any},
-    {"Serial number", row_texts::plain, "SerialNo", left, if_any},
-    {"Asset tag", row_texts::plain, "AssetTag", left, if_any},
-    {"Capacity", row_texts::bytes, "Capacity", right, if_any},
-    {"Volatile", row_texts::bytes, "MemCapacity", right, if_any},
-    {"App direct", row_texts::bytes, "AppDirCap", right, if_any},
-    {"Firmware", row_texts::plain, "FirmwareVersion", left, if_any},
-    {"Array", row_texts::index, "ArrayId", right},
+    {"Id", "Id", right},
+    {"Node", "NodeIndex", right},
+    {"Slot", "SlotNo", right},
+    {"Locator", "DevLocator"},
+    {"Bank", "BankLocator", left, if_any},
+    {"Size", "MemSize", right},
+    {"Type", "MemType"},
+    {"Speed", "ClockSpeed", right},
+    {"Manufacturer", "Manufacturer"},
+    {"Part number", "PartNo", left, if_any},
+    {"Serial number", "SerialNo", left, if_any},
+    {"Asset tag", "AssetTag", left, if_any},
+    {"Capacity", "Capacity", right, if_any},
+    {"Volatile", "MemCapacity", right, if_any},
+    {"App direct", "AppDirCap", right, if_any},
+    {"Firmware", "FirmwareVersion", left, if_any},
+    {"Array", "ArrayId", right},
 };
 
 constexpr shown_column bridge_columns[] = {
-    {"Id", row_texts::plain, "Id", right},
-    {"Node", row_texts::index, "NodeIndex", right},
-    {"Parent", row_texts::index, "ParentId", right},
+    {"Id", "Id", right},
+    {"Node", "NodeIndex", right},
+    {"Parent", "ParentId", right},
     {"Address", row_texts::bridge_address},
     {"Vendor:dev", row_texts::bridge_id},
-    {"Revision", row_texts::revision, "RevId"},
-    {"Class", row_texts::class_code, "ClsCode"},
-    {"Primary bus", row_texts::bus, "PriBusNo"},
+    {"Revision", "RevId"},
+    {"Class", "ClsCode"},
+    {"Primary bus", "PriBusNo"},
     {"Bus range", row_texts::bus_range},
 };
 
 constexpr shown_column device_columns[] = {
-    {"Id", row_texts::plain, "Id", right},
-    {"Node", row_texts::index, "NodeIndex", right},
-    {"Bridge", row_texts::index, "BridgeId", right},
+    {"Id", "Id", right},
+    {"Node", "NodeIndex", right},
+    {"Bridge", "BridgeId", right},
     {"Address", row_texts::device_address},
-    {"Slot", row_texts::index, "SlotNo", right},
-    {"Designation", row_texts::plain, "SlotDesignation", left, if_any},
+    {"Slot", "SlotNo", right},
+    {"Designation", "SlotDesignation", left, if_any},
     {"Vendor:dev", row_texts::device_id},
-    {"Subsystem", row_texts::subsystem_id, nullptr, left, if_any},
-    {"Class", row_texts::class_code, "ClsCode"},
-    {"Lanes", row_texts::lanes, nullptr, right, if_any},
-    {"PCIe", row_texts::link_generation, nullptr, right, if_any},
-    {"Device key", row_texts::key, "DevKey"},
-    {"Function key", row_texts::key, "FunKey"},
+    {"Subsystem", row_texts::subsystem_id, left, if_any},
+    {"Class", "ClsCode"},
+    {"Lanes", row_texts::lanes, right, if_any},
+    {"PCIe", row_texts::link_generation, right, if_any},
+    {"Device key", "DevKey"},
+    {"Function key", "FunKey"},
 };
 
 struct shown_table {
-    const char* kind;
+    const inventory_kind* kind;
     const shown_column* first;
     const shown_column* last;
 };
 
 constexpr shown_table shown_tables[] = {
-    {"processors", std::begin(processor_columns), std::end(processor_columns)},
-    {"memory", std::begin(memory_columns), std::end(memory_columns)},
-    {"bridges", std::begin(bridge_columns), std::end(bridge_columns)},
-    {"devices", std::begin(device_columns), std::end(device_columns)},
+    {&kinds::processors, std::begin(processor_columns), std::end(processor_columns)},
+    {&kinds::memory, std::begin(memory_columns), std::end(memory_columns)},
+    {&kinds::bridges, std::begin(bridge_columns), std::end(bridge_columns)},
+    {&kinds::devices, std::begin(device_columns), std::end(device_columns)},
 };
 
 bool is_empty(const std::string& cell) {
-    return cell.find_first_not_of("- ") == std::string::npos;
+    return stripped(cell).empty();
 }
 
 text_column filled(const shown_column& shown, const inventory_table& table) {
-    const bool is_free_text = shown.text == row_texts::plain && shown.aligned == left;
+    const bool is_free_text = shown.text.is_plain(*table.kind) && shown.aligned == left;
     text_column column{shown.heading, shown.aligned, is_free_text, {}};
-    for (const std::vector<inventory_value>& values : table.rows) {
-        column.cells.push_back(shown.text(inventory_row(table, values), shown.column));
+    for (std::size_t row = 0; row < table.rows.size(); ++row) {
+        column.cells.push_back(shown.text(inventory_row(table, row)));
     }
     return column;
 }
 
 std::vector<text_column> shown_columns_of(const inventory_table& table) {
-    const auto chosen =
-        std::find_if(std::begin(shown_tables), std::end(shown_tables),
-                     [&table](const shown_table& each) { return std::string(each.kind) == table.kind->name; });
+    const auto chosen = std::find_if(std::begin(shown_tables), std::end(shown_tables),
+                                     [&table](const shown_table& each) { return each.kind == table.kind; });
     std::vector<text_column> columns;
     for (const shown_column* shown = chosen->first; shown != chosen->last; ++shown) {
         text_column column = filled(*shown, table);
@@ -130,7 +128,7 @@ std::vector<text_column> shown_columns_of(const inventory_table& table) {
 
 }  // namespace
 
-std::string inventory_text(const std::vector<inventory_table>& tables) {
+std::string listing_text(const std::vector<inventory_table>& tables) {
     const text_style style = output_style();
     std::string text;
     for (const inventory_table& table : tables) {

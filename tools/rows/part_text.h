@@ -2,21 +2,14 @@
 #ifndef TOOLS_ROWS_PART_TEXT_H
 #define TOOLS_ROWS_PART_TEXT_H
 
-#include <cstddef>
 #include <string>
 
-#include "sources/inventory.h"
+#include "rows/table.h"
 
 /// Where the part is, as in "CPU 1, node 0" or "0000:3b:00.0, node 0"; "unnamed" when nothing says so.
-std::string place_text(const inventory_table& table, std::size_t row);
+std::string place_text(const inventory_row& row);
 
 /// What it is, as in "32 GiB, DDR4, Maker, Part number, serial number 4711"; empty when nothing is known.
-std::string part_text(const inventory_table& table, std::size_t row);
-
-/// The value of one column, in units; texts are quoted.
-std::string column_text(const inventory_table& table, std::size_t row, std::size_t column);
-
-/// The value of one column as it is stored; texts are quoted.
-std::string plain_column_text(const inventory_table& table, std::size_t row, std::size_t column);
+std::string part_text(const inventory_row& row);
 
 #endif

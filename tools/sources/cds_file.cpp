@@ -1,5 +1,6 @@
 #include "sources/cds_file.h"
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 
@@ -11,8 +12,18 @@
 namespace {
 
 failure grammar_failure(const sysipc::exception& error, const input_file& input) {
-    const auto line = input.can_be_read_again() ? line_of_grammar_error(input.path()) : std::nullopt;
-    return failure((line ? "line " + std::to_string(*line) + ": " : "") + error.what());
+    const auto found = find_grammar_error(*input.read_again());
+    const bool has_line = found && found->line && input.is_on_disk();
+    const bool has_no_name = found && found->is_about_no_element;
+    return failure((has_line ? "line " + std::to_string(*found->line) + ": " : "") +
+                   (has_no_name ? "Unexpected node without a name, as a CDATA section is" : error.what()));
+}
+
+// What the XML library says may take two lines.
+failure xml_failure(const sysipc::exception& error) {
+    std::string text = error.what();
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return failure(text);
 }
 
 }  // namespace
@@ -36,7 +47,7 @@ void read_cds(std::istream& in, const input_file& input, cds_parser::document& d
     } catch (const cds_parser::name_error& error) {
         throw grammar_failure(error, input);
     } catch (const sysipc::exception& error) {
-        throw failure(input.read_error() == 0 ? error.what() : std::strerror(input.read_error()));
+        throw input.read_error() == 0 ? xml_failure(error) : failure(std::strerror(input.read_error()));
     }
     if (!is_cds) {
         throw failure("its root element is not 'component', so it is no CDS file");

@@ -75,11 +75,6 @@ void refuse_folder(const std::string& path) {
 
 }  // namespace
 
-void add_database_option(command_line& arguments, std::string& path) {
-    path = "inventory.db";
-    arguments.path_option("--database", "PATH", path, "The inventory database", "ZEBDB_DATABASE");
-}
-
 std::string sqlite_name(const std::string& path) {
     const bool is_special = path.front() == ':' || path.compare(0, 5, "file:") == 0;
     return is_special ? "./" + path : path;

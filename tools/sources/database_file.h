@@ -1,13 +1,8 @@
-/// Which database a subcommand works on, and the file that it is.
+/// The file that an inventory database is.
 #ifndef TOOLS_SOURCES_DATABASE_FILE_H
 #define TOOLS_SOURCES_DATABASE_FILE_H
 
 #include <string>
-
-#include "subcommands/command_line.h"
-
-/// Adds --database; `path` becomes $ZEBDB_DATABASE, or "inventory.db", when it is not given.
-void add_database_option(command_line& arguments, std::string& path);
 
 /// The name by which SQLite takes `path` for a file, whatever characters it begins with.
 std::string sqlite_name(const std::string& path);

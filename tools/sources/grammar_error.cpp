@@ -1,89 +1,104 @@
 #include "sources/grammar_error.h"
 
-#include <algorithm>
-#include <fstream>
 #include <limits>
-#include <vector>
+#include <list>
 
 #include <libxml/tree.h>
 #include <sysipc.h>
 #include <sysxml.h>
+#include <zebdb_cds_parser.h>
 
 namespace {
 
-struct rule {
-    std::string element;
-    std::vector<std::string> children;
-    bool needs_name;
-};
+// What the library says to a node: whether it is an element that it reads, and what breaks the grammar in it.
+enum class answer { not_read, fine, unexpected_child, no_name };
 
-const rule rules[] = {
-    {"component", {"setting_group", "child_slot_group"}, false},
-    {"child_slot_group", {"setting_group", "component"}, false},
-    {"setting_group", {"name", "setting"}, true},
-    {"setting",
-     {"name", "text_value", "hex_value", "integer_value", "decimal_value", "bool_value", "date_value", "time_value",
-      "guid_value"},
-     true},
-};
-
-std::string name_of(const xmlNode* node) {
-    return node->name == nullptr ? "" : reinterpret_cast<const char*>(node->name);
+template <class Element>
+answer answer_as(xmlNode* record) {
+    Element element(0);
+    sysxml::node node(record);
+    try {
+        return element.parse(node) ? answer::fine : answer::not_read;
+    } catch (const cds_parser::node_error&) {
+        return answer::unexpected_child;
+    } catch (const cds_parser::name_error&) {
+        return answer::no_name;
+    }
 }
 
-// Text that begins on a line of its own counts as absent.
-bool has_text(const xmlNode* element) {
-    const xmlNode* first = element->children;
-    return first != nullptr && first->content != nullptr && first->content[0] != '\0' && first->content[0] != '\n';
+answer answer_to(xmlNode& record) {
+    for (const auto ask : {answer_as<cds_parser::component>, answer_as<cds_parser::child_slot_group>,
+                           answer_as<cds_parser::setting_group>, answer_as<cds_parser::setting_node>}) {
+        const answer given = ask(&record);
+        if (given != answer::not_read) {
+            return given;
+        }
+    }
+    return answer::not_read;
 }
 
-bool accepts(const rule& parent, const xmlNode* child) {
-    return std::find(parent.children.begin(), parent.children.end(), name_of(child)) != parent.children.end();
+// The node by itself, with those children in place of its own.
+xmlNode copy_with(const xmlNode& node, xmlNode* children) {
+    xmlNode copy = node;
+    copy.next = nullptr;
+    copy.children = children;
+    return copy;
+}
+
+// Whether the child may stand in the parent, whatever is in it and beside it.
+bool accepts(const xmlNode& parent, const xmlNode& child) {
+    xmlNode only_child = copy_with(child, nullptr);
+    xmlNode only_parent = copy_with(parent, &only_child);
+    return answer_to(only_parent) != answer::unexpected_child;
+}
+
+// Whether the element lacks a name. Of its children only those count that are no elements with children of their own.
+bool lacks_name(const xmlNode& element) {
+    std::list<xmlNode> leaves;
+    for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
+        xmlNode leaf = copy_with(*child, nullptr);
+        if (answer_to(leaf) == answer::not_read) {
+            leaf.children = child->children;
+            if (!leaves.empty()) {
+                leaf.next = &leaves.front();
+            }
+            leaves.push_front(leaf);
+        }
+    }
+    xmlNode named = copy_with(element, leaves.empty() ? nullptr : &leaves.front());
+    return answer_to(named) == answer::no_name;
 }
 
 // In the order in which the library reads: a missing name shows only behind the last child.
-const xmlNode* first_offender(const xmlNode* element) {
-    const auto applying = std::find_if(std::begin(rules), std::end(rules),
-                                       [element](const rule& each) { return each.element == name_of(element); });
-    if (applying == std::end(rules)) {
-        return nullptr;
-    }
-    bool named = false;
-    for (const xmlNode* child = element->children; child != nullptr; child = child->next) {
-        if (child->type == XML_TEXT_NODE) {
-            continue;
-        }
-        if (!accepts(*applying, child)) {
+const xmlNode* first_offender(const xmlNode& element) {
+    for (const xmlNode* child = element.children; child != nullptr; child = child->next) {
+        if (!accepts(element, *child)) {
             return child;
         }
-        if (const xmlNode* deeper = first_offender(child)) {
+        if (const xmlNode* deeper = first_offender(*child)) {
             return deeper;
         }
-        named = named || (name_of(child) == "name" && has_text(child));
     }
-    return applying->needs_name && !named ? element : nullptr;
+    return lacks_name(element) ? &element : nullptr;
 }
 
 // libxml2 numbers no lines of CDATA sections; the nearest node before one is known.
-unsigned line_of(const xmlNode* node) {
+std::optional<unsigned> line_of(const xmlNode* node) {
+    constexpr unsigned uncounted = std::numeric_limits<decltype(node->line)>::max();
     while (node != nullptr && node->line == 0) {
         node = node->prev != nullptr ? node->prev : node->parent;
     }
-    return node == nullptr ? 0 : node->line;
+    return node == nullptr || node->line == uncounted ? std::nullopt : std::optional<unsigned>(node->line);
 }
 
 }  // namespace
 
-std::optional<unsigned> line_of_grammar_error(const std::string& path) {
-    std::ifstream file(path);
+std::optional<grammar_error> find_grammar_error(std::istream& in) {
     try {
         const sysxml::parser library;
-        sysxml::document document(file, false);
-        const xmlNode* offender = first_offender(document.root().get());
-        constexpr unsigned uncounted = std::numeric_limits<decltype(offender->line)>::max();
-        const unsigned line = line_of(offender);
-        if (line != 0 && line != uncounted) {
-            return line;
+        sysxml::document document(in, false);
+        if (const xmlNode* offender = first_offender(*document.root().get())) {
+            return grammar_error{line_of(offender), offender->name == nullptr};
         }
     } catch (const sysipc::exception&) {
         // It was read once; what it is now does not matter.

@@ -5,6 +5,9 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <mutex>
+#include <sstream>
 #include <thread>
 
 #include "console/failure.h"
@@ -12,63 +15,19 @@
 
 namespace {
 
+constexpr const char* standard_input = "-";
+constexpr const char* standard_input_path = "/dev/stdin";
+
 [[noreturn]] void fail(int error) {
     throw failure(std::strerror(error));
 }
 
-constexpr const char* standard_input = "-";
-constexpr const char* standard_input_path = "/dev/stdin";
-
-// 0 at the end of the input or when nobody wants more of it, else the system's error.
-int copy(int from, int to) {
-    char block[1 << 16];
-    for (;;) {
-        const ssize_t count = ::read(from, block, sizeof block);
-        if (count <= 0) {
-            return count == 0 ? 0 : errno;
-        }
-        for (ssize_t written = 0; written < count;) {
-            const ssize_t part = ::write(to, block + written, static_cast<std::size_t>(count - written));
-            if (part < 0) {
-                return 0;
-            }
-            written += part;
-        }
-    }
-}
-
-// Not everything that standard input may be can be opened by a path: a socket cannot, nor a file that only the
-// program's caller may open, and a file would be read from its start again. So it is copied into a pipe that takes its
-// place. The copying ends with the input or with the program.
-void put_pipe_before_standard_input(const std::shared_ptr<std::atomic<int>>& read_error) {
-    int ends[2];
-    const int source = ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3);
-    if (source == -1 || ::pipe2(ends, O_CLOEXEC) == -1 || ::dup2(ends[0], STDIN_FILENO) == -1) {
-        fail(errno);
-    }
-    ::close(ends[0]);
-    std::thread([source, sink = ends[1], read_error] {
-        *read_error = copy(source, sink);
-        ::close(sink);
-    }).detach();
-}
-
-// A regular file is opened rather than asked whether it could be. Nothing else is: a pipe can be opened only once.
-void require_readable(const std::string& path, const struct stat& status) {
-    if (S_ISDIR(status.st_mode)) {
-        fail(EISDIR);
-    }
-    if (!S_ISREG(status.st_mode)) {
-        return;
-    }
+int open_for_reading(const std::string& path) {
     const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (file == -1) {
         fail(errno);
     }
-    ::close(file);
-    if (status.st_size == 0) {
-        throw failure("the file is empty");
-    }
+    return file;
 }
 
 void require_open_for_reading() {
@@ -84,20 +43,83 @@ std::string input_title(const std::string& name) {
     return name == standard_input ? "standard input" : in_quotes(name);
 }
 
-input_file::input_file(const std::string& name)
-    : path_(name == standard_input ? standard_input_path : name), read_error_(std::make_shared<std::atomic<int>>(0)) {
+// What went through the pipe that stands for an input which can be read only once.
+struct input_file::passed_bytes {
+    std::mutex mutex;
+    std::string content;
+    int read_error = 0;
+};
+
+input_file::input_file(const std::string& name) : path_(name) {
     if (name == standard_input) {
         require_open_for_reading();
         ::fstat(STDIN_FILENO, &status_);
-        put_pipe_before_standard_input(read_error_);
+        // Not everything that standard input may be can be opened by a path: a socket cannot, nor a file that only the
+        // program's caller may open, and a file would be read from its start again. So the pipe takes its place.
+        const int pipe = pass_on(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
+        if (::dup2(pipe, STDIN_FILENO) == -1) {
+            fail(errno);
+        }
+        ::close(pipe);
+        path_ = standard_input_path;
         return;
     }
     if (::stat(name.c_str(), &status_) != 0) {
         fail(errno);
     }
-    require_readable(name, status_);
+    if (S_ISDIR(status_.st_mode)) {
+        fail(EISDIR);
+    }
+    const int file = open_for_reading(name);
+    if (!S_ISREG(status_.st_mode)) {
+        path_ = "/dev/fd/" + std::to_string(pass_on(file));
+        return;
+    }
+    ::close(file);
+    if (status_.st_size == 0) {
+        throw failure("the file is empty");
+    }
 }
 
-bool input_file::can_be_read_again() const {
-    return path_ != standard_input_path && S_ISREG(status_.st_mode);
+// Gives the end of a pipe to read from what `source` has. The copying ends with the input or with the program.
+int input_file::pass_on(int source) {
+    int ends[2];
+    if (source == -1 || ::pipe2(ends, O_CLOEXEC) == -1) {
+        fail(errno);
+    }
+    passed_ = std::make_shared<passed_bytes>();
+    std::thread(pass, source, ends[1], passed_).detach();
+    return ends[0];
+}
+
+void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed) {
+    char block[1 << 16];
+    for (bool wanted = true; wanted;) {
+        const ssize_t count = ::read(source, block, sizeof block);
+        const int error = count < 0 ? errno : 0;
+        const std::string bytes(block, count < 0 ? 0 : static_cast<std::size_t>(count));
+        {
+            const std::lock_guard<std::mutex> lock(passed->mutex);
+            passed->read_error = error;
+            passed->content += bytes;
+        }
+        wanted = !bytes.empty() && write_all(sink, bytes) == 0;
+    }
+    ::close(sink);
+}
+
+int input_file::read_error() const {
+    if (is_on_disk()) {
+        return 0;
+    }
+    const std::lock_guard<std::mutex> lock(passed_->mutex);
+    return passed_->read_error;
+}
+
+std::unique_ptr<std::istream> input_file::read_again() const {
+    if (is_on_disk()) {
+        return std::make_unique<std::ifstream>(path_);
+    }
+    const std::lock_guard<std::mutex> lock(passed_->mutex);
+    return std::make_unique<std::istringstream>(passed_->content);
 }

@@ -4,7 +4,7 @@
 
 #include <sys/stat.h>
 
-#include <atomic>
+#include <istream>
 #include <memory>
 #include <string>
 
@@ -17,20 +17,27 @@ public:
     /// is plain that the file cannot be read. One for standard input at a time.
     explicit input_file(const std::string& name);
 
-    /// What to open; only once where it cannot be read again.
+    /// What to open; only once unless it is a file on disk.
     const std::string& path() const { return path_; }
-    bool can_be_read_again() const;
+    bool is_on_disk() const { return passed_ == nullptr; }
 
     /// Which file it is; a size of 0 is an unknown one.
     const struct stat& status() const { return status_; }
 
-    /// The system's error when it was this that ended the reading of standard input, else 0.
-    int read_error() const { return *read_error_; }
+    /// The system's error when it was this that ended the reading of what is not on disk, else 0.
+    int read_error() const;
+
+    /// What has been read, from its start, for another look.
+    std::unique_ptr<std::istream> read_again() const;
 
 private:
+    struct passed_bytes;
+    static void pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed);
+    int pass_on(int source);
+
     std::string path_;
     struct stat status_ = {};
-    std::shared_ptr<std::atomic<int>> read_error_;
+    std::shared_ptr<passed_bytes> passed_;  // null for a file on disk
 };
 
 #endif

@@ -18,13 +18,8 @@ constexpr const char* unsigned_columns[] = {
     "ProcId", "Capacity", "MemCapacity", "AppDirCap", "UnconfigCap", "InaccCap", "ReservedCap",
 };
 
-constexpr const char* identifying_columns[] = {"SerialNo", "AssetTag"};
-
-constexpr const char* redacted = "[redacted]";
-
-template <std::size_t Count>
-bool is_one_of(const char* const (&names)[Count], const std::string& name) {
-    return std::find(std::begin(names), std::end(names), name) != std::end(names);
+bool is_unsigned(const std::string& column) {
+    return std::find(std::begin(unsigned_columns), std::end(unsigned_columns), column) != std::end(unsigned_columns);
 }
 
 std::string text_at(sqlite3_stmt* row, int column) {
@@ -39,7 +34,7 @@ inventory_value value_at(sqlite3_stmt* row, int column) {
             return {};
         case SQLITE_INTEGER: {
             const std::int64_t number = sqlite3_column_int64(row, column);
-            if (is_one_of(unsigned_columns, sqlite3_column_name(row, column))) {
+            if (is_unsigned(sqlite3_column_name(row, column))) {
                 return static_cast<std::uint64_t>(number);
             }
             return number;
@@ -50,19 +45,6 @@ inventory_value value_at(sqlite3_stmt* row, int column) {
 }
 
 }  // namespace
-
-void redact(inventory_table& table) {
-    for (std::size_t column = 0; column < table.columns.size(); ++column) {
-        if (!is_one_of(identifying_columns, table.columns[column])) {
-            continue;
-        }
-        for (std::vector<inventory_value>& row : table.rows) {
-            if (!std::holds_alternative<std::monostate>(row[column])) {
-                row[column] = redacted;
-            }
-        }
-    }
-}
 
 inventory::inventory(const std::string& path, database_naming naming)
     : path_(path), title_(in_quotes(path)), naming_(naming) {
@@ -93,6 +75,14 @@ int inventory::open() {
 
 inventory_table inventory::read(const inventory_kind& kind) const {
     return table_of(kind, select("*", kind));
+}
+
+std::vector<inventory_table> inventory::read_all() const {
+    std::vector<inventory_table> tables;
+    for (const inventory_kind* kind : kinds::all) {
+        tables.push_back(read(*kind));
+    }
+    return tables;
 }
 
 inventory_table inventory::read_after(const inventory_kind& kind, std::int64_t id) const {

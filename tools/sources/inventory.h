@@ -7,36 +7,10 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <variant>
 #include <vector>
 
-/// A kind of row: what it is called on the command line and in JSON, and the table that holds it.
-struct inventory_kind {
-    const char* name;
-    const char* title;
-    const char* table;
-};
-
-inline constexpr inventory_kind inventory_kinds[] = {
-    {"processors", "Processors", "Processor"},
-    {"memory", "Memory", "Memory"},
-    {"bridges", "Bridges", "PCIBridge"},
-    {"devices", "Devices", "PCIs"},
-};
-
-/// One column of one row; std::monostate is a column that was never put. Numbers that are signed in the database but
-/// stand for unsigned 64-bit ones are unsigned here; text is always UTF-8.
-using inventory_value = std::variant<std::monostate, std::int64_t, std::uint64_t, std::string>;
-
-/// The rows of one kind, first row id first, with every column of the table.
-struct inventory_table {
-    const inventory_kind* kind;
-    std::vector<std::string> columns;
-    std::vector<std::vector<inventory_value>> rows;
-};
-
-/// Puts a placeholder in place of every serial number and asset tag.
-void redact(inventory_table& table);
+#include "rows/kinds.h"
+#include "rows/table.h"
 
 /// How the user named a database. Where it was by --database, messages say so.
 enum class database_naming { option, argument };
@@ -51,6 +25,8 @@ public:
     inventory(std::string title, sqlite3* connection);
 
     inventory_table read(const inventory_kind& kind) const;
+    /// The tables of all kinds, in their order.
+    std::vector<inventory_table> read_all() const;
     /// Only the rows with an id above `id`.
     inventory_table read_after(const inventory_kind& kind, std::int64_t id) const;
     std::int64_t count(const inventory_kind& kind) const;

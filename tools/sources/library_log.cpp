@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
+#include "console/utf8.h"
+
 namespace {
 
 constexpr const char* database_prefix = "inventory database: ";
 constexpr const char* file_prefix = "CDS XML ERROR: ";
 constexpr const char* loader_prefix = "CDS PARSER: ";
-constexpr const char* no_component = "failed to parse the CDS XML file";
-constexpr const char* nameless_node = "CDS XML ERROR: Unexpected node '";
 
 // What a refresh logs on top of the cause.
 constexpr const char* refresh_failed = "parse_aim return error";
@@ -26,51 +26,60 @@ std::string without_prefix(std::string text) {
     return text;
 }
 
+bool is_cause(const log_line& line) {
+    return line.at == vonk_log::level::error && !begins_with(line.text, refresh_failed);
+}
+
+bool is_about_database(const log_line& line) {
+    return is_cause(line) && begins_with(line.text, database_prefix);
+}
+
+// Empty when there is none.
+std::string last_error(const std::vector<log_line>& lines) {
+    const auto last = std::find_if(lines.rbegin(), lines.rend(), is_cause);
+    return last == lines.rend() ? "" : last->text;
+}
+
+// Of the errors of the database the first; those behind it are its consequences.
+std::string deciding_error(const std::vector<log_line>& lines) {
+    const auto first = std::find_if(lines.begin(), lines.end(), is_about_database);
+    return first == lines.end() ? last_error(lines) : first->text;
+}
+
 }  // namespace
 
-log_tap::log_tap(progress* line) : line_(line) {
+library_log::library_log(log_display display) : display_(display) {
     vonk_log::set_sink(take, this);
 }
 
-log_tap::~log_tap() {
+library_log::library_log(progress& line) : library_log(log_display::shown) {
+    progress_ = &line;
+}
+
+library_log::~library_log() {
     vonk_log::set_sink(nullptr, nullptr);
 }
 
-std::string log_tap::cause() const {
-    if (last_error_ == no_component) {
-        return "its root element is not 'component', so it is no CDS file";
-    }
-    if (last_error_ == nameless_node) {
-        return "Unexpected node without a name, as a CDATA section is";
-    }
-    std::string text = without_prefix(database_error_.empty() ? last_error_ : database_error_);
+std::string library_log::cause() const {
+    std::string text = without_prefix(deciding_error(lines_));
     std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
 }
 
-bool log_tap::is_grammar_error() const {
-    const std::string text = without_prefix(last_error_);
-    return begins_with(text, "Unexpected node") || begins_with(text, "empty setting");
+bool library_log::has_database_error() const {
+    return std::any_of(lines_.begin(), lines_.end(), is_about_database);
 }
 
-bool log_tap::has_line(const std::string& beginning) const {
-    return std::any_of(lines_.begin(), lines_.end(),
-                       [&beginning](const std::string& line) { return begins_with(line, beginning); });
-}
-
-void log_tap::take(void* tap, vonk_log::level at, const char* text) {
-    auto& self = *static_cast<log_tap*>(tap);
-    self.lines_.emplace_back(text);
-    if (at == vonk_log::level::error && !begins_with(text, refresh_failed)) {
-        self.last_error_ = text;
-        if (self.database_error_.empty() && begins_with(text, database_prefix)) {
-            self.database_error_ = text;
-        }
+void library_log::take(void* log, vonk_log::level at, const char* text) {
+    auto& self = *static_cast<library_log*>(log);
+    self.lines_.push_back({at, repaired_utf8(text)});
+    if (self.display_ == log_display::hidden) {
+        return;
     }
     const auto write = [at, text] { vonk_log::write(at, text); };
-    if (self.line_ == nullptr) {
+    if (self.progress_ == nullptr) {
         write();
     } else {
-        self.line_->stand_aside(write);
+        self.progress_->stand_aside(write);
     }
 }

@@ -9,32 +9,41 @@
 
 #include "console/progress.h"
 
-/// Takes the log of the process as long as it lives, passes every line on to its usual place and remembers it. One at a
-/// time.
-class log_tap {
+struct log_line {
+    vonk_log::level at;
+    std::string text;  ///< UTF-8
+};
+
+/// Where the lines go besides being remembered.
+enum class log_display {
+    shown,   ///< on to their usual place
+    hidden,  ///< nowhere
+};
+
+/// Takes the log of the process as long as it lives, and remembers every line. One at a time.
+class library_log {
 public:
-    /// Lines are written above the progress line, if there is one.
-    explicit log_tap(progress* line = nullptr);
-    ~log_tap();
-    log_tap(const log_tap&) = delete;
-    log_tap& operator=(const log_tap&) = delete;
+    explicit library_log(log_display display = log_display::shown);
+    /// Lines are shown above the progress line.
+    explicit library_log(progress& line);
+    ~library_log();
+    library_log(const library_log&) = delete;
+    library_log& operator=(const library_log&) = delete;
+
+    const std::vector<log_line>& lines() const { return lines_; }
 
     /// Why the library failed, in one line; empty when it logged no error.
     std::string cause() const;
 
-    /// Whether the cause is content that breaks the grammar; the log does not say where it stands.
-    bool is_grammar_error() const;
-
-    /// Whether a line that begins like this was logged.
-    bool has_line(const std::string& beginning) const;
+    /// Whether the cause is the database.
+    bool has_database_error() const;
 
 private:
-    static void take(void* tap, vonk_log::level at, const char* text);
+    static void take(void* log, vonk_log::level at, const char* text);
 
-    progress* line_;
-    std::vector<std::string> lines_;
-    std::string database_error_;  // the first one; those after it are its consequences
-    std::string last_error_;
+    log_display display_;
+    progress* progress_ = nullptr;
+    std::vector<log_line> lines_;
 };
 
 #endif

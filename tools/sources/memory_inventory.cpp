@@ -2,12 +2,12 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cstring>
 #include <memory>
 
-#include <vonk_log_workstation.h>
-
 #include "console/failure.h"
+#include "sources/library_log.h"
 
 namespace {
 
@@ -16,26 +16,12 @@ struct connection_closer {
 };
 using connection_ptr = std::unique_ptr<sqlite3, connection_closer>;
 
-// Takes the log of the process and keeps the first error; the others are its consequences.
-class first_error {
-public:
-    first_error() { vonk_log::set_sink(take, this); }
-    ~first_error() { vonk_log::set_sink(nullptr, nullptr); }
-    first_error(const first_error&) = delete;
-    first_error& operator=(const first_error&) = delete;
-
-    const std::string& text() const { return text_; }
-
-private:
-    static void take(void* log, vonk_log::level at, const char* text) {
-        auto& self = *static_cast<first_error*>(log);
-        if (at == vonk_log::level::error && self.text_.empty()) {
-            self.text_ = text;
-        }
-    }
-
-    std::string text_;
-};
+// The errors behind it are its consequences.
+std::string first_error(const library_log& log) {
+    const auto first = std::find_if(log.lines().begin(), log.lines().end(),
+                                    [](const log_line& line) { return line.at == vonk_log::level::error; });
+    return first == log.lines().end() ? "" : first->text;
+}
 
 connection_ptr open_connection(const std::string& name) {
     sqlite3* opened = nullptr;
@@ -59,9 +45,9 @@ bool load(_zeb_db_handle_t* handle, cds_parser::document& document) {
 
 inventory load_into_memory(cds_parser::document& document, const std::string& title) {
     const memory_database database;
-    const first_error problem;
+    const library_log log(log_display::hidden);
     if (!load(database.handle(), document)) {
-        throw failure(problem.text());
+        throw failure(first_error(log));
     }
     return read_memory(database, title);
 }

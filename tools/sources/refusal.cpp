@@ -2,16 +2,24 @@
 
 #include <cstring>
 
-#include "sources/database_file.h"
-#include "sources/grammar_error.h"
+#include <zebdb_cds_parser.h>
 
-std::string cause_of_failure(const input_file& input, const log_tap& log) {
+#include "console/failure.h"
+#include "sources/cds_file.h"
+#include "sources/database_file.h"
+
+std::string cause_of_refusal(const input_file& input, const library_log& log) {
     if (input.read_error() != 0) {
         return std::strerror(input.read_error());
     }
-    if (log.is_grammar_error() && input.can_be_read_again()) {
-        const auto line = line_of_grammar_error(input.path());
-        return (line ? "line " + std::to_string(*line) + ": " : "") + log.cause();
+    if (log.has_database_error()) {
+        return with_advice(log.cause());
     }
-    return with_advice(log.cause());
+    try {
+        cds_parser::document document;
+        read_cds(*input.read_again(), input, document);
+    } catch (const failure& cause) {
+        return cause.what();
+    }
+    return log.cause();
 }

@@ -8,6 +8,6 @@
 #include "sources/library_log.h"
 
 /// The cause in one line, with the place in the file where there is one and what to do where there is something to do.
-std::string cause_of_failure(const input_file& input, const log_tap& log);
+std::string cause_of_refusal(const input_file& input, const library_log& log);
 
 #endif

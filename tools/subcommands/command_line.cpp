@@ -70,15 +70,3 @@ bool command_line::has(const char* name) const {
     const std::vector<CLI::Option*>& given = app_->parse_order();
     return std::find(given.begin(), given.end(), app_->get_option(name)) != given.end();
 }
-
-void add_redact_flag(command_line& arguments, bool& value) {
-    arguments.flag("--redact", value, "Hide serial numbers and asset tags");
-}
-
-void add_text_or_json_option(command_line& arguments, std::string& value) {
-    arguments.format_option(value, "text, for people; json, for programs", {"text", "json"});
-}
-
-void add_cds_file_argument(command_line& arguments, std::string& value) {
-    arguments.argument("FILE", value, "The CDS file; - is standard input");
-}

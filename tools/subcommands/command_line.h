@@ -44,13 +44,4 @@ private:
     CLI::App* app_;
 };
 
-/// Declares what hides serial numbers.
-void add_redact_flag(command_line& arguments, bool& value);
-
-/// Declares --format with text and json.
-void add_text_or_json_option(command_line& arguments, std::string& value);
-
-/// Declares the argument FILE, a CDS file.
-void add_cds_file_argument(command_line& arguments, std::string& value);
-
 #endif

@@ -7,6 +7,7 @@
 
 #include "console/output_stream.h"
 #include "sources/cds_file.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {

@@ -6,13 +6,14 @@
 #include "console/output.h"
 #include "explanation/explanation_formats.h"
 #include "sources/cds_file.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
 
 struct explain_options {
     std::string file;
-    std::string format = "text";
+    output_format<decltype(&explanation_text)> format = text_or_json(explanation_text, explanation_json);
     bool all = false;
     bool redact = false;
 };
@@ -24,7 +25,7 @@ int explain(const explain_options& options) {
     if (options.redact) {
         std::for_each(explanations.begin(), explanations.end(), [](explanation& told) { redact(told); });
     }
-    print(options.format == "json" ? explanation_json(explanations) : explanation_text(explanations));
+    print(options.format.writer()(explanations));
     return status_done;
 }
 
@@ -33,7 +34,7 @@ int explain(const explain_options& options) {
 action define_explain(command_line& arguments) {
     const auto options = std::make_shared<explain_options>();
     add_cds_file_argument(arguments, options->file);
-    add_text_or_json_option(arguments, options->format);
+    options->format.add_option(arguments);
     arguments.flag("--all", options->all, "Tell about the components that there is nothing to record of, too");
     add_redact_flag(arguments, options->redact);
     return [options] { return explain(*options); };

@@ -19,6 +19,7 @@
 #include "sources/inventory.h"
 #include "sources/library_log.h"
 #include "sources/refusal.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
@@ -67,9 +68,9 @@ bool load_into(const std::string& database, const char* path) {
 void replace_inventory(const load_options& options) {
     const input_file input(options.file);
     progress line(input.status());
-    const log_tap log(&line);
+    const library_log log(line);
     if (!load_into(options.database, input.path().c_str())) {
-        throw failure(cause_of_failure(input, log));
+        throw failure(cause_of_refusal(input, log));
     }
 }
 
@@ -91,8 +92,8 @@ std::string summary(const load_options& options, milliseconds duration) {
     std::ostringstream text;
     text << "Loaded " << input_title(options.file) << " into " << in_quotes(options.database) << " in "
          << duration_text(duration) << ":\n";
-    for (const inventory_kind& kind : inventory_kinds) {
-        text << "  " << std::left << std::setw(12) << kind.name << std::right << std::setw(6) << loaded.count(kind)
+    for (const inventory_kind* kind : kinds::all) {
+        text << "  " << std::left << std::setw(12) << kind->name << std::right << std::setw(6) << loaded.count(*kind)
              << '\n';
     }
     return text.str();

@@ -15,6 +15,7 @@
 #include "sources/input_file.h"
 #include "sources/library_log.h"
 #include "sources/refusal.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
@@ -26,35 +27,39 @@ struct refresh_options {
     unsigned aim_argument = 0;
 };
 
-std::string row(const char* inventory, std::uint32_t before, std::uint32_t now) {
+std::string line(const char* inventory, const inventory_mark& before, const inventory_mark& now) {
     std::ostringstream text;
     text << "  " << std::left << std::setw(18) << inventory << std::setw(11)
-         << (now == before ? "unchanged" : "changed") << "sequence " << now << '\n';
+         << (now.sequence == before.sequence ? "unchanged" : "changed") << "sequence " << now.sequence << '\n';
     return text.str();
 }
 
-std::string report(const refresh_options& options, const inventory_sequences& before, const inventory_sequences& now,
-                   const log_tap& log) {
+std::string report(const refresh_options& options, const inventory_marks& before, const inventory_marks& now) {
     std::string text = "Refreshed '" + options.database + "' from " + input_title(options.file) + ":\n" +
-                       row("system inventory", before.system, now.system) + row("PCI inventory", before.pci, now.pci);
-    if (log.has_line("failed to generate digest")) {
+                       line("system inventory", before.system, now.system) + line("PCI inventory", before.pci, now.pci);
+    if (digests_failed(before, now)) {
         text += "  The digest script failed: every inventory that had a digest counts as changed.\n";
     }
     return text;
+}
+
+// Throws failure with the cause alone.
+void run_refresh(const input_file& input, unsigned aim_argument) {
+    progress line(input.status());
+    const library_log log(line);
+    if (parse_pci(input.path().c_str(), aim_argument) != 0) {
+        throw failure(cause_of_refusal(input, log));
+    }
 }
 
 std::string refresh_database(const refresh_options& options) {
     const input_file input(options.file);
     new_database_file file(options.database);
     _zeb_db_handle_t* handle = open_service(options.database);
-    const inventory_sequences before = read_sequences(handle);
-    progress line(input.status());
-    const log_tap log(&line);
-    if (parse_pci(input.path().c_str(), options.aim_argument) != 0) {
-        throw failure(cause_of_failure(input, log));
-    }
+    const inventory_marks before = read_marks(handle);
+    run_refresh(input, options.aim_argument);
     file.keep();
-    return report(options, before, read_sequences(handle), log);
+    return report(options, before, read_marks(handle));
 }
 
 int refresh(const refresh_options& options) {

@@ -9,8 +9,8 @@
 #include "change_detection/shell_path.h"
 #include "console/failure.h"
 #include "console/output.h"
-#include "sources/database_file.h"
 #include "sources/library_log.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
@@ -18,7 +18,6 @@ namespace {
 struct save_options {
     std::string first;
     std::string second;
-    std::string database;
     std::string root;
 };
 
@@ -28,7 +27,7 @@ int save_digest(const save_options& options) {
     for (const std::string& path : {options.first, options.second}) {
         require_shell_path(path, longest_path_to_save);
     }
-    const log_tap log;
+    const library_log log;
     if (save_pci_digest(options.first.c_str(), options.second.c_str()) != 0) {
         throw failure("cannot save the digests: " + log.cause() + "; make their folders writable");
     }
@@ -42,7 +41,6 @@ action define_save_digest(command_line& arguments) {
     const auto options = std::make_shared<save_options>();
     arguments.argument("FIRST", options->first, "The first file, the CDS file as a rule");
     arguments.argument("SECOND", options->second, "The second file");
-    add_database_option(arguments, options->database);
     add_root_option(arguments, options->root);
     return [options] { return save_digest(*options); };
 }

@@ -1,14 +1,17 @@
 // zebdb-cds tree: prints the PCI bridges and functions of an inventory as a tree.
 
-#include <algorithm>
-#include <iterator>
 #include <memory>
+#include <ostream>
+#include <string>
 
 #include "console/failure.h"
 #include "console/output_stream.h"
-#include "sources/database_file.h"
+#include "rows/kinds.h"
+#include "rows/table.h"
 #include "sources/inventory.h"
 #include "sources/open_inventory.h"
+#include "subcommands/command_line.h"
+#include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 #include "topology/pci_names.h"
 #include "topology/pci_topology.h"
@@ -19,7 +22,7 @@ namespace {
 struct tree_options {
     std::string file;
     std::string database;
-    std::string format = "text";
+    output_format<decltype(&write_topology_text)> format = text_or_json(write_topology_text, write_topology_json);
 };
 
 inventory open(const command_line& arguments, const tree_options& options) {
@@ -32,21 +35,15 @@ inventory open(const command_line& arguments, const tree_options& options) {
     return open_inventory(options.file);
 }
 
-inventory_table read(const inventory& from, const std::string& name) {
-    return from.read(*std::find_if(std::begin(inventory_kinds), std::end(inventory_kinds),
-                                   [&name](const inventory_kind& kind) { return kind.name == name; }));
-}
-
 int tree(const command_line& arguments, const tree_options& options) {
     const inventory shown = open(arguments, options);
-    const inventory_table bridges = read(shown, "bridges");
-    const inventory_table functions = read(shown, "devices");
+    const inventory_table bridges = shown.read(kinds::bridges);
+    const inventory_table functions = shown.read(kinds::devices);
     pci_names names;
     output_buffer buffer;
     std::ostream out(&buffer);
     out.exceptions(std::ios::badbit);
-    const auto write = options.format == "json" ? write_topology_json : write_topology_text;
-    write(pci_topology(bridges, functions), names, out);
+    options.format.writer()(pci_topology(bridges, functions, names), out);
     buffer.finish();
     return status_done;
 }
@@ -58,7 +55,7 @@ action define_tree(command_line& arguments) {
     arguments.optional_argument(
         "FILE", options->file,
         "An inventory: a CDS file or a database; - is standard input. Without it, that of --database");
-    add_text_or_json_option(arguments, options->format);
+    options->format.add_option(arguments);
     add_database_option(arguments, options->database);
     return [options, arguments] { return tree(arguments, *options); };
 }

@@ -6,8 +6,7 @@
 #include <limits>
 #include <tuple>
 #include <unordered_map>
-
-#include "rows/row_text.h"
+#include <utility>
 
 namespace {
 
@@ -17,8 +16,8 @@ using number = std::optional<std::uint64_t>;
 
 // A row where it belongs; its parent is another such row, by its place among them.
 struct placed_row {
-    const inventory_table* table;
-    std::size_t row;
+    inventory_row row;
+    std::size_t place;  // in its table
     bool is_bridge;
     number node;
     std::array<number, 4> address;  // segment, bus, device, function
@@ -43,23 +42,23 @@ constexpr place_columns function_columns = {"DeviceNo", "FunctionNo", "BridgeId"
 void append(placed_rows& rows, const inventory_table& table, bool is_bridge) {
     const place_columns& columns = is_bridge ? bridge_columns : function_columns;
     for (std::size_t i = 0; i < table.rows.size(); ++i) {
-        const inventory_row row(table, table.rows[i]);
-        const number parent = row.number(columns.parent);
-        rows.push_back(
-            {&table,
-             i,
-             is_bridge,
-             row.number("NodeIndex"),
-             {row.number("SegNo"), row.number("BusNo"), row.number(columns.device), row.number(columns.function)},
-             row.number("Id"),
-             parent,
-             row.text(columns.parent) != nullptr || parent.value_or(no_bridge) != no_bridge});
+        const inventory_row row(table, i);
+        const inventory_value& parent = row[columns.parent];
+        rows.push_back({row,
+                        i,
+                        is_bridge,
+                        number_in(row["NodeIndex"]),
+                        {number_in(row["SegNo"]), number_in(row["BusNo"]), number_in(row[columns.device]),
+                         number_in(row[columns.function])},
+                        number_in(row["Id"]),
+                        number_in(parent),
+                        text_in(parent) != nullptr || number_in(parent).value_or(no_bridge) != no_bridge});
     }
 }
 
 bool stands_before(const placed_row& first, const placed_row& second) {
     const auto place = [](const placed_row& row) {
-        return std::make_tuple(row.node, row.address, !row.is_bridge, row.row);
+        return std::make_tuple(row.node, row.address, !row.is_bridge, row.place);
     };
     return place(first) < place(second);
 }
@@ -144,25 +143,34 @@ std::vector<pci_part> in_tree_order(const placed_rows& rows) {
         left.pop_back();
         left.insert(left.end(), children[at].rbegin(), children[at].rend());
         const placed_row& row = rows[at];
-        pci_part part{row.table, row.row, row.is_bridge, 0, std::nullopt, row.problem};
+        pci_part part{row.row, row.is_bridge, row.problem};
         if (row.parent) {
             part.parent = places[*row.parent];
             part.depth = parts[*part.parent].depth + 1;
         }
         places[at] = parts.size();
-        parts.push_back(part);
+        parts.push_back(std::move(part));
     }
     return parts;
 }
 
+void look_up_names(pci_part& part, pci_names& names) {
+    const auto vendor = number_in(part.row["VendorId"]);
+    const auto device = number_in(part.row[part.is_bridge ? "DevId" : "DeviceId"]);
+    part.vendor_name = names.vendor(vendor);
+    part.device_name = names.device(vendor, device);
+}
+
 }  // namespace
 
-std::vector<pci_part> pci_topology(const inventory_table& bridges, const inventory_table& functions) {
+std::vector<pci_part> pci_topology(const inventory_table& bridges, const inventory_table& functions, pci_names& names) {
     placed_rows rows;
     append(rows, bridges, true);
     append(rows, functions, false);
     std::sort(rows.begin(), rows.end(), stands_before);
     find_parents(rows);
     cut_circles(rows);
-    return in_tree_order(rows);
+    std::vector<pci_part> parts = in_tree_order(rows);
+    std::for_each(parts.begin(), parts.end(), [&names](pci_part& part) { look_up_names(part, names); });
+    return parts;
 }

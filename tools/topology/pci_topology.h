@@ -4,9 +4,11 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
-#include "sources/inventory.h"
+#include "rows/table.h"
+#include "topology/pci_names.h"
 
 /// Why a part that names a bridge stands at the root all the same.
 enum class pci_problem {
@@ -17,16 +19,18 @@ enum class pci_problem {
 
 /// One bridge or function.
 struct pci_part {
-    const inventory_table* table;
-    std::size_t row;
+    inventory_row row;
     bool is_bridge;
-    std::size_t depth;                  ///< how many bridges it is behind
-    std::optional<std::size_t> parent;  ///< the nearest of them, by its place in the list
     pci_problem problem;
+    std::size_t depth = 0;                             ///< how many bridges it is behind
+    std::optional<std::size_t> parent = std::nullopt;  ///< the nearest of them, by its place in the list
+    std::optional<std::string> vendor_name = std::nullopt;
+    std::optional<std::string> device_name = std::nullopt;
 };
 
 /// Every row of both tables, once: a bridge before what is behind it, the parts behind one bridge by address. Roots are
-/// in the order of their node, problem and address. The parts refer to the tables.
-std::vector<pci_part> pci_topology(const inventory_table& bridges, const inventory_table& functions);
+/// in the order of their node, problem and address. The parts refer to the tables; what their ids stand for is looked
+/// up in `names`.
+std::vector<pci_part> pci_topology(const inventory_table& bridges, const inventory_table& functions, pci_names& names);
 
 #endif

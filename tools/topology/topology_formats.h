@@ -5,16 +5,15 @@
 #include <ostream>
 #include <vector>
 
-#include "topology/pci_names.h"
 #include "topology/pci_topology.h"
 
 /// For people: a tree of nodes, segments, bridges and functions, on a terminal fitted to its width. It may change at
 /// any time.
-void write_topology_text(const std::vector<pci_part>& parts, pci_names& names, std::ostream& out);
+void write_topology_text(const std::vector<pci_part>& parts, std::ostream& out);
 
 /// For programs: one object, {"schema": 1, "parts": [...]}, with the parts in their order. It is nested no deeper
 /// however deep the tree is, so that every reader can take it: "parent" is the place of the parent in the list, first
 /// is 0.
-void write_topology_json(const std::vector<pci_part>& parts, pci_names& names, std::ostream& out);
+void write_topology_json(const std::vector<pci_part>& parts, std::ostream& out);
 
 #endif

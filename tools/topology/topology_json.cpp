@@ -1,5 +1,3 @@
-#include "rows/row_identity.h"
-#include "rows/row_text.h"
 #include "rows/value_json.h"
 #include "topology/pci_kind.h"
 #include "topology/topology_formats.h"
@@ -11,12 +9,12 @@ using json = nlohmann::ordered_json;
 // Raised when a program that reads today's output would misread tomorrow's.
 constexpr int schema = 1;
 
-struct shown_column {
+struct json_column {
     const char* key;
     const char* column;
 };
 
-constexpr shown_column bridge_columns[] = {
+constexpr json_column bridge_columns[] = {
     {"id", "Id"},
     {"parent_id", "ParentId"},
     {"node", "NodeIndex"},
@@ -32,7 +30,7 @@ constexpr shown_column bridge_columns[] = {
     {"subordinate_bus", "SubBusNo"},
 };
 
-constexpr shown_column function_columns[] = {
+constexpr json_column function_columns[] = {
     {"id", "Id"},
     {"parent_id", "BridgeId"},
     {"node", "NodeIndex"},
@@ -68,27 +66,20 @@ json problem_json(pci_problem problem) {
 }
 
 template <std::size_t Count>
-void add_columns(json& object, const pci_part& part, const shown_column (&columns)[Count]) {
-    for (const shown_column& shown : columns) {
-        object[shown.key] = value_json(values_of(*part.table, part.row, {shown.column}).front());
+void add_columns(json& object, const pci_part& part, const json_column (&columns)[Count]) {
+    for (const json_column& each : columns) {
+        object[each.key] = value_json(part.row[each.column]);
     }
 }
 
-void add_kind(json& object, const inventory_row& row) {
-    const auto class_code = row.number("ClsCode");
+void add_kind(json& object, const pci_part& part) {
+    const auto class_code = number_in(part.row["ClsCode"]);
     const pci_kind kind = class_code ? kind_of(*class_code) : pci_kind{nullptr, nullptr};
     object["class"] = text_or_null(kind.base_class);
     object["subclass"] = text_or_null(kind.subclass);
 }
 
-void add_names(json& object, const pci_part& part, const inventory_row& row, pci_names& names) {
-    const auto vendor = row.number("VendorId");
-    const auto device = row.number(part.is_bridge ? "DevId" : "DeviceId");
-    object["vendor_name"] = text_or_null(names.vendor(vendor));
-    object["device_name"] = text_or_null(names.device(vendor, device));
-}
-
-json part_json(const pci_part& part, pci_names& names) {
+json part_json(const pci_part& part) {
     json object = {
         {"type", part.is_bridge ? "bridge" : "function"},
         {"depth", part.depth},
@@ -100,18 +91,18 @@ json part_json(const pci_part& part, pci_names& names) {
     } else {
         add_columns(object, part, function_columns);
     }
-    const inventory_row row(*part.table, part.table->rows[part.row]);
-    add_kind(object, row);
-    add_names(object, part, row, names);
+    add_kind(object, part);
+    object["vendor_name"] = text_or_null(part.vendor_name);
+    object["device_name"] = text_or_null(part.device_name);
     return object;
 }
 
 }  // namespace
 
-void write_topology_json(const std::vector<pci_part>& parts, pci_names& names, std::ostream& out) {
+void write_topology_json(const std::vector<pci_part>& parts, std::ostream& out) {
     json document = {{"schema", schema}, {"parts", json::array()}};
     for (const pci_part& part : parts) {
-        document["parts"].push_back(part_json(part, names));
+        document["parts"].push_back(part_json(part));
     }
     out << document.dump(2) << '\n';
 }

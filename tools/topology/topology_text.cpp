@@ -2,6 +2,7 @@
 
 #include "console/text_table.h"
 #include "console/utf8.h"
+#include "rows/column_units.h"
 #include "rows/row_text.h"
 #include "topology/pci_kind.h"
 #include "topology/topology_formats.h"
@@ -30,11 +31,11 @@ struct tree_line {
 };
 
 std::string node_text(const inventory_row& row) {
-    const std::string index = row_texts::index(row, "NodeIndex");
+    const std::string index = column_units::index(row["NodeIndex"]);
     return index == "-" ? "No node" : "Node " + index;
 }
 
-std::string group_text(const pci_part& root, const inventory_row& row) {
+std::string group_text(const pci_part& root) {
     switch (root.problem) {
         case pci_problem::missing_bridge:
             return "Behind a missing bridge";
@@ -43,79 +44,66 @@ std::string group_text(const pci_part& root, const inventory_row& row) {
         case pci_problem::none:
             break;
     }
-    return "Segment " + row_texts::segment(row, "SegNo");
+    return "Segment " + column_units::segment(root.row["SegNo"]);
 }
 
 std::string bridge_text(const inventory_row& row) {
-    const std::string buses = row_texts::bus_range(row, nullptr);
+    const std::string buses = row_texts::bus_range(row);
     return buses == "-" ? "bridge" : "bridge [" + buses + ']';
 }
 
 std::string kind_text(const inventory_row& row) {
-    const auto class_code = row.number("ClsCode");
+    const auto class_code = number_in(row["ClsCode"]);
     if (!class_code) {
         return "function";
     }
     const pci_kind kind = kind_of(*class_code);
     if (kind.base_class == nullptr) {
-        return "class " + row_texts::class_code(row, "ClsCode");
+        return "class " + column_units::class_code(row["ClsCode"]);
     }
     return kind.subclass == nullptr ? kind.base_class : std::string(kind.base_class) + " (" + kind.subclass + ')';
 }
 
-// Nothing where there is none.
-std::string designation_text(const inventory_row& row) {
-    const std::string text = row_texts::plain(row, "SlotDesignation");
-    if (text.find_first_not_of("- ") == std::string::npos) {
-        return "";
-    }
-    const std::size_t first = text.find_first_not_of(' ');
-    return text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
-
 std::string slot_text(const inventory_row& row) {
-    const std::string number = row_texts::index(row, "SlotNo");
-    const std::string designation = designation_text(row);
+    const std::string number = column_units::index(row["SlotNo"]);
+    const std::string designation = stripped(column_units::plain(row["SlotDesignation"]));
     return (number == "-" ? "" : ", slot " + number) + (designation.empty() ? "" : ", " + designation);
 }
 
-std::string name_text(const pci_part& part, const inventory_row& row, pci_names& names) {
-    const auto vendor = row.number("VendorId");
-    const std::string ids = part.is_bridge ? row_texts::bridge_id(row, nullptr) : row_texts::device_id(row, nullptr);
+std::string name_text(const pci_part& part) {
+    const std::string ids = part.is_bridge ? row_texts::bridge_id(part.row) : row_texts::device_id(part.row);
     const std::string known_by_ids = '[' + ids + ']';
-    if (const auto name = names.vendor(vendor)) {
-        const auto device = row.number(part.is_bridge ? "DevId" : "DeviceId");
-        return ": " + *name + ' ' + names.device(vendor, device).value_or(known_by_ids);
+    if (part.vendor_name) {
+        return ": " + *part.vendor_name + ' ' + part.device_name.value_or(known_by_ids);
     }
     return ids == "-" ? "" : ": " + known_by_ids;
 }
 
-std::string part_text(const pci_part& part, const inventory_row& row, pci_names& names) {
+std::string line_text(const pci_part& part) {
     const std::string depth = part.depth > deepest_drawn ? "behind " + std::to_string(part.depth) + " bridges: " : "";
-    const std::string what = part.is_bridge ? row_texts::bridge_address(row, nullptr) + ' ' + bridge_text(row)
-                                            : row_texts::device_address(row, nullptr) + ' ' + kind_text(row);
-    return depth + what + slot_text(row) + name_text(part, row, names);
+    const std::string what = part.is_bridge ? row_texts::bridge_address(part.row) + ' ' + bridge_text(part.row)
+                                            : row_texts::device_address(part.row) + ' ' + kind_text(part.row);
+    return depth + what + slot_text(part.row) + name_text(part);
 }
 
-std::vector<tree_line> lines_of(const std::vector<pci_part>& parts, pci_names& names) {
+std::vector<tree_line> lines_of(const std::vector<pci_part>& parts) {
     constexpr std::size_t levels_above_roots = 2;
     std::vector<tree_line> lines;
     std::string node;
     std::string group;
     for (const pci_part& part : parts) {
-        const inventory_row row(*part.table, part.table->rows[part.row]);
         if (part.depth == 0) {
-            if (node != node_text(row)) {
-                node = node_text(row);
+            if (node != node_text(part.row)) {
+                node = node_text(part.row);
                 group.clear();
                 lines.push_back({0, node});
             }
-            if (group != group_text(part, row)) {
-                group = group_text(part, row);
+            if (group != group_text(part)) {
+                group = group_text(part);
                 lines.push_back({1, group});
             }
         }
-        lines.push_back({levels_above_roots + std::min(part.depth, deepest_drawn), part_text(part, row, names)});
+        lines.push_back({levels_above_roots + std::min(part.depth, deepest_drawn), line_text(part)});
     }
     return lines;
 }
@@ -134,14 +122,14 @@ std::vector<bool> ends_of_branches(const std::vector<tree_line>& lines) {
 
 }  // namespace
 
-void write_topology_text(const std::vector<pci_part>& parts, pci_names& names, std::ostream& out) {
+void write_topology_text(const std::vector<pci_part>& parts, std::ostream& out) {
     if (parts.empty()) {
         out << "No PCI bridges or functions.\n";
         return;
     }
     const text_style style = output_style();
     const branches& drawn = style.utf8 ? box_branches : ascii_branches;
-    const std::vector<tree_line> lines = lines_of(parts, names);
+    const std::vector<tree_line> lines = lines_of(parts);
     const std::vector<bool> ends = ends_of_branches(lines);
     std::vector<const char*> above;  // what goes before a line for each level but that of headings
     for (std::size_t i = 0; i < lines.size(); ++i) {

@@ -1,0 +1,68 @@
+#include "rows/table.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+constexpr const char* redacted_columns[] = {"SerialNo", "AssetTag"};
+
+constexpr const char* placeholder = "[redacted]";
+
+bool is_redacted(const std::string& column) {
+    return std::find(std::begin(redacted_columns), std::end(redacted_columns), column) != std::end(redacted_columns);
+}
+
+}  // namespace
+
+bool is_put(const inventory_value& value) {
+    return !std::holds_alternative<std::monostate>(value);
+}
+
+const std::string* text_in(const inventory_value& value) {
+    return std::get_if<std::string>(&value);
+}
+
+std::optional<std::uint64_t> number_in(const inventory_value& value) {
+    if (const auto* number = std::get_if<std::uint64_t>(&value)) {
+        return *number;
+    }
+    if (const auto* number = std::get_if<std::int64_t>(&value)) {
+        return static_cast<std::uint64_t>(*number);
+    }
+    return std::nullopt;
+}
+
+std::optional<std::size_t> find_column(const inventory_table& table, const std::string& name) {
+    const auto found = std::find(table.columns.begin(), table.columns.end(), name);
+    if (found == table.columns.end()) {
+        return std::nullopt;
+    }
+    return found - table.columns.begin();
+}
+
+const inventory_value& inventory_row::operator[](const std::string& column) const {
+    static const inventory_value never_put;
+    const auto found = find_column(*table_, column);
+    return found ? table_->rows[place_][*found] : never_put;
+}
+
+std::vector<inventory_value> inventory_row::values(const std::vector<std::string>& columns) const {
+    std::vector<inventory_value> values;
+    std::transform(columns.begin(), columns.end(), std::back_inserter(values),
+                   [this](const std::string& column) { return (*this)[column]; });
+    return values;
+}
+
+void redact(inventory_table& table) {
+    for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        if (!is_redacted(table.columns[column])) {
+            continue;
+        }
+        for (std::vector<inventory_value>& row : table.rows) {
+            if (is_put(row[column])) {
+                row[column] = placeholder;
+            }
+        }
+    }
+}

@@ -1,0 +1,60 @@
+/// The arguments and options that several subcommands share.
+#ifndef TOOLS_SUBCOMMANDS_OPTIONS_H
+#define TOOLS_SUBCOMMANDS_OPTIONS_H
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "subcommands/command_line.h"
+
+/// Declares the argument FILE, a CDS file.
+void add_cds_file_argument(command_line& arguments, std::string& file);
+
+/// Declares --database; `path` becomes $ZEBDB_DATABASE, or "inventory.db", when it is not given.
+void add_database_option(command_line& arguments, std::string& path);
+
+/// Declares --root; `folder` stays empty when it is not given.
+void add_root_option(command_line& arguments, std::string& folder);
+
+/// Declares what hides serial numbers.
+void add_redact_flag(command_line& arguments, bool& value);
+
+/// The formats in which a subcommand prints its answer, and the one that is chosen. `Write` points to a function that
+/// writes the answer.
+template <class Write>
+class output_format {
+public:
+    /// Each with its name on the command line; the first is the default.
+    output_format(std::string description, std::vector<std::pair<std::string, Write>> all)
+        : description_(std::move(description)), all_(std::move(all)), chosen_(all_.front().first) {}
+
+    /// Declares --format.
+    void add_option(command_line& arguments) {
+        std::vector<std::string> names;
+        for (const auto& [name, write] : all_) {
+            names.push_back(name);
+        }
+        arguments.format_option(chosen_, description_, names);
+    }
+
+    /// What writes the chosen format.
+    Write writer() const {
+        return std::find_if(all_.begin(), all_.end(), [this](const auto& each) { return each.first == chosen_; })
+            ->second;
+    }
+
+private:
+    std::string description_;
+    std::vector<std::pair<std::string, Write>> all_;
+    std::string chosen_;
+};
+
+/// The two formats that most answers have.
+template <class Write>
+output_format<Write> text_or_json(Write text, Write json) {
+    return {"text, for people; json, for programs", {{"text", text}, {"json", json}}};
+}
+
+#endif
