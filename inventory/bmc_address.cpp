@@ -66,7 +66,6 @@ recorded_address read_recorded() {
     const file_ptr file(std::fopen(address_file, "rb"));
     if (file != nullptr) {
         recorded.present = true;
-        std::rewind(file.get());
         recorded.bytes = static_cast<int>(std::fread(recorded.address.data(), 1, address_size, file.get()));
     }
     return recorded;
