@@ -11,16 +11,21 @@ namespace {
 
 constexpr unsigned operator_indent_width = 2;
 
+// Whoever reads along sees every line as soon as it is whole.
+std::ostream& end_line(std::ostream& out) {
+    return out << '\n' << std::flush;
+}
+
 // Writes lines at the depth of one element.
 class line_writer {
 public:
     line_writer(std::ostream& out, std::uint32_t level, unsigned indent_width)
         : out_(out), level_(level), indent_width_(indent_width) {}
 
-    void opening(const char* tag) { indent(level_) << '<' << tag << '>' << std::endl; }
-    void closing(const char* tag) { indent(level_) << "</" << tag << '>' << std::endl; }
+    void opening(const char* tag) { indent(level_) << '<' << tag << '>' << end_line; }
+    void closing(const char* tag) { indent(level_) << "</" << tag << '>' << end_line; }
     void leaf(const char* tag, const std::string& text) {
-        indent(level_ + 1) << '<' << tag << '>' << text << "</" << tag << '>' << std::endl;
+        indent(level_ + 1) << '<' << tag << '>' << text << "</" << tag << '>' << end_line;
     }
 
 private:
@@ -80,7 +85,7 @@ void component::dump(std::ostream& out, unsigned int indent_width) const {
 }
 
 void document::dump(std::ostream& out, unsigned int indent_width) const {
-    out << R"(<?xml version="1.0" encoding="UTF-8"?>)" << std::endl;
+    out << R"(<?xml version="1.0" encoding="UTF-8"?>)" << end_line;
     root.dump(out, indent_width);
 }
 

@@ -39,7 +39,7 @@ const setting_group* main_server_info(const component& candidate) {
 
 int walk_children(parser& walker, _zeb_db_handle_t* handle, const component& parent) {
     parser::component_visitor visit_component{handle, &walker};
-    parser::child_slot_group_visitor visit_group{&visit_component};
+    const parser::child_slot_group_visitor visit_group{&visit_component};
     for (child_slot_group* group : parent.child_slot_groups) {
         visit_group(group);
     }

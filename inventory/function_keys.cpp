@@ -102,8 +102,7 @@ int read_fkeys_fromFile(const char* path, function_key_list& keys) {
     if (bytes == nullptr) {
         return -1;
     }
-    std::rewind(file.get());
-    if (std::fread(bytes.get(), 1, size, file.get()) != size) {
+    if (std::fseek(file.get(), 0, SEEK_SET) != 0 || std::fread(bytes.get(), 1, size, file.get()) != size) {
         vonk_log::logErr("%s: reading %s failed!", "read_fkeys_fromFile", path);
         return -1;
     }

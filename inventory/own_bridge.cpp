@@ -41,7 +41,6 @@ recorded_address read_recorded_address() {
     const file_ptr file(std::fopen(own_bridge_file, "rb"));
     if (file != nullptr) {
         recorded.present = true;
-        std::rewind(file.get());
         recorded.bytes = std::fread(recorded.address.data(), 1, recorded.address.size(), file.get());
     }
     return recorded;

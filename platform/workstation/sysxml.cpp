@@ -26,7 +26,7 @@ struct reading {
     xmlParserCtxtPtr parser = nullptr;  // of the stream; an entity's text is read by a parser of its own
     int stream_error = 0;               // of the system, when the stream failed
     bool stream_failed = false;         // the stream itself, not the text in it
-    std::string problem = {};           // the first one, with its place
+    std::string problem;                // the first one, with its place
 };
 
 struct context_deleter {
@@ -78,16 +78,22 @@ void declare_entity(void* context, const xmlChar* name, int type, const xmlChar*
     xmlStopParser(parser);
 }
 
+// Whether the stream is sound after reading on, also at its end. One that was told to throw passes on whatever its buffer
+// threw; its state says what happened.
+bool read_on(std::istream& in, char* buffer, int size) {
+    try {
+        in.read(buffer, size);
+        return !in.bad();
+    } catch (...) {
+        return !in.bad();
+    }
+}
+
 // A stream that fails ends the input here; it is reported once libxml2 is done.
 int read_block(void* opaque, char* buffer, int size) {
     auto& state = *static_cast<reading*>(opaque);
     errno = 0;
-    try {
-        state.in.read(buffer, size);
-    } catch (...) {
-        // A stream that was told to throw passes on whatever its buffer threw. Its state says what happened.
-    }
-    if (state.in.bad()) {
+    if (!read_on(state.in, buffer, size)) {
         state.stream_error = errno;
         state.stream_failed = true;
         return 0;

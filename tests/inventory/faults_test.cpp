@@ -118,12 +118,12 @@ protected:
     void fail_each_function() {
         const std::set<std::string> never_fail = {"zeb_db_content_clear", "zeb_db_free_content_values",
                                                   "zeb_db_free_result"};
-        for (const auto& [function, count] : uses()) {
-            if (never_fail.count(function) != 0) {
+        for (const auto& use : uses()) {
+            const std::string& name = use.first;
+            if (never_fail.count(name) != 0) {
                 continue;
             }
-            const std::string& name = function;
-            for (const int occurrence : {1, count}) {
+            for (const int occurrence : {1, use.second}) {
                 EXPECT_TRUE(run([&](auto& platform) { platform.fail_once(name, occurrence, failure); })) << name;
             }
             EXPECT_TRUE(run([&](auto& platform) { platform.fail(name, failure); })) << name;

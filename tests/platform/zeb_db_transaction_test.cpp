@@ -220,7 +220,7 @@ public:
         usual_handler_ = signal(SIGXFSZ, SIG_IGN);
         getrlimit(RLIMIT_FSIZE, &usual_);
         rlimit limit = usual_;
-        limit.rlim_cur = bytes;
+        limit.rlim_cur = static_cast<rlim_t>(bytes);
         setrlimit(RLIMIT_FSIZE, &limit);
     }
     ~file_size_limit() {
