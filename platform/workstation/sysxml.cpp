@@ -22,6 +22,8 @@ namespace {
 
 // What the callbacks of one reading share.
 struct reading {
+    explicit reading(std::istream& stream) : in(stream) {}
+
     std::istream& in;
     xmlParserCtxtPtr parser = nullptr;  // of the stream; an entity's text is read by a parser of its own
     int stream_error = 0;               // of the system, when the stream failed
@@ -138,7 +140,7 @@ doc_ptr read_document(std::istream& in, bool recover) {
     if (!in) {
         throw_unreadable(0);
     }
-    reading state{in};
+    reading state(in);
     const context_ptr context = make_context(state);
     const thread_errors_to errors(context.get());
     const int options = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_COMPACT | (recover ? XML_PARSE_RECOVER : 0);
