@@ -1,6 +1,12 @@
 #include "schema.h"
 
-const char* const inventory_schema = R"sql(
+#include <iterator>
+
+namespace {
+
+constexpr const char* steps[] = {
+    // Databases had these tables, or some of them, before their versions were counted.
+    R"sql(
 CREATE TABLE IF NOT EXISTS Processor (
     Id INTEGER PRIMARY KEY,
     NodeIndex INTEGER, Socket TEXT, ProcType INTEGER, Family INTEGER, Manufacturer TEXT, ProcId INTEGER, Version TEXT,
@@ -46,4 +52,9 @@ CREATE TABLE IF NOT EXISTS PendingFirmware (
     Id INTEGER PRIMARY KEY,
     Component TEXT NOT NULL, Version TEXT NOT NULL
 );
-)sql";
+)sql",
+};
+
+}  // namespace
+
+const database_schema inventory_schema = {steps, static_cast<int>(std::size(steps))};

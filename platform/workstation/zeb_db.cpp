@@ -9,13 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "schema.h"
 #include "zeb_db_handle.h"
-#include "zeb_db_workstation.h"
 
 namespace {
 
-constexpr int busy_timeout_ms = 5000;
 constexpr int row_available = 9;
 
 // Far more than the column sets of any real file; beyond it the statements are made anew.
@@ -45,16 +42,6 @@ struct zeb_db_result_t {
 };
 
 namespace {
-
-// No exception crosses the C interface.
-template <class Body>
-int guarded(Body body) {
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        return SQLITE_NOMEM;
-    }
-}
 
 int reported(const _zeb_db_handle_t& handle, int rc, const std::string& action) {
     vonk_log::logErr("inventory database: %s: %s", action.c_str(), sqlite3_errmsg(handle.connection.get()));
@@ -210,27 +197,6 @@ std::string query_sql(const char* table, const char* const* columns, unsigned co
     return order_by == nullptr ? sql : sql + " ORDER BY " + order_by;
 }
 
-int open_connection(const char* path, _zeb_db_handle_t& handle) {
-    sqlite3* connection = nullptr;
-    const int rc =
-        sqlite3_open_v2(path, &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
-    handle.connection.reset(connection);
-    if (rc != SQLITE_OK) {
-        return rc;
-    }
-    sqlite3_busy_timeout(connection, busy_timeout_ms);
-    // Else SQLite takes a quoted name that is no column for a text.
-    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
-    return sqlite3_exec(connection, (std::string("BEGIN;") + inventory_schema + "COMMIT;").c_str(), nullptr, nullptr,
-                        nullptr);
-}
-
-std::string open_problem(sqlite3* connection) {
-    const int system_error = sqlite3_system_errno(connection);
-    const std::string message = sqlite3_errmsg(connection);
-    return system_error == 0 ? message : message + " (" + std::strerror(system_error) + ")";
-}
-
 }  // namespace
 
 int execute(_zeb_db_handle_t& handle, const char* sql, const char* action) {
@@ -239,28 +205,6 @@ int execute(_zeb_db_handle_t& handle, const char* sql, const char* action) {
     }
     const int rc = sqlite3_exec(handle.connection.get(), sql, nullptr, nullptr, nullptr);
     return rc == SQLITE_OK ? rc : reported(handle, rc, action);
-}
-
-int zeb_db_open(const char* path, _zeb_db_handle_t** handle) {
-    if (path == nullptr || handle == nullptr) {
-        return SQLITE_MISUSE;
-    }
-    *handle = nullptr;
-    return guarded([&] {
-        auto opened = std::make_unique<_zeb_db_handle_t>();
-        const int rc = open_connection(path, *opened);
-        if (rc != SQLITE_OK) {
-            vonk_log::logErr("cannot open inventory database '%s': %s", path,
-                             open_problem(opened->connection.get()).c_str());
-            return rc;
-        }
-        *handle = opened.release();
-        return SQLITE_OK;
-    });
-}
-
-void zeb_db_close(_zeb_db_handle_t* handle) {
-    delete handle;
 }
 
 int zeb_db_delete(_zeb_db_handle_t* handle, const char* table, const char* condition, const char* const* arguments,

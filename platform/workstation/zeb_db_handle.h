@@ -6,6 +6,7 @@
 #include <zeb_db.h>
 
 #include <memory>
+#include <new>
 #include <string>
 #include <unordered_map>
 
@@ -26,6 +27,16 @@ struct _zeb_db_handle_t {
     bool in_transaction = false;
     bool has_memory_tables = false;
 };
+
+/// No exception crosses the C interface.
+template <class Body>
+int guarded(Body body) {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return SQLITE_NOMEM;
+    }
+}
 
 /// Runs one or more SQL statements; a failure is logged with `action` in front. SQLite's result code. Refused while the
 /// caller counts on a transaction that SQLite gave up.

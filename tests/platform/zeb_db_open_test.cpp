@@ -9,52 +9,7 @@ using testing::IsEmpty;
 
 namespace {
 
-class OpenDatabase : public DatabaseTest {
-protected:
-    std::vector<std::string> columns(const std::string& table) const {
-        return rows("SELECT name FROM pragma_table_info('" + table + "')");
-    }
-};
-
-TEST_F(OpenDatabase, MakesTheTablesOfTheInventory) {
-    EXPECT_THAT(rows("SELECT name FROM sqlite_schema WHERE name IN ('Processor', 'Memory', 'PCIBridge', 'PCIs', "
-                     "'PCIAdapter') AND type = 'table' ORDER BY name"),
-                ElementsAre("Memory", "PCIAdapter", "PCIBridge", "PCIs", "Processor"));
-}
-
-TEST_F(OpenDatabase, GivesProcessorTheColumnsOfItsRecord) {
-    EXPECT_THAT(
-        columns("Processor"),
-        ElementsAre("Id", "NodeIndex", "Socket", "ProcType", "Family", "Manufacturer", "ProcId", "Version", "Voltage",
-                    "ExtClock", "MaxSpeed", "CurSpeed", "Status", "Upgrade", "SerialNo", "AssetTag", "PartNo",
-                    "CoreCount", "CoreEnabled", "ThreadCount", "Characteristics", "L1CacheMaxSize", "L1CacheInstalled",
-                    "L1CacheType", "L1CacheConfig", "L2CacheMaxSize", "L2CacheInstalled", "L2CacheType",
-                    "L2CacheConfig", "L3CacheMaxSize", "L3CacheInstalled", "L3CacheType", "L3CacheConfig"));
-}
-
-TEST_F(OpenDatabase, GivesMemoryTheColumnsOfItsRecord) {
-    EXPECT_THAT(columns("Memory"),
-                ElementsAre("Id", "ArrayId", "NodeIndex", "SlotNo", "TotalWidth", "DataWidth", "MemSize", "FormFactor",
-                            "DevLocator", "BankLocator", "MemType", "TypeDetail", "MaxSpeed", "ClockSpeed",
-                            "Manufacturer", "SerialNo", "AssetTag", "PartNo", "Attributes", "Capacity", "MemCapacity",
-                            "AppDirCap", "UnconfigCap", "InaccCap", "ReservedCap", "Classification", "FirmwareVersion",
-                            "SoftwareID", "CPUIndex", "iMCNum", "ChannelNum", "DimmNum"));
-}
-
-TEST_F(OpenDatabase, GivesPCIBridgeTheColumnsOfItsRecord) {
-    EXPECT_THAT(columns("PCIBridge"),
-                ElementsAre("Id", "ParentId", "NodeIndex", "SegNo", "BusNo", "DevNo", "FunNo", "VendorId", "DevId",
-                            "RevId", "ClsCode", "PriBusNo", "SndBusNo", "SubBusNo"));
-}
-
-TEST_F(OpenDatabase, GivesPCIsTheColumnsOfItsRecord) {
-    EXPECT_THAT(
-        columns("PCIs"),
-        ElementsAre("Id", "BridgeId", "NodeIndex", "DevKey", "FunKey", "SegNo", "BusNo", "DeviceNo", "FunctionNo",
-                    "SlotNo", "Location", "VendorId", "ClsCode", "DeviceId", "RevId", "SubVendorId", "SubDeviceId",
-                    "SlotDesignation", "SlotType", "SlotDataBusWidth", "Hotplug", "PCIType", "BladeSlotPort",
-                    "LanesInUse", "MaxLanes", "MaxPCIeType", "PCIeType", "HardwareId", "HardwareTypeId", "FunType"));
-}
+using OpenDatabase = DatabaseTest;
 
 TEST_F(OpenDatabase, KeepsTheRowsThatAreThere) {
     ASSERT_EQ(insert("CPU 1", 8), 0);

@@ -1,0 +1,78 @@
+#include "migration.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "zeb_db_workstation.h"
+
+namespace {
+
+std::optional<refusal> run(sqlite3* connection, const std::string& sql) {
+    const int rc = sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr);
+    return rc == SQLITE_OK ? std::nullopt : std::optional(refused_by_sqlite(connection, rc));
+}
+
+std::optional<refusal> read_version(sqlite3* connection, int& version) {
+    const auto keep = [](void* kept, int, char** values, char**) {
+        *static_cast<int*>(kept) = static_cast<int>(std::strtol(values[0], nullptr, 10));
+        return 0;
+    };
+    const int rc = sqlite3_exec(connection, "PRAGMA user_version", keep, &version, nullptr);
+    return rc == SQLITE_OK ? std::nullopt : std::optional(refused_by_sqlite(connection, rc));
+}
+
+bool lacks_steps(const database_schema& schema, int version) {
+    return version >= 0 && version < schema.version;
+}
+
+// Another process may take the step while this one waits for the lock.
+std::optional<refusal> take_step_in_transaction(sqlite3* connection, const database_schema& schema, int& version) {
+    if (auto problem = read_version(connection, version)) {
+        return problem;
+    }
+    if (lacks_steps(schema, version)) {
+        const std::string step = schema.steps[version];
+        if (auto problem = run(connection, step + ";PRAGMA user_version=" + std::to_string(version + 1))) {
+            return problem;
+        }
+        ++version;
+    }
+    return run(connection, "COMMIT");
+}
+
+std::optional<refusal> take_step(sqlite3* connection, const database_schema& schema, int& version) {
+    if (auto problem = run(connection, "BEGIN IMMEDIATE")) {
+        return problem;
+    }
+    auto problem = take_step_in_transaction(connection, schema, version);
+    if (problem) {
+        run(connection, "ROLLBACK");
+    }
+    return problem;
+}
+
+refusal refused_version(const database_schema& schema, int version) {
+    return {zeb_db_is_newer, "it was made by a newer version (its schema is version " + std::to_string(version) +
+                                 ", this one knows " + std::to_string(schema.version) +
+                                 " and earlier); use that version or another database"};
+}
+
+}  // namespace
+
+refusal refused_by_sqlite(sqlite3* connection, int code) {
+    const int system_error = sqlite3_system_errno(connection);
+    const std::string message = sqlite3_errmsg(connection);
+    return {code, system_error == 0 ? message : message + " (" + std::strerror(system_error) + ")"};
+}
+
+std::optional<refusal> migrate(sqlite3* connection, const database_schema& schema) {
+    int version = 0;
+    auto problem = read_version(connection, version);
+    while (!problem && lacks_steps(schema, version)) {
+        problem = take_step(connection, schema, version);
+    }
+    if (problem || version == schema.version) {
+        return problem;
+    }
+    return refused_version(schema, version);
+}

@@ -1,0 +1,57 @@
+// Opening an inventory database, whatever version of this platform made it.
+
+#include <vonk_log.h>
+
+#include <memory>
+#include <optional>
+
+#include "migration.h"
+#include "zeb_db_handle.h"
+#include "zeb_db_workstation.h"
+
+namespace {
+
+constexpr int busy_timeout_ms = 5000;
+
+bool holds_inventory(sqlite3* connection) {
+    return sqlite3_table_column_metadata(connection, "main", "Processor", nullptr, nullptr, nullptr, nullptr, nullptr,
+                                         nullptr) == SQLITE_OK;
+}
+
+std::optional<refusal> open_connection(const char* path, _zeb_db_handle_t& handle) {
+    sqlite3* connection = nullptr;
+    const int rc =
+        sqlite3_open_v2(path, &connection, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    handle.connection.reset(connection);
+    if (rc != SQLITE_OK) {
+        return refused_by_sqlite(connection, rc);
+    }
+    sqlite3_busy_timeout(connection, busy_timeout_ms);
+    // Else SQLite takes a quoted name that is no column for a text.
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    const auto problem = migrate(connection, inventory_schema);
+    // An inventory that cannot be written can be read all the same; who tries to write is told so then.
+    return problem && problem->code == SQLITE_READONLY && holds_inventory(connection) ? std::nullopt : problem;
+}
+
+}  // namespace
+
+int zeb_db_open(const char* path, _zeb_db_handle_t** handle) {
+    if (path == nullptr || handle == nullptr) {
+        return SQLITE_MISUSE;
+    }
+    *handle = nullptr;
+    return guarded([&] {
+        auto opened = std::make_unique<_zeb_db_handle_t>();
+        if (const auto problem = open_connection(path, *opened)) {
+            vonk_log::logErr("cannot open inventory database '%s': %s", path, problem->reason.c_str());
+            return problem->code;
+        }
+        *handle = opened.release();
+        return SQLITE_OK;
+    });
+}
+
+void zeb_db_close(_zeb_db_handle_t* handle) {
+    delete handle;
+}

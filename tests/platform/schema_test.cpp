@@ -1,0 +1,142 @@
+// The tables of a workstation's inventory database and the columns that the library's record writers put.
+
+#include <algorithm>
+#include <map>
+
+#include "cds_parser/record_columns.h"
+#include "platform/database_test.h"
+#include "support/tree_builder.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::IsSupersetOf;
+
+namespace {
+
+using namespace cds_parser;
+
+/// A column and the type that its table gives it.
+using typed_column = std::pair<std::string, std::string>;
+
+/// A kind of record: its table, and a component that has every setting that a column is taken from.
+struct record_kind {
+    const char* table;
+    const char* group;
+    std::vector<typed_column> columns = {};
+    std::map<std::string, setting> settings = {};
+
+    template <std::size_t Count>
+    record_kind& with(const column (&added)[Count]) {
+        for (const column& each : added) {
+            const bool is_text = each.type == column_type::text;
+            // A column that is not for texts would take this one for a number.
+            add(each.name, is_text ? "TEXT" : "INTEGER",
+                is_text ? text(each.setting, "0123") : integer(each.setting, "1"));
+        }
+        return *this;
+    }
+
+    template <class Record, std::size_t Count>
+    record_kind& with(const number_column<Record> (&added)[Count]) {
+        for (const number_column<Record>& each : added) {
+            add(each.name, "INTEGER", integer(each.setting, "1"));
+        }
+        return *this;
+    }
+
+    record_kind& where(const setting& given) {
+        settings.insert_or_assign(given.name, given);
+        return *this;
+    }
+
+    friend std::ostream& operator<<(std::ostream& out, const record_kind& kind) { return out << kind.table; }
+
+private:
+    void add(const char* name, const char* type, const setting& value) {
+        columns.emplace_back(name, type);
+        settings.emplace(value.name, value);
+    }
+};
+
+const record_kind processor = record_kind{"Processor", processor_group}.with(processor_columns);
+const record_kind memory = record_kind{"Memory", memory_group}
+                               .with(memory_columns)
+                               .with(persistent_memory_columns)
+                               .where(integer("Type Detail", "0x1000"))
+                               .where(text("Manufacturer", "Intel"));
+const record_kind bridge = record_kind{"PCIBridge", bridge_group}.with(bridge_address_columns).with(bridge_columns);
+const record_kind device =
+    record_kind{"PCIs", device_group}.with(device_place_columns).with(device_kind_columns).with(device_columns);
+
+class Schema : public DatabaseTest, public testing::WithParamInterface<record_kind> {
+protected:
+    std::vector<typed_column> columns() const {
+        const std::string table = GetParam().table;
+        const auto names = rows("SELECT name FROM pragma_table_info('" + table + "')");
+        const auto types = rows("SELECT type FROM pragma_table_info('" + table + "')");
+        std::vector<typed_column> columns;
+        std::transform(names.begin(), names.end(), types.begin(), std::back_inserter(columns),
+                       [](const std::string& name, const std::string& type) { return typed_column(name, type); });
+        return columns;
+    }
+
+    /// Writes the record of a component that has every setting; false when the database does not take it.
+    bool write_record() {
+        std::vector<setting> settings;
+        for (const auto& [name, given] : GetParam().settings) {
+            settings.push_back(given);
+        }
+        const std::unique_ptr<component> written(make_component(GetParam().group, settings));
+        parser writer;
+        return writer.init() == 1 && writer.parse_component(handle.get(), written.get()) == 1;
+    }
+
+    /// How many rows a condition holds for.
+    std::string count(const std::string& condition) const {
+        return rows(std::string("SELECT count(*) FROM ") + GetParam().table + " WHERE " + condition).front();
+    }
+};
+
+TEST_P(Schema, HasTheColumnsOfTheRecordWithTheirTypes) {
+    EXPECT_THAT(columns(), IsSupersetOf(GetParam().columns));
+}
+
+TEST_P(Schema, TakesEveryColumnThatTheWriterPuts) {
+    EXPECT_TRUE(write_record());
+    EXPECT_EQ(count("true"), "1");
+}
+
+TEST_P(Schema, HasNoColumnThatTheWriterDoesNotPut) {
+    ASSERT_TRUE(write_record());
+    std::vector<std::string> empty;
+    for (const auto& [name, type] : columns()) {
+        if (count(name + " IS NOT NULL") == "0") {
+            empty.push_back(name);
+        }
+    }
+    EXPECT_THAT(empty, IsEmpty());
+}
+
+TEST_P(Schema, KeepsEveryValueAsTheTypeThatItWasPutAs) {
+    ASSERT_TRUE(write_record());
+    std::vector<std::string> others;
+    for (const auto& [name, type] : columns()) {
+        if (count("typeof(" + name + ") = lower('" + type + "')") == "0") {
+            others.push_back(name);
+        }
+    }
+    EXPECT_THAT(others, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Schema, testing::Values(processor, memory, bridge, device),
+                         [](const auto& tested) { return tested.param.table; });
+
+using SchemaOfTheDatabase = DatabaseTest;
+
+TEST_F(SchemaOfTheDatabase, HasTheTablesOfTheRecordsAndOfTheInventoryService) {
+    EXPECT_THAT(
+        rows("SELECT name FROM sqlite_schema WHERE type = 'table' ORDER BY name"),
+        ElementsAre("InventorySequence", "Memory", "PCIAdapter", "PCIBridge", "PCIs", "PendingFirmware", "Processor"));
+}
+
+}  // namespace
