@@ -105,7 +105,7 @@ TEST_F(SavePciDigest, KeepsTheFirstDigestWhenTheSecondCommandFails) {
 }
 
 TEST_F(SavePciDigest, FailsOnAReadOnlyFolder) {
-    make_read_only_folder("/tmp/read-only");
+    make_read_only_folder("/tmp/read-only", {"first.xml"});
     EXPECT_EQ(save_pci_digest("/tmp/read-only/first.xml", second), -1);
     EXPECT_FALSE(exists("/tmp/read-only/first.xml.digest"));
     EXPECT_THAT(platform.log,

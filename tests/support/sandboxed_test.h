@@ -94,9 +94,12 @@ protected:
         std::filesystem::permissions(path, std::filesystem::perms::owner_read);
     }
 
-    /// Nothing can be made in the folder.
-    static void make_read_only_folder(const std::string& path) {
+    /// Nothing can be made in the folder beside those files, which are empty.
+    static void make_read_only_folder(const std::string& path, const std::vector<std::string>& files) {
         std::filesystem::create_directory(path);
+        for (const std::string& name : files) {
+            write_file(path + '/' + name, "");
+        }
         std::filesystem::permissions(path, std::filesystem::perms::owner_read | std::filesystem::perms::owner_exec);
     }
 

@@ -82,7 +82,7 @@ protected:
 TEST_F(WholeDay, IsNoticedStepByStep) {
     server today;
     EXPECT_EQ(refresh(today), refreshed("changed    sequence 1", "changed    sequence 1"));
-    EXPECT_EQ(zebdb_cds("save-digest server.xml settings.bin").status, 0);
+    EXPECT_EQ(run("zebdb-cds save-digest server.xml settings.bin --root root").status, 0);
     expect_check(0, "unchanged\n");
 
     today.second_card = false;
