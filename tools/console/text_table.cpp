@@ -74,7 +74,7 @@ text_style output_style() {
     text_style style;
     style.utf8 = is_terminal(STDOUT_FILENO) && std::string(::nl_langinfo(CODESET)) == "UTF-8";
     if (is_styled(STDOUT_FILENO)) {
-        style.bold_headings = true;
+        style.has_control_sequences = true;
         style.width = terminal_width(STDOUT_FILENO);
     }
     return style;
@@ -85,7 +85,7 @@ std::string cut_text(const std::string& text, std::size_t width, const text_styl
 }
 
 std::string heading_text(const std::string& heading, const text_style& style) {
-    return style.bold_headings ? "\033[1m" + heading + "\033[0m" : heading;
+    return style.has_control_sequences ? "\033[1m" + heading + "\033[0m" : heading;
 }
 
 std::string table_text(const std::vector<text_column>& columns, const text_style& style) {

@@ -17,9 +17,9 @@ struct text_column {
 
 /// How text looks where it goes.
 struct text_style {
-    bool bold_headings = false;
-    std::size_t width = 0;  ///< of a line; 0 for any
-    bool utf8 = false;      ///< whether more than ASCII may be added to the data
+    bool has_control_sequences = false;  ///< for bold and coloured text
+    std::size_t width = 0;               ///< of a line; 0 for any
+    bool utf8 = false;                   ///< whether more than ASCII may be added to the data
 };
 
 /// The style for what is printed to standard output.

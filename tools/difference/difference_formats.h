@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "console/text_table.h"
 #include "difference/difference.h"
 
 /// For people: a line for each part, beneath it the columns that changed, in units. It may change at any time.
-std::string difference_text(const std::vector<table_difference>& differences);
+std::string difference_text(const std::vector<table_difference>& differences, const text_style& style);
 
 /// For programs: one object, {"schema": 1, "same": false, "processors": {"added": [...], ...}, ...}; rows in the order
 /// of their inventory, columns in that of their table.

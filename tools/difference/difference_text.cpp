@@ -1,11 +1,8 @@
 #include "difference/difference_formats.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <utility>
 
-#include "console/output.h"
 #include "console/text_table.h"
 #include "console/utf8.h"
 #include "rows/column_units.h"
@@ -36,11 +33,11 @@ std::string value_text(const inventory_value& value, column_unit unit) {
 // Writes the lines of one kind.
 class writer {
 public:
-    explicit writer(const table_difference& difference)
+    writer(const table_difference& difference, const text_style& style)
         : difference_(difference),
           old_(difference.old_table),
           new_(difference.new_table),
-          colored_(is_styled(STDOUT_FILENO)) {}
+          colored_(style.has_control_sequences) {}
 
     std::string text() {
         for (const std::size_t row : difference_.rows.added) {
@@ -146,11 +143,10 @@ std::string counts(const table_difference& difference) {
 
 }  // namespace
 
-std::string difference_text(const std::vector<table_difference>& differences) {
-    const text_style style = output_style();
+std::string difference_text(const std::vector<table_difference>& differences, const text_style& style) {
     std::string text;
     for (const table_difference& difference : differences) {
-        const std::string lines = writer(difference).text();
+        const std::string lines = writer(difference, style).text();
         if (!lines.empty()) {
             const std::string heading = std::string(difference.new_table.kind->title) + ": " + counts(difference);
             text += (text.empty() ? "" : "\n") + heading_text(heading, style) + '\n' + lines;

@@ -52,8 +52,7 @@ std::string component_text(const explanation& told, const text_style& style) {
 
 }  // namespace
 
-std::string explanation_text(const std::vector<explanation>& explanations) {
-    const text_style style = output_style();
+std::string explanation_text(const std::vector<explanation>& explanations, const text_style& style) {
     std::string text;
     for (const explanation& told : explanations) {
         text += component_text(told, style) + '\n';

@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "console/text_table.h"
 #include "rows/table.h"
 
-/// For people: the columns that matter, in units, on a terminal fitted to its width. It may change at any time.
-std::string listing_text(const std::vector<inventory_table>& tables);
+/// For people: the columns that matter, in units, fitted to the width of the style. It may change at any time.
+std::string listing_text(const std::vector<inventory_table>& tables, const text_style& style);
 
 /// For programs: one object, {"schema": 1, "processors": [...], ...}, each row an object of all its columns; a column
 /// that was never put is null.

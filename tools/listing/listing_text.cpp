@@ -128,8 +128,7 @@ std::vector<text_column> shown_columns_of(const inventory_table& table) {
 
 }  // namespace
 
-std::string listing_text(const std::vector<inventory_table>& tables) {
-    const text_style style = output_style();
+std::string listing_text(const std::vector<inventory_table>& tables, const text_style& style) {
     std::string text;
     for (const inventory_table& table : tables) {
         text += text.empty() ? "" : "\n";

@@ -5,6 +5,7 @@
 
 #include "console/failure.h"
 #include "console/output.h"
+#include "console/text_table.h"
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
 #include "sources/inventory.h"
@@ -14,10 +15,14 @@
 
 namespace {
 
+std::string text_of(const std::vector<table_difference>& differences) {
+    return difference_text(differences, output_style());
+}
+
 struct diff_options {
     std::string old_name;
     std::string new_name;
-    output_format<decltype(&difference_text)> format = text_or_json(difference_text, difference_json);
+    output_format<decltype(&difference_json)> format = text_or_json(text_of, difference_json);
     bool redact = false;
 };
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "console/output.h"
+#include "console/text_table.h"
 #include "explanation/explanation_formats.h"
 #include "sources/cds_file.h"
 #include "subcommands/options.h"
@@ -11,9 +12,13 @@
 
 namespace {
 
+std::string text_of(const std::vector<explanation>& explanations) {
+    return explanation_text(explanations, output_style());
+}
+
 struct explain_options {
     std::string file;
-    output_format<decltype(&explanation_text)> format = text_or_json(explanation_text, explanation_json);
+    output_format<decltype(&explanation_json)> format = text_or_json(text_of, explanation_json);
     bool all = false;
     bool redact = false;
 };

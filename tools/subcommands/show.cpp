@@ -8,6 +8,7 @@
 
 #include "console/failure.h"
 #include "console/output.h"
+#include "console/text_table.h"
 #include "listing/listing_formats.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
@@ -18,12 +19,16 @@
 
 namespace {
 
+std::string text_of(const std::vector<inventory_table>& tables) {
+    return listing_text(tables, output_style());
+}
+
 struct show_options {
     std::string kind;  // empty for all
     std::string database;
-    output_format<decltype(&listing_text)> format = {
+    output_format<decltype(&listing_json)> format = {
         "table, for people; json or csv, for programs",
-        {{"table", listing_text}, {"text", listing_text}, {"json", listing_json}, {"csv", listing_csv}},
+        {{"table", text_of}, {"text", text_of}, {"json", listing_json}, {"csv", listing_csv}},
     };
     bool redact = false;
 };

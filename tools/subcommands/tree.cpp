@@ -3,9 +3,11 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "console/failure.h"
 #include "console/output_stream.h"
+#include "console/text_table.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
 #include "sources/inventory.h"
@@ -19,10 +21,14 @@
 
 namespace {
 
+void write_text(const std::vector<pci_part>& parts, std::ostream& out) {
+    write_topology_text(parts, output_style(), out);
+}
+
 struct tree_options {
     std::string file;
     std::string database;
-    output_format<decltype(&write_topology_text)> format = text_or_json(write_topology_text, write_topology_json);
+    output_format<decltype(&write_topology_json)> format = text_or_json(write_text, write_topology_json);
 };
 
 inventory open(const command_line& arguments, const tree_options& options) {

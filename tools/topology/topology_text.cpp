@@ -122,12 +122,11 @@ std::vector<bool> ends_of_branches(const std::vector<tree_line>& lines) {
 
 }  // namespace
 
-void write_topology_text(const std::vector<pci_part>& parts, std::ostream& out) {
+void write_topology_text(const std::vector<pci_part>& parts, const text_style& style, std::ostream& out) {
     if (parts.empty()) {
         out << "No PCI bridges or functions.\n";
         return;
     }
-    const text_style style = output_style();
     const branches& drawn = style.utf8 ? box_branches : ascii_branches;
     const std::vector<tree_line> lines = lines_of(parts);
     const std::vector<bool> ends = ends_of_branches(lines);
