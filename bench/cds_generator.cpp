@@ -1,5 +1,6 @@
 #include "cds_generator.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <ostream>
 #include <random>

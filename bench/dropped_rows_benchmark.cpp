@@ -1,5 +1,7 @@
 // Times a load whose rows and log lines are dropped: the library and the XML library alone.
 
+#include <benchmark/benchmark.h>
+#include <zeb_db.h>
 #include <zeb_db_workstation.h>
 
 #include "step_benchmark.h"

@@ -2,8 +2,10 @@
 // and in the XML library alone: rows and log lines are dropped, shell commands are not run.
 
 #include <vonk_log.h>
+#include <zeb_db.h>
 #include <zeb_db_workstation.h>
 
+#include <cstdint>
 #include <cstdlib>
 
 namespace {

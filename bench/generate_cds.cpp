@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <fstream>

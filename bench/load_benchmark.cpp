@@ -1,12 +1,15 @@
 // Times a load into SQLite on the workstation platform, and its steps each for itself.
 
+#include <benchmark/benchmark.h>
 #include <sqlite3.h>
 #include <vonk_log_workstation.h>
+#include <zeb_db.h>
 #include <zeb_db_workstation.h>
 #include <zebdb_cds_parser.h>
 
 #include <cstdio>
 #include <cstdlib>
+#include <ios>
 #include <memory>
 #include <ostream>
 #include <stdexcept>

@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <string>
 
+#include <zeb_db.h>
 #include <zeb_db_workstation.h>
 
 #include "workloads.h"

@@ -4,6 +4,9 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
 
 #include "workloads.h"
 
@@ -17,6 +20,7 @@ void register_step(const timed_step& step, const std::string& path, std::size_t 
                                benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
     };
     const std::string name = step.name + (':' + path);
+    // NOLINTNEXTLINE(readability-redundant-string-cstr): benchmark 1.7 takes no std::string
     benchmark::RegisterBenchmark(name.c_str(), timed)->UseRealTime()->Unit(benchmark::kMillisecond);
 }
 

@@ -2,8 +2,12 @@
 
 #include <sqlite3.h>
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
 
 namespace {
 

@@ -1,8 +1,11 @@
 #include "workloads.h"
 
+#include <sysipc.h>
 #include <sysxml.h>
+#include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
+#include <cstddef>
 #include <fstream>
 #include <stdexcept>
 

@@ -1,7 +1,12 @@
 #include "zebdb_cds_parser/component.h"
 
+#include <cstdint>
+#include <vector>
+
 #include "setting_group_map.h"
 #include "zebdb_cds_parser/child_slot_group.h"
+#include "zebdb_cds_parser/element.h"
+#include "zebdb_cds_parser/setting_group.h"
 
 namespace cds_parser {
 

@@ -1,10 +1,15 @@
 // Writes the element tree as indented text. The text is compared byte for byte, so nothing is escaped or trimmed.
 
+#include <cstdint>
 #include <ostream>
+#include <string>
 
 #include "zebdb_cds_parser/child_slot_group.h"
 #include "zebdb_cds_parser/component.h"
 #include "zebdb_cds_parser/document.h"
+#include "zebdb_cds_parser/element.h"
+#include "zebdb_cds_parser/setting_group.h"
+#include "zebdb_cds_parser/setting_node.h"
 
 namespace cds_parser {
 namespace {

@@ -1,5 +1,7 @@
 #include "zebdb_cds_parser/element.h"
 
+#include <cstdint>
+
 namespace cds_parser {
 
 element::element(std::uint32_t nesting_level) : level(nesting_level) {}

@@ -1,5 +1,9 @@
 #include "zebdb_cds_parser/errors.h"
 
+#include <string>
+
+#include <sysipc.h>
+
 namespace cds_parser {
 
 node_error::node_error(const std::string& message) : sysipc::exception(message) {}

@@ -1,10 +1,16 @@
 // One row of "Memory" for each memory device; persistent-memory modules get their capacities and place as well.
 
+#include <cstddef>
+#include <string>
+
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include "record.h"
+#include "record_columns.h"
 #include "zebdb_cds_parser/component.h"
 #include "zebdb_cds_parser/parser.h"
+#include "zebdb_cds_parser/setting_group.h"
 
 namespace cds_parser {
 namespace {

@@ -5,14 +5,17 @@
 
 #include <cstdlib>
 
+#include <sysipc.h>
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include "record.h"
+#include "record_columns.h"
 #include "zebdb_cds_parser/child_slot_group.h"
 #include "zebdb_cds_parser/component.h"
 #include "zebdb_cds_parser/document.h"
 #include "zebdb_cds_parser/entry_points.h"
-#include "zebdb_cds_parser/errors.h"
+#include "zebdb_cds_parser/setting_group.h"
 
 namespace cds_parser {
 namespace {

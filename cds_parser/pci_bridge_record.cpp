@@ -1,10 +1,13 @@
 // One row of "PCIBridge" for each PCI bridge with a usable address.
 
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include "record.h"
+#include "record_columns.h"
 #include "zebdb_cds_parser/component.h"
 #include "zebdb_cds_parser/parser.h"
+#include "zebdb_cds_parser/setting_group.h"
 
 namespace cds_parser {
 int parser::parse_pci_bridge(_zeb_db_handle_t* handle, component* visited) {

@@ -1,14 +1,20 @@
 // One row of "PCIs" for each PCI function that has an address and a place in the server.
 
+#include <cstdint>
+#include <map>
+
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include "pci_class.h"
 #include "pci_device_ids.h"
 #include "pci_function_type.h"
 #include "pci_keys.h"
 #include "record.h"
+#include "record_columns.h"
 #include "zebdb_cds_parser/component.h"
 #include "zebdb_cds_parser/parser.h"
+#include "zebdb_cds_parser/setting_group.h"
 
 namespace cds_parser {
 namespace {

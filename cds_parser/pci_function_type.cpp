@@ -1,6 +1,7 @@
 #include "pci_function_type.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 
 #include "pci_class.h"

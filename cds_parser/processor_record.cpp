@@ -1,10 +1,15 @@
 // One row of "Processor" for each processor.
 
+#include <string>
+
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include "record.h"
+#include "record_columns.h"
 #include "zebdb_cds_parser/component.h"
 #include "zebdb_cds_parser/parser.h"
+#include "zebdb_cds_parser/setting_group.h"
 
 namespace cds_parser {
 int parser::parse_processor(_zeb_db_handle_t* handle, component* visited) {

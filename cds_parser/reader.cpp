@@ -3,9 +3,13 @@
 
 #include <cstring>
 #include <fstream>
+#include <ios>
+#include <istream>
 #include <sstream>
+#include <string>
 
 #include <libxml/tree.h>
+#include <sysipc.h>
 #include <sysxml.h>
 
 #include "xml_document.h"
@@ -13,6 +17,8 @@
 #include "zebdb_cds_parser/component.h"
 #include "zebdb_cds_parser/document.h"
 #include "zebdb_cds_parser/errors.h"
+#include "zebdb_cds_parser/setting_group.h"
+#include "zebdb_cds_parser/setting_node.h"
 
 namespace cds_parser {
 namespace {

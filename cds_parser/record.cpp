@@ -1,5 +1,14 @@
 #include "record.h"
 
+#include <cstddef>
+#include <cstdint>
+
+#include <zeb_db.h>
+
+#include "record_columns.h"
+#include "zebdb_cds_parser/setting_group.h"
+#include "zebdb_cds_parser/setting_node.h"
+
 namespace cds_parser {
 namespace {
 

@@ -1,5 +1,10 @@
 #include "zebdb_cds_parser/setting_group.h"
 
+#include <cstdint>
+
+#include "zebdb_cds_parser/element.h"
+#include "zebdb_cds_parser/setting_node.h"
+
 namespace cds_parser {
 
 const char* setting_group::TAG = "setting_group";

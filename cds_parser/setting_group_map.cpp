@@ -1,5 +1,10 @@
 #include "setting_group_map.h"
 
+#include <string>
+#include <vector>
+
+#include "zebdb_cds_parser/setting_group.h"
+
 namespace cds_parser {
 
 void add_group(setting_group_map& groups, setting_group* group) {

@@ -1,7 +1,11 @@
 #include "zebdb_cds_parser/setting_node.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <string>
+
+#include "zebdb_cds_parser/element.h"
 
 namespace cds_parser {
 namespace {

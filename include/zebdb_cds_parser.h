@@ -2,6 +2,7 @@
 #ifndef ZEBDB_CDS_PARSER_H
 #define ZEBDB_CDS_PARSER_H
 
+// IWYU pragma: begin_exports
 #include "zebdb_cds_parser/child_slot_group.h"
 #include "zebdb_cds_parser/component.h"
 #include "zebdb_cds_parser/document.h"
@@ -11,5 +12,6 @@
 #include "zebdb_cds_parser/parser.h"
 #include "zebdb_cds_parser/setting_group.h"
 #include "zebdb_cds_parser/setting_node.h"
+// IWYU pragma: end_exports
 
 #endif

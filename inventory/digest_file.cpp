@@ -2,6 +2,7 @@
 
 #include "digest_file.h"
 
+#include <stdio.h>
 #include <unistd.h>
 #include <vonk_log.h>
 

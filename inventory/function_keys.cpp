@@ -1,12 +1,15 @@
 #include "function_keys.h"
 
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <optional>
 
 #include "query_result.h"
 

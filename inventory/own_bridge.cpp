@@ -1,7 +1,12 @@
 #include "own_bridge.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <memory>
+
+#include <zeb_db.h>
+
+#include "query_result.h"
 
 namespace {
 

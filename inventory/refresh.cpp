@@ -2,6 +2,7 @@
 
 #include <inventory_service.h>
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include <cstdlib>
 #include <string>

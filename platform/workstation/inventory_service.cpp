@@ -2,8 +2,10 @@
 
 #include "inventory_service_workstation.h"
 
+#include <inventory_service.h>
 #include <vonk_log.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

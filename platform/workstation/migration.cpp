@@ -2,7 +2,10 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <optional>
+#include <string>
 
+#include "schema.h"
 #include "zeb_db_workstation.h"
 
 namespace {

@@ -1,5 +1,8 @@
 #include <sysipc.h>
 
+#include <cstdint>
+#include <string>
+
 namespace sysipc {
 
 exception::exception(const std::string& message, std::int32_t first, std::int32_t second)

@@ -5,14 +5,15 @@
 
 #include <cerrno>
 #include <cstring>
+#include <ios>
 #include <istream>
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
-#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
 #include <sysipc.h>
@@ -80,8 +81,8 @@ void declare_entity(void* context, const xmlChar* name, int type, const xmlChar*
     xmlStopParser(parser);
 }
 
-// Whether the stream is sound after reading on, also at its end. One that was told to throw passes on whatever its buffer
-// threw; its state says what happened.
+// Whether the stream is sound after reading on, be it to its end. One that was told to throw passes on whatever its
+// buffer threw; its state says what happened.
 bool read_on(std::istream& in, char* buffer, int size) {
     try {
         in.read(buffer, size);

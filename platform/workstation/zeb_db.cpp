@@ -3,10 +3,12 @@
 #include <vonk_log.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "zeb_db_handle.h"

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "migration.h"
+#include "schema.h"
 #include "zeb_db_handle.h"
 #include "zeb_db_workstation.h"
 
