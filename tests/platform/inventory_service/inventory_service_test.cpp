@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <inventory_service_workstation.h>
 #include <unistd.h>
-#include <zeb_db_handle.h>
 
 #include <climits>
 #include <cstdlib>
@@ -106,12 +105,13 @@ protected:
         if (HasFatalFailure()) {
             return;
         }
-        handle = get_dmdb_handle();
+        connection = connection_opened_by([this] { handle = get_dmdb_handle(); });
         ASSERT_NE(handle, nullptr);
         seen = std::make_unique<sqlite_database>(database);
     }
 
     _zeb_db_handle_t* handle = nullptr;
+    sqlite3* connection = nullptr;
     std::unique_ptr<sqlite_database> seen;
 };
 
@@ -204,7 +204,7 @@ TEST_F(InventoryService, TakesNoNoticeWithoutADatabase) {
 class MemoryTables : public OpenInventoryService {
 protected:
     std::vector<std::string> in_memory(const std::string& table) {
-        return run_sql(handle->connection.get(), "SELECT * FROM memory." + table);
+        return run_sql(connection, "SELECT * FROM memory." + table);
     }
     std::vector<std::string> in_file(const std::string& table) { return seen->run("SELECT * FROM " + table); }
 };
