@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <inventory_service_workstation.h>
 #include <unistd.h>
+#include <zeb_db_workstation.h>
 
 #include <climits>
 #include <cstdlib>
@@ -88,6 +89,15 @@ TEST_F(InventoryService, GivesNullAndTheReasonForAFileThatIsNoDatabase) {
     EXPECT_EQ(get_dmdb_handle(), nullptr);
     EXPECT_THAT(log.lines,
                 ElementsAre("ERROR: cannot open inventory database '/tmp/named.db': file is not a database"));
+}
+
+TEST_F(InventoryService, TellsWhyItGivesNull) {
+    write_file(database, std::string(1000, 'x'));
+    ASSERT_EQ(get_dmdb_handle(), nullptr);
+    ASSERT_NE(zeb_db_first_failure(), nullptr);
+    EXPECT_EQ(zeb_db_first_failure()->code, SQLITE_NOTADB);
+    EXPECT_STREQ(zeb_db_first_failure()->text,
+                 "cannot open inventory database '/tmp/named.db': file is not a database");
 }
 
 TEST_F(InventoryService, GivesAHandleOnceTheDatabaseCanBeOpened) {
@@ -257,6 +267,13 @@ TEST_F(MemoryTables, AreKeptWhenTheyCannotBeRebuilt) {
                 ElementsAre("ERROR: inventory database: rebuild the in-memory tables: no such table: main.PCIAdapter"));
 }
 
+TEST_F(MemoryTables, TellWhyTheyCannotBeRebuilt) {
+    seen->run("DROP TABLE PCIAdapter");
+    ASSERT_NE(rebuild_tables_in_memory(handle), 0);
+    ASSERT_NE(zeb_db_first_failure(), nullptr);
+    EXPECT_STREQ(zeb_db_first_failure()->text, "rebuild the in-memory tables: no such table: main.PCIAdapter");
+}
+
 TEST_F(MemoryTables, CanBeRebuiltAfterAFailure) {
     seen->run("INSERT INTO Processor (Socket) VALUES ('CPU 1'); ALTER TABLE PCIAdapter RENAME TO Aside");
     ASSERT_NE(rebuild_tables_in_memory(handle), 0);
@@ -316,6 +333,9 @@ TEST_F(PendingFirmware, LeavesTheListAloneWhenItCannotBeRead) {
     EXPECT_EQ(list.entries, nullptr);
     EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory service: cannot read the pending firmware: no such table: "
                                        "PendingFirmware"));
+    ASSERT_NE(zeb_db_first_failure(), nullptr);
+    EXPECT_EQ(zeb_db_first_failure()->code, SQLITE_ERROR);
+    EXPECT_STREQ(zeb_db_first_failure()->text, "cannot read the pending firmware: no such table: PendingFirmware");
 }
 
 TEST_F(PendingFirmware, RefusesANullList) {
