@@ -12,6 +12,7 @@ if(ZEBDB_WORKSTATION_PLATFORM)
   install(TARGETS zebdb-cds)
   install(FILES
     platform/workstation/inventory_service_workstation.h
+    platform/workstation/sysxml_workstation.h
     platform/workstation/vonk_log_workstation.h
     platform/workstation/zeb_db_workstation.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zebdb_platform)

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "database_failure.h"
 #include "zeb_db_handle.h"
 #include "zeb_db_workstation.h"
 
@@ -140,16 +141,17 @@ int zebdb_get_pldm_firmware_pending_list(zebdb_pldm_firmware_pending_list* list)
     std::vector<zebdb_pldm_firmware_pending_entry> entries;
     const int rc = read_pending(*handle, entries);
     if (rc != SQLITE_OK) {
-        vonk_log::logErr("inventory service: cannot read the pending firmware: %s",
-                         sqlite3_errmsg(handle->connection.get()));
-        return rc;
+        const std::string text =
+            std::string("cannot read the pending firmware: ") + sqlite3_errmsg(handle->connection.get());
+        vonk_log::logErr("inventory service: %s", text.c_str());
+        return note_failure(rc, text);
     }
     void* copy = nullptr;
     if (!entries.empty()) {
         const std::size_t size = entries.size() * sizeof entries.front();
         copy = std::malloc(size);
         if (copy == nullptr) {
-            return SQLITE_NOMEM;
+            return note_lack_of_memory();
         }
         std::memcpy(copy, entries.data(), size);
     }

@@ -1,7 +1,7 @@
 // The XML library on a workstation: libxml2, fed from the stream in blocks, within its own limits of depth and size,
 // and reading nothing but that stream.
 
-#include <sysxml.h>
+#include "sysxml_workstation.h"
 
 #include <cerrno>
 #include <cstring>
@@ -16,10 +16,15 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
-#include <sysipc.h>
 
 namespace sysxml {
 namespace {
+
+// In the stream, counted from 1; zeros are none.
+struct place {
+    int line = 0;
+    int column = 0;
+};
 
 // What the callbacks of one reading share.
 struct reading {
@@ -29,7 +34,8 @@ struct reading {
     xmlParserCtxtPtr parser = nullptr;  // of the stream; an entity's text is read by a parser of its own
     int stream_error = 0;               // of the system, when the stream failed
     bool stream_failed = false;         // the stream itself, not the text in it
-    std::string problem;                // the first one, with its place
+    std::string problem;                // the first one
+    place where;                        // of the problem
 };
 
 struct context_deleter {
@@ -46,21 +52,27 @@ reading& reading_of(void* context) {
     return *static_cast<reading*>(static_cast<xmlParserCtxtPtr>(context)->_private);
 }
 
-// Where the stream is read, whatever entities the text there leads to; empty as long as none is open.
-std::string current_place(const reading& state) {
+// Where the stream is read, whatever entities the text there leads to; none as long as it is not open.
+place current_place(const reading& state) {
     if (state.parser->inputNr == 0) {
-        return "";
+        return {};
     }
     const xmlParserInput& input = *state.parser->inputTab[0];
-    return "line " + std::to_string(input.line) + ", column " + std::to_string(input.col) + ": ";
+    return {input.line, input.col};
 }
 
-void keep_first_problem(void* context, xmlErrorPtr error) {
-    reading& state = reading_of(context);
-    if (state.problem.empty() && error->level >= XML_ERR_ERROR) {
+void keep_first_problem(reading& state, const std::string& problem) {
+    if (state.problem.empty()) {
+        state.problem = problem;
+        state.where = current_place(state);
+    }
+}
+
+void take_error(void* context, xmlErrorPtr error) {
+    if (error->level >= XML_ERR_ERROR) {
         std::string text = error->message == nullptr ? "unknown error" : error->message;
         text.erase(text.find_last_not_of("\r\n") + 1);
-        state.problem = current_place(state) + text;
+        keep_first_problem(reading_of(context), text);
     }
 }
 
@@ -72,16 +84,13 @@ void declare_entity(void* context, const xmlChar* name, int type, const xmlChar*
         return;
     }
     reading& state = reading_of(context);
-    if (state.problem.empty()) {
-        state.problem =
-            current_place(state) + "External entity '" + reinterpret_cast<const char*>(name) + "' is refused";
-    }
+    keep_first_problem(state, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused");
     auto* parser = static_cast<xmlParserCtxtPtr>(context);
     parser->wellFormed = 0;
     xmlStopParser(parser);
 }
 
-// Whether the stream is sound after reading on, be it to its end. One that was told to throw passes on whatever its
+// Whether the stream is sound after reading on, also at its end. One that was told to throw passes on whatever its
 // buffer threw; its state says what happened.
 bool read_on(std::istream& in, char* buffer, int size) {
     try {
@@ -109,7 +118,7 @@ class thread_errors_to {
 public:
     explicit thread_errors_to(xmlParserCtxtPtr context)
         : handler_(xmlStructuredError), handler_context_(xmlStructuredErrorContext) {
-        xmlSetStructuredErrorFunc(context, keep_first_problem);
+        xmlSetStructuredErrorFunc(context, take_error);
     }
     ~thread_errors_to() { xmlSetStructuredErrorFunc(handler_context_, handler_); }
     thread_errors_to(const thread_errors_to&) = delete;
@@ -127,14 +136,23 @@ context_ptr make_context(reading& state) {
     }
     context->_private = &state;
     state.parser = context.get();
-    context->sax->serror = keep_first_problem;
+    context->sax->serror = take_error;
     context->sax->entityDecl = declare_entity;
     return context;
 }
 
 [[noreturn]] void throw_unreadable(int error) {
-    throw sysipc::exception(std::string("cannot read the input: ") +
-                            (error == 0 ? "the stream is not open or has failed" : std::strerror(error)));
+    throw read_error(std::string("cannot read the input: ") +
+                         (error == 0 ? "the stream is not open or has failed" : std::strerror(error)),
+                     0, 0);
+}
+
+[[noreturn]] void throw_problem(const reading& state) {
+    const auto [line, column] = state.where;
+    const std::string problem = state.problem.empty() ? "the input is no XML document" : state.problem;
+    const std::string prefix =
+        line == 0 ? "" : "line " + std::to_string(line) + ", column " + std::to_string(column) + ": ";
+    throw read_error(prefix + problem, line, column);
 }
 
 doc_ptr read_document(std::istream& in, bool recover) {
@@ -151,12 +169,17 @@ doc_ptr read_document(std::istream& in, bool recover) {
     }
     in.clear(in.rdstate() & ~std::ios::failbit);  // the last block is shorter than what was asked for
     if (doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
-        throw sysipc::exception(state.problem.empty() ? "the input is no XML document" : state.problem);
+        throw_problem(state);
     }
     return doc;
 }
 
 }  // namespace
+
+read_error::read_error(const std::string& message, std::int32_t line, std::int32_t column)
+    : sysipc::exception(message, line, column) {}
+
+read_error::~read_error() = default;
 
 // libxml2 must be initialised once before it is used; it stays so, since others in the process may use it as well.
 parser::parser() {

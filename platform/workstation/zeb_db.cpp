@@ -1,7 +1,5 @@
 // The inventory database client on a workstation: SQLite. Error codes are SQLite's primary result codes.
 
-#include <vonk_log.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -11,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "database_failure.h"
 #include "zeb_db_handle.h"
 
 namespace {
@@ -39,16 +38,12 @@ struct zeb_db_content_values_t {
 
 struct zeb_db_result_t {
     statement_ptr statement;
+    std::string action;
     bool on_row = false;
     int end = SQLITE_OK;  // the code of the step that found no row, once there was one
 };
 
 namespace {
-
-int reported(const _zeb_db_handle_t& handle, int rc, const std::string& action) {
-    vonk_log::logErr("inventory database: %s: %s", action.c_str(), sqlite3_errmsg(handle.connection.get()));
-    return rc;
-}
 
 std::string quoted(const char* identifier) {
     std::string text = "\"";
@@ -69,8 +64,7 @@ bool transaction_was_lost(const _zeb_db_handle_t& handle) {
 }
 
 int refuse_without_transaction(const std::string& action) {
-    vonk_log::logErr("inventory database: %s: the transaction was rolled back by an earlier error", action.c_str());
-    return SQLITE_ABORT;
+    return report_failure(SQLITE_ABORT, action + ": the transaction was rolled back by an earlier error");
 }
 
 int prepare(_zeb_db_handle_t& handle, const std::string& sql, statement_ptr& statement) {
@@ -202,11 +196,13 @@ std::string query_sql(const char* table, const char* const* columns, unsigned co
 }  // namespace
 
 int execute(_zeb_db_handle_t& handle, const char* sql, const char* action) {
-    if (transaction_was_lost(handle)) {
-        return refuse_without_transaction(action);
-    }
-    const int rc = sqlite3_exec(handle.connection.get(), sql, nullptr, nullptr, nullptr);
-    return rc == SQLITE_OK ? rc : reported(handle, rc, action);
+    return guarded([&] {
+        if (transaction_was_lost(handle)) {
+            return refuse_without_transaction(action);
+        }
+        const int rc = sqlite3_exec(handle.connection.get(), sql, nullptr, nullptr, nullptr);
+        return rc == SQLITE_OK ? rc : report_failure(handle.connection.get(), rc, action);
+    });
 }
 
 int zeb_db_delete(_zeb_db_handle_t* handle, const char* table, const char* condition, const char* const* arguments,
@@ -227,7 +223,7 @@ int zeb_db_delete(_zeb_db_handle_t* handle, const char* table, const char* condi
         if (rc == SQLITE_OK) {
             rc = sqlite3_step(statement.get());
         }
-        return rc == SQLITE_DONE ? SQLITE_OK : reported(*handle, rc, action);
+        return rc == SQLITE_DONE ? SQLITE_OK : report_failure(handle->connection.get(), rc, action);
     });
 }
 
@@ -241,7 +237,7 @@ int zeb_db_insert(_zeb_db_handle_t* handle, const char* table, zeb_db_content_va
             return refuse_without_transaction(std::string("insert into ") + table);
         }
         const int rc = insert_row(*handle, table, *values, row_id);
-        return rc == SQLITE_OK ? rc : reported(*handle, rc, std::string("insert into ") + table);
+        return rc == SQLITE_OK ? rc : report_failure(handle->connection.get(), rc, std::string("insert into ") + table);
     });
 }
 
@@ -255,12 +251,13 @@ int zeb_db_query(_zeb_db_handle_t* handle, const char* table, const char* const*
     *result = nullptr;
     return guarded([&] {
         auto selected = std::make_unique<zeb_db_result_t>();
+        selected->action = std::string("query ") + table;
         int rc = prepare(*handle, query_sql(table, columns, column_count, condition, order_by), selected->statement);
         if (rc == SQLITE_OK) {
             rc = bind_arguments(selected->statement.get(), arguments, argument_count);
         }
         if (rc != SQLITE_OK) {
-            return reported(*handle, rc, std::string("query ") + table);
+            return report_failure(handle->connection.get(), rc, selected->action);
         }
         *result = selected.release();
         return SQLITE_OK;
@@ -280,7 +277,9 @@ int zeb_db_result_step(zeb_db_result_t* result) {
         return row_available;
     }
     result->end = rc == row_available ? SQLITE_ERROR : rc;  // SQLite's own 9 is an interrupted statement
-    return result->end;
+    return rc == SQLITE_DONE ? rc : guarded([&] {
+        return report_failure(sqlite3_db_handle(result->statement.get()), result->end, result->action);
+    });
 }
 
 int zeb_db_result_column_uint(zeb_db_result_t* result, unsigned column, std::uint32_t* value) {

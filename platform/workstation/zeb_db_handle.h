@@ -6,7 +6,6 @@
 #include <zeb_db.h>
 
 #include <memory>
-#include <new>
 #include <string>
 #include <unordered_map>
 
@@ -28,17 +27,7 @@ struct _zeb_db_handle_t {
     bool has_memory_tables = false;
 };
 
-/// No exception crosses the C interface.
-template <class Body>
-int guarded(Body body) {
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        return SQLITE_NOMEM;
-    }
-}
-
-/// Runs one or more SQL statements; a failure is logged with `action` in front. SQLite's result code. Refused while the
+/// Runs one or more SQL statements to do `action`. SQLite's result code; a failure is reported. Refused while the
 /// caller counts on a transaction that SQLite gave up.
 int execute(_zeb_db_handle_t& handle, const char* sql, const char* action);
 

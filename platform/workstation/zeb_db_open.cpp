@@ -4,7 +4,9 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
+#include "database_failure.h"
 #include "migration.h"
 #include "schema.h"
 #include "zeb_db_handle.h"
@@ -45,12 +47,17 @@ int zeb_db_open(const char* path, _zeb_db_handle_t** handle) {
     return guarded([&] {
         auto opened = std::make_unique<_zeb_db_handle_t>();
         if (const auto problem = open_connection(path, *opened)) {
-            vonk_log::logErr("cannot open inventory database '%s': %s", path, problem->reason.c_str());
-            return problem->code;
+            const std::string text = std::string("cannot open inventory database '") + path + "': " + problem->reason;
+            vonk_log::logErr("%s", text.c_str());
+            return note_failure(problem->code, text);
         }
         *handle = opened.release();
         return SQLITE_OK;
     });
+}
+
+int zeb_db_schema_version(void) {
+    return inventory_schema.version;
 }
 
 void zeb_db_close(_zeb_db_handle_t* handle) {

@@ -19,9 +19,27 @@ enum { zeb_db_is_newer = 24 };
 /// null stored and the inventory as it was. The caller releases the handle with zeb_db_close().
 int zeb_db_open(const char* path, _zeb_db_handle_t** handle);
 
+/// The version of a database that this platform makes: its `PRAGMA user_version`, for who reads one with SQLite itself.
+int zeb_db_schema_version(void);
+
 /// Closes the database; a transaction still open is rolled back. Results must have been released before. Null is
 /// allowed.
 void zeb_db_close(_zeb_db_handle_t* handle);
+
+/// Something that a database could not do.
+struct zeb_db_failure_t {
+    int code;          ///< what the call returned
+    const char* text;  ///< for people, in one line or more: "insert into PCIs: database or disk is full"
+};
+
+/// The first failure in this thread since the last call of zeb_db_forget_failure(), or null; those that follow are its
+/// consequences as a rule. Every function of zeb_db.h, inventory_service.h and this header counts, whoever called it; a
+/// null argument or a column without a number is no failure of the database. The failure stays the platform's, valid
+/// until the next call of zeb_db_forget_failure() in this thread, and after its handle is closed.
+const zeb_db_failure_t* zeb_db_first_failure(void);
+
+/// Lets the next failure in this thread be the first one.
+void zeb_db_forget_failure(void);
 
 #ifdef __cplusplus
 }

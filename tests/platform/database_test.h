@@ -41,10 +41,8 @@ protected:
 
     /// One more handle on the same database; `connection_of_newest()` is the connection behind it.
     handle_ptr open() {
-        sqlite3_auto_extension(reinterpret_cast<void (*)()>(note_connection));
         _zeb_db_handle_t* opened = nullptr;
-        EXPECT_EQ(zeb_db_open(path.c_str(), &opened), 0);
-        sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(note_connection));
+        newest_connection_ = connection_opened_by([&] { EXPECT_EQ(zeb_db_open(path.c_str(), &opened), 0); });
         return handle_ptr(opened);
     }
     static sqlite3* connection_of_newest() { return newest_connection_; }
@@ -69,11 +67,6 @@ protected:
     sqlite3* const connection;
 
 private:
-    static int note_connection(sqlite3* opened, const char**, const sqlite3_api_routines*) {
-        newest_connection_ = opened;
-        return SQLITE_OK;
-    }
-
     static inline sqlite3* newest_connection_ = nullptr;
 };
 

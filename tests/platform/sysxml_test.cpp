@@ -6,8 +6,7 @@
 #include <poll.h>
 #include <sys/inotify.h>
 #include <sys/socket.h>
-#include <sysipc.h>
-#include <sysxml.h>
+#include <sysxml_workstation.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -94,6 +93,22 @@ private:
     std::size_t given_ = 0;
 };
 
+/// The place that the document throws, or -1, -1 when it is read.
+std::pair<int, int> place(std::istream& in) {
+    const sysxml::parser library;
+    try {
+        sysxml::document document(in, false);
+        return {-1, -1};
+    } catch (const sysxml::read_error& error) {
+        return {error.line(), error.column()};
+    }
+}
+
+std::pair<int, int> place(const std::string& xml) {
+    std::istringstream in(xml);
+    return place(in);
+}
+
 TEST(XmlDocument, HasItsRootElement) {
     const sysxml::parser library;
     std::istringstream in("<!-- first --><a><b/></a>");
@@ -145,6 +160,38 @@ TEST(XmlDocument, NamesThePlaceOfAnEntityAndNotThatInItsText) {
 TEST(XmlDocument, NamesThePlaceOfAParameterEntityAndNotThatInItsText) {
     EXPECT_EQ(outcome("<!DOCTYPE a [\n<!ENTITY % outer \"<!ENTITY e SYSTEM 'x'>\">\n\n   %outer;]><a/>"),
               "line 4, column 11: External entity 'e' is refused");
+}
+
+TEST(XmlReadError, HasTheLineAndTheColumn) {
+    EXPECT_EQ(place("<a>\n  <b></c>\n</a>"), std::pair(2, 10));
+}
+
+TEST(XmlReadError, HasThePlaceOfAnEntityAndNotThatInItsText) {
+    EXPECT_EQ(place("<!DOCTYPE a [\n<!ENTITY e '<b>'>\n]>\n<a>\n\n   &e;</a>"), std::pair(6, 7));
+}
+
+TEST(XmlReadError, HasThePlaceOfAnExternalEntity) {
+    EXPECT_EQ(place("<!DOCTYPE a [\n<!ENTITY e SYSTEM 'x'>\n]>\n<a/>"), std::pair(2, 22));
+}
+
+// Wider than the 16 bits of a node's line.
+TEST(XmlReadError, HasLinesBeyond65535) {
+    EXPECT_EQ(place("<a>" + std::string(100000, '\n') + "</b>").first, 100001);
+}
+
+TEST(XmlReadError, HasNoPlaceWhenTheStreamFails) {
+    std::ifstream in(".");
+    EXPECT_EQ(place(in), std::pair(0, 0));
+}
+
+TEST(XmlReadError, IsAnExceptionOfThePlatformWithThePlaceInItsNumbers) {
+    try {
+        throw sysxml::read_error("wrong", 3, 4);
+    } catch (const sysipc::exception& error) {
+        EXPECT_STREQ(error.what(), "wrong");
+        EXPECT_EQ(error.first(), 3);
+        EXPECT_EQ(error.second(), 4);
+    }
 }
 
 TEST(XmlDocument, RefusesAnEmptyInput) {

@@ -26,6 +26,22 @@ inline std::vector<std::string> run_sql(sqlite3* connection, const std::string& 
     return lines;
 }
 
+/// The connection that `open` opens, whoever keeps it.
+template <class Open>
+sqlite3* connection_opened_by(Open open) {
+    static sqlite3* newest;
+    newest = nullptr;
+    int (*const note)(sqlite3*, const char**, const sqlite3_api_routines*) = [](sqlite3* opened, const char**,
+                                                                                const sqlite3_api_routines*) {
+        newest = opened;
+        return SQLITE_OK;
+    };
+    sqlite3_auto_extension(reinterpret_cast<void (*)()>(note));
+    open();
+    sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(note));
+    return newest;
+}
+
 /// A connection of the test's own to a database file.
 class sqlite_database {
 public:

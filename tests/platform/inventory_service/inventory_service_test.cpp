@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <inventory_service_workstation.h>
 #include <unistd.h>
-#include <zeb_db_handle.h>
+#include <zeb_db_workstation.h>
 
 #include <climits>
 #include <cstdlib>
@@ -91,6 +91,15 @@ TEST_F(InventoryService, GivesNullAndTheReasonForAFileThatIsNoDatabase) {
                 ElementsAre("ERROR: cannot open inventory database '/tmp/named.db': file is not a database"));
 }
 
+TEST_F(InventoryService, TellsWhyItGivesNull) {
+    write_file(database, std::string(1000, 'x'));
+    ASSERT_EQ(get_dmdb_handle(), nullptr);
+    ASSERT_NE(zeb_db_first_failure(), nullptr);
+    EXPECT_EQ(zeb_db_first_failure()->code, SQLITE_NOTADB);
+    EXPECT_STREQ(zeb_db_first_failure()->text,
+                 "cannot open inventory database '/tmp/named.db': file is not a database");
+}
+
 TEST_F(InventoryService, GivesAHandleOnceTheDatabaseCanBeOpened) {
     write_file(database, std::string(1000, 'x'));
     ASSERT_EQ(get_dmdb_handle(), nullptr);
@@ -106,12 +115,13 @@ protected:
         if (HasFatalFailure()) {
             return;
         }
-        handle = get_dmdb_handle();
+        connection = connection_opened_by([this] { handle = get_dmdb_handle(); });
         ASSERT_NE(handle, nullptr);
         seen = std::make_unique<sqlite_database>(database);
     }
 
     _zeb_db_handle_t* handle = nullptr;
+    sqlite3* connection = nullptr;
     std::unique_ptr<sqlite_database> seen;
 };
 
@@ -204,7 +214,7 @@ TEST_F(InventoryService, TakesNoNoticeWithoutADatabase) {
 class MemoryTables : public OpenInventoryService {
 protected:
     std::vector<std::string> in_memory(const std::string& table) {
-        return run_sql(handle->connection.get(), "SELECT * FROM memory." + table);
+        return run_sql(connection, "SELECT * FROM memory." + table);
     }
     std::vector<std::string> in_file(const std::string& table) { return seen->run("SELECT * FROM " + table); }
 };
@@ -255,6 +265,13 @@ TEST_F(MemoryTables, AreKeptWhenTheyCannotBeRebuilt) {
     EXPECT_THAT(in_memory("PCIAdapter"), IsEmpty());
     EXPECT_THAT(log.lines,
                 ElementsAre("ERROR: inventory database: rebuild the in-memory tables: no such table: main.PCIAdapter"));
+}
+
+TEST_F(MemoryTables, TellWhyTheyCannotBeRebuilt) {
+    seen->run("DROP TABLE PCIAdapter");
+    ASSERT_NE(rebuild_tables_in_memory(handle), 0);
+    ASSERT_NE(zeb_db_first_failure(), nullptr);
+    EXPECT_STREQ(zeb_db_first_failure()->text, "rebuild the in-memory tables: no such table: main.PCIAdapter");
 }
 
 TEST_F(MemoryTables, CanBeRebuiltAfterAFailure) {
@@ -316,6 +333,9 @@ TEST_F(PendingFirmware, LeavesTheListAloneWhenItCannotBeRead) {
     EXPECT_EQ(list.entries, nullptr);
     EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory service: cannot read the pending firmware: no such table: "
                                        "PendingFirmware"));
+    ASSERT_NE(zeb_db_first_failure(), nullptr);
+    EXPECT_EQ(zeb_db_first_failure()->code, SQLITE_ERROR);
+    EXPECT_STREQ(zeb_db_first_failure()->text, "cannot read the pending firmware: no such table: PendingFirmware");
 }
 
 TEST_F(PendingFirmware, RefusesANullList) {

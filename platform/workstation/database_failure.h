@@ -1,0 +1,32 @@
+/// Calls on a database that fail, for the platform's own files.
+#ifndef WORKSTATION_DATABASE_FAILURE_H
+#define WORKSTATION_DATABASE_FAILURE_H
+
+#include <sqlite3.h>
+
+#include <new>
+#include <string>
+
+/// Keeps the failure for zeb_db_first_failure(), unless there is an earlier one. `code`.
+int note_failure(int code, const std::string& text);
+
+/// The failure of a call that ran out of memory; takes none. SQLITE_NOMEM.
+int note_lack_of_memory();
+
+/// Logs the failure and keeps it. `code`.
+int report_failure(int code, const std::string& text);
+
+/// The same for what a call on `connection` has just refused; `action` is what could not be done.
+int report_failure(sqlite3* connection, int code, const std::string& action);
+
+/// No exception crosses the C interface.
+template <class Body>
+int guarded(Body body) {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return note_lack_of_memory();
+    }
+}
+
+#endif

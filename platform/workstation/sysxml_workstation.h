@@ -1,0 +1,27 @@
+/// What the XML library of a workstation tells about a document that it refuses.
+#ifndef SYSXML_WORKSTATION_H
+#define SYSXML_WORKSTATION_H
+
+#include <cstdint>
+#include <string>
+
+#include <sysipc.h>
+#include <sysxml.h>
+
+namespace sysxml {
+
+/// What document's constructor throws. The message is for people and begins with the place, where there is one.
+class __attribute__((visibility("default"))) read_error : public sysipc::exception {
+public:
+    read_error(const std::string& message, std::int32_t line, std::int32_t column);
+    ~read_error() override;
+
+    /// Where in the stream the problem is, counted from 1. Both are 0 when it has no place there, when the stream
+    /// itself failed in particular.
+    std::int32_t line() const { return first(); }
+    std::int32_t column() const { return second(); }
+};
+
+}  // namespace sysxml
+
+#endif
