@@ -13,8 +13,8 @@
 #include <sstream>
 #include <type_traits>
 
+#include "cds_parser/live_allocations.h"
 #include "support/changed_tag.h"
-#include "support/live_allocations.h"
 #include "support/noted_element.h"
 #include "support/scratch_file.h"
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "support/failing_calloc.h"
+#include "inventory/failing_calloc.h"
 #include "support/recording_platform.h"
 #include "support/sandboxed_test.h"
 

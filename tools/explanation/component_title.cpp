@@ -1,8 +1,7 @@
 #include "explanation/component_title.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <iterator>
+#include <map>
 
 #include "console/output.h"
 #include "console/utf8.h"
@@ -48,18 +47,17 @@ std::string at_address(const char* what, const cds_parser::component& titled, co
            number_text(settings, "Function Number", "%llx", -1);
 }
 
-// A component of a kind whose rows are about something with a name, or else with an address.
+// A component is called by its name, or by its address where no setting holds a name.
 struct kind_title {
-    const inventory_kind* kind;
     const char* what;
     const char* name_setting;
 };
 
-constexpr kind_title titles[] = {
-    {&kinds::processors, "processor", "Socket Designation"},
-    {&kinds::memory, "memory device", "Device Locator"},
-    {&kinds::bridges, "PCI bridge", nullptr},
-    {&kinds::devices, "PCI function", nullptr},
+const std::map<const inventory_kind*, kind_title> titles = {
+    {&kinds::processors, {"processor", "Socket Designation"}},
+    {&kinds::memory, {"memory device", "Device Locator"}},
+    {&kinds::bridges, {"PCI bridge", nullptr}},
+    {&kinds::devices, {"PCI function", nullptr}},
 };
 
 }  // namespace
@@ -69,8 +67,7 @@ std::string component_title(const cds_parser::component& titled, const known_gro
         const std::string* type = find_text(titled, "component_struct_info", "comp_type");
         return type == nullptr ? "component" : "component " + in_quotes(shortened(*type));
     }
-    const auto title = std::find_if(std::begin(titles), std::end(titles),
-                                    [recorded](const kind_title& each) { return each.kind == recorded->kind; });
-    return title->name_setting == nullptr ? at_address(title->what, titled, *recorded)
-                                          : named(title->what, titled, *recorded, title->name_setting);
+    const kind_title& title = titles.at(recorded->kind);
+    return title.name_setting == nullptr ? at_address(title.what, titled, *recorded)
+                                         : named(title.what, titled, *recorded, title.name_setting);
 }

@@ -1,7 +1,9 @@
 // Which columns people want to see, and in which order.
 
 #include <algorithm>
-#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
 
 #include "console/text_table.h"
 #include "listing/listing_formats.h"
@@ -25,7 +27,7 @@ constexpr auto left = alignment::left;
 constexpr auto right = alignment::right;
 constexpr auto if_any = presence::if_any;
 
-constexpr shown_column processor_columns[] = {
+const std::vector<shown_column> processor_columns = {
     {"Id", "Id", right},
     {"Node", "NodeIndex", right},
     {"Socket", "Socket"},
@@ -39,7 +41,7 @@ constexpr shown_column processor_columns[] = {
     {"Asset tag", "AssetTag", left, if_any},
 };
 
-constexpr shown_column memory_columns[] = {
+const std::vector<shown_column> memory_columns = {
     {"Id", "Id", right},
     {"Node", "NodeIndex", right},
     {"Slot", "SlotNo", right},
@@ -59,7 +61,7 @@ constexpr shown_column memory_columns[] = {
     {"Array", "ArrayId", right},
 };
 
-constexpr shown_column bridge_columns[] = {
+const std::vector<shown_column> bridge_columns = {
     {"Id", "Id", right},
     {"Node", "NodeIndex", right},
     {"Parent", "ParentId", right},
@@ -71,7 +73,7 @@ constexpr shown_column bridge_columns[] = {
     {"Bus range", row_texts::bus_range},
 };
 
-constexpr shown_column device_columns[] = {
+const std::vector<shown_column> device_columns = {
     {"Id", "Id", right},
     {"Node", "NodeIndex", right},
     {"Bridge", "BridgeId", right},
@@ -87,17 +89,11 @@ constexpr shown_column device_columns[] = {
     {"Function key", "FunKey"},
 };
 
-struct shown_table {
-    const inventory_kind* kind;
-    const shown_column* first;
-    const shown_column* last;
-};
-
-constexpr shown_table shown_tables[] = {
-    {&kinds::processors, std::begin(processor_columns), std::end(processor_columns)},
-    {&kinds::memory, std::begin(memory_columns), std::end(memory_columns)},
-    {&kinds::bridges, std::begin(bridge_columns), std::end(bridge_columns)},
-    {&kinds::devices, std::begin(device_columns), std::end(device_columns)},
+const std::map<const inventory_kind*, std::vector<shown_column>> shown_columns = {
+    {&kinds::processors, processor_columns},
+    {&kinds::memory, memory_columns},
+    {&kinds::bridges, bridge_columns},
+    {&kinds::devices, device_columns},
 };
 
 bool is_empty(const std::string& cell) {
@@ -113,13 +109,11 @@ text_column filled(const shown_column& shown, const inventory_table& table) {
     return column;
 }
 
-std::vector<text_column> shown_columns_of(const inventory_table& table) {
-    const auto chosen = std::find_if(std::begin(shown_tables), std::end(shown_tables),
-                                     [&table](const shown_table& each) { return each.kind == table.kind; });
+std::vector<text_column> filled_columns(const inventory_table& table) {
     std::vector<text_column> columns;
-    for (const shown_column* shown = chosen->first; shown != chosen->last; ++shown) {
-        text_column column = filled(*shown, table);
-        if (shown->shown == presence::always || !std::all_of(column.cells.begin(), column.cells.end(), is_empty)) {
+    for (const shown_column& shown : shown_columns.at(table.kind)) {
+        text_column column = filled(shown, table);
+        if (shown.shown == presence::always || !std::all_of(column.cells.begin(), column.cells.end(), is_empty)) {
             columns.push_back(std::move(column));
         }
     }
@@ -135,7 +129,7 @@ std::string listing_text(const std::vector<inventory_table>& tables, const text_
         text += heading_text(std::string(table.kind->title) + " (" + std::to_string(table.rows.size()) + ")", style);
         text += '\n';
         if (!table.rows.empty()) {
-            text += table_text(shown_columns_of(table), style);
+            text += table_text(filled_columns(table), style);
         }
     }
     return text;

@@ -1,0 +1,52 @@
+#include "console/utf8.h"
+
+#include <gtest/gtest.h>
+
+TEST(RepairedUtf8, OfUtf8IsTheText) {
+    const std::string text = "a\u00e9\u20ac\U0001F600\uFFFD";
+    EXPECT_EQ(repaired_utf8(text), text);
+}
+
+TEST(RepairedUtf8, HasAReplacementCharacterForEveryStrayByte) {
+    EXPECT_EQ(repaired_utf8("a\xFF\x80z"), "a\uFFFD\uFFFDz");
+}
+
+TEST(RepairedUtf8, ReplacesACharacterThatIsCutOff) {
+    EXPECT_EQ(repaired_utf8("a\xC3"), "a\uFFFD");
+    EXPECT_EQ(repaired_utf8("a\xE2\x82z"), "a\uFFFD\uFFFDz");
+}
+
+TEST(RepairedUtf8, ReplacesACharacterThatIsWrittenLongerThanItHasToBe) {
+    EXPECT_EQ(repaired_utf8("\xC0\xAF"), "\uFFFD\uFFFD");
+    EXPECT_EQ(repaired_utf8("\xE0\x80\xAF"), "\uFFFD\uFFFD\uFFFD");
+}
+
+TEST(RepairedUtf8, ReplacesNumbersThatAreNoCharacters) {
+    EXPECT_EQ(repaired_utf8("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(repaired_utf8("\xF4\x90\x80\x80"), "\uFFFD\uFFFD\uFFFD\uFFFD");
+}
+
+TEST(Printable, WritesControlCharactersAsEscapes) {
+    EXPECT_EQ(printable("a\tb\nc\rd\x1b[2J\x7F"), "a\\tb\\nc\\rd\\x1b[2J\\x7f");
+    EXPECT_EQ(printable(std::string("\0", 1)), "\\x00");
+}
+
+TEST(Printable, WritesTheControlCharactersOfTheUpperHalfAsEscapes) {
+    EXPECT_EQ(printable("a\u0085b\u009bc"), "a\\x85b\\x9bc");
+}
+
+TEST(Printable, LeavesEverythingElse) {
+    EXPECT_EQ(printable("a \u00a0\u00e9\u2028'\"\\"), "a \u00a0\u00e9\u2028'\"\\");
+}
+
+TEST(LengthOf, CountsCharactersAndNotBytes) {
+    EXPECT_EQ(length_of(""), 0u);
+    EXPECT_EQ(length_of("abc"), 3u);
+    EXPECT_EQ(length_of("\u00e9\u20ac\U0001F600"), 3u);
+}
+
+TEST(FirstCharacters, CutsBetweenCharacters) {
+    EXPECT_EQ(first_characters("\u00e9\u20acx", 2), "\u00e9\u20ac");
+    EXPECT_EQ(first_characters("\u00e9\u20acx", 0), "");
+    EXPECT_EQ(first_characters("\u00e9\u20acx", 9), "\u00e9\u20acx");
+}

@@ -1,0 +1,67 @@
+#include "difference/comparable_tables.h"
+
+#include <gmock/gmock.h>
+
+#include "rows/table.h"
+
+using testing::ElementsAre;
+
+namespace {
+
+inventory_value number(std::int64_t value) {
+    return value;
+}
+
+const inventory_value absent;
+
+std::vector<inventory_table> bridge_and_function(const inventory_value& bridge_id) {
+    return {{&kinds::bridges,
+             {"Id", "SegNo", "BusNo", "DevNo", "FunNo"},
+             {{number(7), number(0), number(1), number(2), number(3)}}},
+            {&kinds::devices, {"Id", "BridgeId", "SlotNo"}, {{number(4), bridge_id, number(5)}}}};
+}
+
+inventory_value bridge_of_function(const inventory_value& bridge_id) {
+    std::vector<inventory_table> tables = bridge_and_function(bridge_id);
+    replace_row_ids(tables);
+    return inventory_row(tables[1], 0)["Bridge"];
+}
+
+}  // namespace
+
+TEST(ReplaceRowIds, TakesTheRowsOwnAway) {
+    std::vector<inventory_table> tables = bridge_and_function(number(7));
+    replace_row_ids(tables);
+    EXPECT_THAT(tables[0].columns, ElementsAre("SegNo", "BusNo", "DevNo", "FunNo"));
+    EXPECT_THAT(tables[0].rows[0], ElementsAre(number(0), number(1), number(2), number(3)));
+    EXPECT_THAT(tables[1].columns, ElementsAre("Bridge", "SlotNo"));
+}
+
+TEST(ReplaceRowIds, GivesABridgesAddressForItsId) {
+    EXPECT_EQ(bridge_of_function(number(7)), inventory_value("0000:01:02.3"));
+}
+
+TEST(ReplaceRowIds, GivesNothingWhereThereIsNoBridge) {
+    EXPECT_EQ(bridge_of_function(number(-1)), absent);
+    EXPECT_EQ(bridge_of_function(absent), absent);
+}
+
+TEST(ReplaceRowIds, SaysThatABridgeIsMissing) {
+    EXPECT_EQ(bridge_of_function(number(8)), inventory_value("missing"));
+}
+
+TEST(ReplaceRowIds, OfTablesWithoutBridgesKnowsNone) {
+    std::vector<inventory_table> tables = {{&kinds::memory, {"ArrayId"}, {{number(7)}}}};
+    replace_row_ids(tables);
+    EXPECT_EQ(inventory_row(tables[0], 0)["Array"], inventory_value("missing"));
+}
+
+TEST(AlignColumns, GivesBothTablesTheColumnsOfEither) {
+    inventory_table first = {&kinds::memory, {"A", "B"}, {{number(1), number(2)}}};
+    inventory_table second = {&kinds::memory, {"C", "B"}, {{number(3), number(4)}}};
+    align_columns(first, second);
+    EXPECT_THAT(first.columns, ElementsAre("A", "B", "C"));
+    EXPECT_EQ(second.columns, first.columns);
+    EXPECT_THAT(first.rows[0], ElementsAre(number(1), number(2), absent));
+    EXPECT_THAT(second.rows[0], ElementsAre(absent, number(4), number(3)));
+}

@@ -1,0 +1,120 @@
+#include <gmock/gmock.h>
+
+#include "tools/explanation/explanation_test.h"
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+class ExplanationText : public explanation_test {};
+
+TEST_F(ExplanationText, TellsWhereEveryComponentStandsAndWhatItBecame) {
+    EXPECT_EQ(explain(cds_file(server(processor("CPU 1") + module("A1", "S1") + bridge("1", {}, function("2"))))),
+              "processor 'CPU 1'\n"
+              "  at      /component/child_slot_group[1]/component[1]/child_slot_group[1]/component[1]\n"
+              "  row     Processor 1: NodeIndex, Socket\n"
+              "\n"
+              "memory device 'A1'\n"
+              "  at      /component/child_slot_group[1]/component[1]/child_slot_group[1]/component[2]\n"
+              "  row     Memory 1: ArrayId, NodeIndex, DevLocator, SerialNo\n"
+              "\n"
+              "PCI bridge 0000:01:00.0\n"
+              "  at      /component/child_slot_group[1]/component[1]/child_slot_group[1]/component[3]\n"
+              "  row     PCIBridge 1: ParentId, NodeIndex, SegNo, BusNo, DevNo, FunNo\n"
+              "\n"
+              "PCI function 0000:02:00.0\n"
+              "  at      /component/child_slot_group[1]/component[1]/child_slot_group[1]/component[3]/"
+              "child_slot_group[1]/component[1]\n"
+              "  row     PCIs 1: BridgeId, NodeIndex, DevKey, FunKey, SegNo, BusNo, DeviceNo, FunctionNo, SlotNo, "
+              "Location, HardwareId, HardwareTypeId, FunType\n"
+              "\n"
+              "4 components to record: 4 rows, 0 without a row; 0 settings that no column takes\n");
+}
+
+TEST_F(ExplanationText, TellsWhyThereIsNoRowAndWhichSettingsAreUnused) {
+    EXPECT_EQ(
+        explain(cds_file(cds_component("pci_device_info", {integer("Bus Number", "-1"), integer("Device Number", "0"),
+                                                           text("Color", "red"), text("Locaton", "1")}))),
+        "PCI function 0000:?:00.?\n"
+        "  at      /component/child_slot_group[1]/component[1]\n"
+        "  no row  the setting 'Bus Number' in pci_device_info is negative, too large or no number: "
+        "integer_value '-1'\n"
+        "          there is no setting 'Function Number' in pci_device_info\n"
+        "  unused  'Color' in pci_device_info\n"
+        "  unused  'Locaton' in pci_device_info; 'Location' may be meant\n"
+        "\n"
+        "1 component to record: 0 rows, 1 without a row; 2 settings that no column takes\n");
+}
+
+TEST_F(ExplanationText, TellsWhichKnownSettingsTheRecordDoesNotTake) {
+    EXPECT_THAT(explain(cds_file(module("A1", "S1", {integer("Capacity", "1")}))),
+                HasSubstr("  unused  'Capacity' in memory_info, which this record does not take\n"));
+}
+
+TEST_F(ExplanationText, CountsOneOfEach) {
+    EXPECT_THAT(explain(cds_file(processor("CPU 1", {text("Color", "red")}))),
+                EndsWith("\n1 component to record: 1 row, 0 without a row; 1 setting that no column takes\n"));
+}
+
+TEST_F(ExplanationText, CountsNothingInAFileWithoutHardware) {
+    EXPECT_EQ(explain("<component/>"),
+              "0 components to record: 0 rows, 0 without a row; 0 settings that no column takes\n");
+}
+
+TEST_F(ExplanationText, OfAComponentWithoutHardwareTellsNothing) {
+    EXPECT_THAT(explain(cds_file(cds_component("fan_info", {text("Color", "red")}))), StartsWith("0 components "));
+}
+
+TEST_F(ExplanationText, WithAllTellsWhereComponentsWithoutHardwareStand) {
+    EXPECT_EQ(explain(cds_file(server("") + cds_component("fan_info", {})), told_about::everything),
+              "component\n"
+              "  at      /component\n"
+              "\n"
+              "component 'EFI_CT_MAIN_SERVER'\n"
+              "  at      /component/child_slot_group[1]/component[1]\n"
+              "\n"
+              "component\n"
+              "  at      /component/child_slot_group[1]/component[2]\n"
+              "\n"
+              "0 components to record: 0 rows, 0 without a row; 0 settings that no column takes\n");
+}
+
+TEST_F(ExplanationText, TakesTheRootForAComponentLikeAnyOther) {
+    EXPECT_THAT(explain(processor("CPU 1")),
+                StartsWith("processor 'CPU 1'\n  at      /component\n  row     Processor"));
+}
+
+TEST_F(ExplanationText, NumbersSlotGroupsAndComponentsAsTheyStandInTheFile) {
+    const std::string shown = explain(
+        cds_component(cds_slots("") + cds_slots(cds_component("") + processor("A")) + cds_slots(processor("B"))));
+    EXPECT_THAT(shown, HasSubstr("processor 'A'\n  at      /component/child_slot_group[2]/component[2]\n"));
+    EXPECT_THAT(shown, HasSubstr("processor 'B'\n  at      /component/child_slot_group[3]/component[1]\n"));
+}
+
+TEST_F(ExplanationText, PrintsNoControlCharacterOfTheFile) {
+    const std::string shown = explain(cds_file(processor("a\u009bb&#10;c", {text("d&#9;e\u0085", "f")})));
+    EXPECT_THAT(shown, StartsWith("processor 'a\\x9bb\\nc'\n"));
+    EXPECT_THAT(shown, HasSubstr("  unused  'd\\te\\x85' in cpu_info\n"));
+}
+
+TEST_F(ExplanationText, ShowsNothingOfTheLogOfWhatIsRecorded) {
+    EXPECT_THAT(explain(cds_file(function("1"))), Not(HasSubstr("find a PCI device")));
+}
+
+TEST_F(ExplanationText, ReachesTheDeepestComponents) {
+    std::string file = module("A1", "S1");
+    for (int depth = 0; depth < 124; ++depth) {
+        file = cds_component(cds_slots(file));
+    }
+    const std::string shown = explain(file);
+    EXPECT_THAT(shown, StartsWith("memory device 'A1'\n"));
+    EXPECT_THAT(shown, HasSubstr("  row     Memory 1: "));
+}
+
+TEST_F(ExplanationText, HasBoldHeadingsWhereControlSequencesAreUnderstood) {
+    text_style style;
+    style.has_control_sequences = true;
+    EXPECT_THAT(explanation_text(explanations(cds_file(processor("CPU 1"))), style),
+                StartsWith("\033[1mprocessor 'CPU 1'\033[0m\n  at "));
+}

@@ -1,0 +1,65 @@
+#include "rows/part_text.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+inventory_value number(std::int64_t value) {
+    return value;
+}
+
+std::string place_of(const inventory_table& table) {
+    return place_text(inventory_row(table, 0));
+}
+
+std::string part_of(const inventory_table& table) {
+    return part_text(inventory_row(table, 0));
+}
+
+}  // namespace
+
+TEST(PlaceText, OfAProcessorIsItsSocketAndNode) {
+    EXPECT_EQ(place_of({&kinds::processors, {"Socket", "NodeIndex"}, {{"CPU 1", number(0)}}}), "CPU 1, node 0");
+}
+
+TEST(PlaceText, OfMemoryIsItsLocatorsAndNode) {
+    EXPECT_EQ(place_of({&kinds::memory, {"DevLocator", "BankLocator", "NodeIndex"}, {{" A1 ", "B 0", number(2)}}}),
+              "A1, B 0, node 2");
+}
+
+TEST(PlaceText, OfAFunctionIsItsAddressAndNode) {
+    EXPECT_EQ(place_of({&kinds::devices,
+                        {"SegNo", "BusNo", "DeviceNo", "FunctionNo", "NodeIndex"},
+                        {{number(0), number(0x3B), number(0), number(1), number(-1)}}}),
+              "0000:3b:00.1");
+}
+
+TEST(PlaceText, OfWhatNothingIdentifiesSaysSo) {
+    EXPECT_EQ(place_of({&kinds::memory, {"DevLocator"}, {{" - "}}}), "unnamed");
+}
+
+TEST(PartText, OfMemoryTellsSizeTypeMakerAndNumbers) {
+    EXPECT_EQ(part_of({&kinds::memory,
+                       {"MemSize", "MemType", "Manufacturer", "PartNo", "SerialNo"},
+                       {{number(32768), number(26), "Maker", "P-1 ", "4711"}}}),
+              "32 GiB, DDR4, Maker, P-1, serial number 4711");
+}
+
+TEST(PartText, LeavesOutASerialNumberThatIsNone) {
+    EXPECT_EQ(part_of({&kinds::processors, {"Version", "SerialNo"}, {{"Fast 1", "Not Specified"}}}), "Fast 1");
+}
+
+TEST(PartText, OfMemoryWithoutASizeIsAnEmptySlot) {
+    EXPECT_EQ(part_of({&kinds::memory, {"MemSize", "Manufacturer"}, {{number(0), "NO DIMM"}}}), "empty slot");
+}
+
+TEST(PartText, OfABridgeTellsItsIdsAndBuses) {
+    EXPECT_EQ(part_of({&kinds::bridges,
+                       {"VendorId", "DevId", "ClsCode", "SndBusNo", "SubBusNo"},
+                       {{number(0x8086), number(0xA190), number(0x60400), number(0x3A), number(0x3F)}}}),
+              "8086:a190, class 0x060400, to bus 3a-3f");
+}
+
+TEST(PartText, OfAPartOfWhichNothingIsKnownIsEmpty) {
+    EXPECT_EQ(part_of({&kinds::devices, {"SlotNo"}, {{number(-1)}}}), "");
+}

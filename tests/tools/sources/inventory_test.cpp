@@ -1,0 +1,71 @@
+#include "sources/inventory.h"
+
+#include <gmock/gmock.h>
+
+#include "console/failure.h"
+#include "tools/memory_rows.h"
+
+using testing::ElementsAre;
+
+class Inventory : public testing::Test {
+protected:
+    inventory_value value_of(const inventory_kind& kind, const char* column) const {
+        const inventory_table table = rows_.read().read(kind);
+        return inventory_row(table, 0)[column];
+    }
+
+    memory_rows rows_;
+};
+
+TEST_F(Inventory, HasATableOfEveryKindInTheirOrder) {
+    const std::vector<inventory_table> tables = rows_.read().read_all();
+    ASSERT_EQ(tables.size(), std::size(kinds::all));
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        EXPECT_EQ(tables[i].kind, kinds::all[i]);
+    }
+}
+
+TEST_F(Inventory, HasRowsInTheOrderOfTheirIds) {
+    rows_.execute("INSERT INTO Memory (Id, DevLocator) VALUES (9, 'A9'), (2, 'A2')");
+    const inventory_table memory = rows_.read().read(kinds::memory);
+    EXPECT_EQ(inventory_row(memory, 0)["DevLocator"], inventory_value("A2"));
+    EXPECT_EQ(inventory_row(memory, 1)["DevLocator"], inventory_value("A9"));
+}
+
+TEST_F(Inventory, HasOnlyTheRowsBehindAnId) {
+    rows_.execute("INSERT INTO Memory (Id) VALUES (1), (2), (3)");
+    EXPECT_EQ(rows_.read().read_after(kinds::memory, 1).rows.size(), 2u);
+    EXPECT_EQ(rows_.read().count(kinds::memory), 3);
+}
+
+TEST_F(Inventory, HasUnsignedCapacitiesAndSignedRowIds) {
+    rows_.execute("INSERT INTO Memory (Capacity, ArrayId) VALUES (-1, -1)");
+    EXPECT_EQ(value_of(kinds::memory, "Capacity"), inventory_value(std::uint64_t{18446744073709551615u}));
+    EXPECT_EQ(value_of(kinds::memory, "ArrayId"), inventory_value(std::int64_t{-1}));
+}
+
+TEST_F(Inventory, HasNothingInAColumnThatWasNeverPut) {
+    rows_.execute("INSERT INTO Memory (DevLocator) VALUES ('')");
+    EXPECT_EQ(value_of(kinds::memory, "PartNo"), inventory_value());
+    EXPECT_EQ(value_of(kinds::memory, "DevLocator"), inventory_value(""));
+}
+
+TEST_F(Inventory, HasTextsInUtf8) {
+    rows_.execute("INSERT INTO Memory (PartNo) VALUES (CAST(x'22FF5C0A' AS TEXT))");
+    EXPECT_EQ(value_of(kinds::memory, "PartNo"), inventory_value("\"\uFFFD\\\n"));
+}
+
+TEST_F(Inventory, HasTextsWithZerosInThem) {
+    rows_.execute("INSERT INTO Memory (PartNo) VALUES (CAST(x'610062' AS TEXT))");
+    EXPECT_EQ(value_of(kinds::memory, "PartNo"), inventory_value(std::string("a\0b", 3)));
+}
+
+TEST_F(Inventory, IsRefusedWhenItLacksATable) {
+    rows_.execute("DROP TABLE Processor");
+    try {
+        rows_.read().read_all();
+        ADD_FAILURE() << "it was read";
+    } catch (const failure& problem) {
+        EXPECT_STREQ(problem.what(), "cannot read the inventory: no such table: Processor; it holds no inventory");
+    }
+}

@@ -1,0 +1,214 @@
+#include <gmock/gmock.h>
+
+#include "support/cds_text.h"
+#include "tools/subcommands/command_test.h"
+
+using testing::EndsWith;
+using testing::HasSubstr;
+
+namespace {
+
+std::string function(int bus) {
+    return cds_component("pci_device_info", {integer("Bus Number", std::to_string(bus)), integer("Device Number", "0"),
+                                             integer("Function Number", "0"), integer("Location", "1"),
+                                             integer("Slot Number", std::to_string(bus))});
+}
+
+const std::string three_functions = cds_file(function(1) + function(2) + function(3));
+
+}  // namespace
+
+class ChangeDetection : public command_test {
+protected:
+    ChangeDetection() {
+        write("server.xml", three_functions);
+        write("other.bin", "other");
+    }
+
+    command_result zebdb_cds(const std::string& arguments) const { return run("zebdb-cds " + arguments + " --root r"); }
+
+    // Leaves everything that a check needs.
+    void refresh_and_save() const {
+        ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+        ASSERT_EQ(zebdb_cds("save-digest server.xml other.bin").status, 0);
+    }
+
+    void expect_refused(const std::string& arguments, const std::string& message) const {
+        const command_result result = zebdb_cds(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.last_error_line(), "zebdb-cds: " + message);
+    }
+};
+
+TEST_F(ChangeDetection, CheckNamesTheSecondFileWhenThatChanged) {
+    refresh_and_save();
+    write("other.bin", "changed");
+    const command_result result = zebdb_cds("check server.xml other.bin");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "changed\n  'other.bin' differs from its saved digest\n");
+}
+
+TEST_F(ChangeDetection, CheckNamesTheKeyThatHasVanished) {
+    refresh_and_save();
+    execute("inventory.db", "DELETE FROM PCIs WHERE BusNo = 2");
+    const command_result result = zebdb_cds("check server.xml other.bin");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out,
+              "changed\n  function key 0x00020000 (0000:02:00.0) of /var/DS/pci_inventory.fkey has vanished from "
+              "PCIs\n");
+}
+
+TEST_F(ChangeDetection, CheckDoesNotSeeThatTheLastKeyHasVanished) {
+    refresh_and_save();
+    execute("inventory.db", "DELETE FROM PCIs WHERE BusNo = 3");
+    EXPECT_EQ(zebdb_cds("check server.xml other.bin").out, "unchanged\n");
+}
+
+TEST_F(ChangeDetection, CheckCountsThePendingFirmware) {
+    refresh_and_save();
+    execute("inventory.db", "INSERT INTO PendingFirmware (Component, Version) VALUES ('NIC', '1.2'), ('BIOS', '3')");
+    const command_result result = zebdb_cds("check server.xml other.bin");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "changed\n  firmware is pending: 2 updates\n");
+}
+
+TEST_F(ChangeDetection, CheckCannotTellWithoutASavedDigest) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    expect_refused("check server.xml other.bin",
+                   "cannot tell whether the inventory changed: a file has no saved digest; save it with 'zebdb-cds "
+                   "save-digest'");
+}
+
+TEST_F(ChangeDetection, CheckCannotTellWithoutTheAdapterKeys) {
+    refresh_and_save();
+    std::filesystem::remove(folder() / "r/var/DS/inventory.fkey");
+    const command_result result = zebdb_cds("check server.xml other.bin");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("cannot tell whether the inventory changed: /var/DS/inventory.fkey"));
+    EXPECT_THAT(result.err, EndsWith("cannot be read; write it with 'zebdb-cds refresh'\n"));
+}
+
+TEST_F(ChangeDetection, CheckWithoutADatabaseMakesNone) {
+    expect_refused("check server.xml other.bin",
+                   "cannot read database 'inventory.db': No such file or directory; make it with 'zebdb-cds load' or "
+                   "name another with --database");
+    EXPECT_FALSE(std::filesystem::exists(folder() / "inventory.db"));
+}
+
+TEST_F(ChangeDetection, RefusesAPathWithABlank) {
+    write("my server.xml", three_functions);
+    expect_refused("check 'my server.xml' other.bin",
+                   "refused path 'my server.xml': it goes to a shell as it is and holds a blank; rename the file or "
+                   "name it by another path");
+}
+
+TEST_F(ChangeDetection, RefusesAPathThatLooksLikeAnOption) {
+    const command_result result = run("zebdb-cds save-digest --root r -- server.xml -x");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.last_error_line(),
+              "zebdb-cds: refused path '-x': sha384sum would not take it for a file; put ./ in front");
+}
+
+TEST_F(ChangeDetection, TakesThePathsThatAreNotCutAndRefusesLongerOnes) {
+    const std::string longest_to_save(43, 's');
+    const std::string longest_to_check(96, 'c');
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    for (const std::string& name : {longest_to_save, longest_to_save + "s", longest_to_check, longest_to_check + "c"}) {
+        write(name, "content");
+    }
+
+    ASSERT_EQ(zebdb_cds("save-digest server.xml " + longest_to_save).status, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder() / (longest_to_save + ".digest")));
+    expect_refused("save-digest server.xml " + longest_to_save + "s",
+                   "refused path '" + longest_to_save +
+                       "s': it is 44 bytes long, and beyond 43 the library cuts the command that it stands in; name "
+                       "the file by a shorter path");
+
+    std::filesystem::copy_file(folder() / (longest_to_save + ".digest"), folder() / (longest_to_check + ".digest"));
+    EXPECT_EQ(zebdb_cds("check server.xml " + longest_to_check).out, "unchanged\n");
+    expect_refused("check server.xml " + longest_to_check + "c",
+                   "refused path '" + longest_to_check +
+                       "c': it is 97 bytes long, and beyond 96 the library cuts the command that it stands in; name "
+                       "the file by a shorter path");
+}
+
+TEST_F(ChangeDetection, SaveDigestNamesTheFileThatIsMissing) {
+    expect_refused("save-digest server.xml missing.bin", "cannot read 'missing.bin': No such file or directory");
+}
+
+TEST_F(ChangeDetection, RefreshOfARefusedFileLeavesTheDatabaseAsItWas) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    const std::string before = read("inventory.db");
+    write("broken.xml", "<component><name>x</name></component>");
+    expect_refused("refresh broken.xml",
+                   "cannot refresh 'inventory.db' from 'broken.xml': line 1: Unexpected node 'name' in component");
+    EXPECT_EQ(read("inventory.db"), before);
+}
+
+TEST_F(ChangeDetection, RefreshOfARefusedFileMakesNoDatabase) {
+    write("broken.xml", "<component>");
+    EXPECT_EQ(zebdb_cds("refresh broken.xml").status, 2);
+    EXPECT_FALSE(std::filesystem::exists(folder() / "inventory.db"));
+}
+
+TEST_F(ChangeDetection, RefreshReadsStandardInput) {
+    const command_result result = run("zebdb-cds refresh - --root r < server.xml");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(query("inventory.db", "SELECT count(*) FROM PCIs"), "3");
+}
+
+TEST_F(ChangeDetection, BmcAddressIsNoAnswerWithoutTheControllersBridge) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    const command_result result = zebdb_cds("bmc-address");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.last_error_line(),
+              "zebdb-cds: 'inventory.db' holds no bridge 1a03:1150, which is the controller's own");
+}
+
+TEST_F(ChangeDetection, BmcAddressFailsWhenTheRecordCannotBeWritten) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    execute("inventory.db",
+            "INSERT INTO PCIBridge (VendorId, DevId, BusNo, DevNo, FunNo) VALUES (6659, 4432, 5, 6, 7)");
+    std::filesystem::create_directory(folder() / "r/var/log/bmc_bdf.bin");
+    const command_result result = zebdb_cds("bmc-address");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("cannot write /var/log/bmc_bdf.bin"));
+
+    std::filesystem::remove(folder() / "r/var/log/bmc_bdf.bin");
+    EXPECT_EQ(zebdb_cds("bmc-address").out, "05:06.7\n");
+    EXPECT_EQ(zebdb_cds("bmc-address").out, "05:06.7\n");
+}
+
+TEST_F(ChangeDetection, RootHidesNeitherTheProgramNorTheWorkingFolderNorTheFilesThatAreNamed) {
+    const command_result result = run(R"sh(
+        mkdir -p /tmp/app/bin /tmp/app/libexec /tmp/here
+        program=$(command -v zebdb-cds)
+        cp "$program" /tmp/app/bin
+        cp -RL "$(dirname "$program")"/../libexec/zebdb-cds /tmp/app/libexec
+        cp server.xml /tmp/named.xml
+        cp other.bin /tmp/here
+        cd /tmp/here
+        /tmp/app/bin/zebdb-cds refresh /tmp/named.xml --database /tmp/named.db --root root || exit
+        /tmp/app/bin/zebdb-cds save-digest /tmp/named.xml other.bin --root root || exit
+        ls -A /tmp /tmp/here
+    )sh");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, EndsWith("'other.bin.digest'\n/tmp:\napp\nhere\nnamed.db\nnamed.xml\nnamed.xml.digest\n\n"
+                                     "/tmp/here:\nother.bin\nother.bin.digest\nroot\n"));
+}
+
+TEST_F(ChangeDetection, RootKeepsTheFolderVisibleThatReplacesNothingButIsThePlaceItself) {
+    const command_result result = run(
+        "cp server.xml /tmp; cd /tmp && zebdb-cds refresh server.xml --root root && ls -A && find root -name '.dmdb*'");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, EndsWith("inventory.db\nroot\nserver.xml\nroot/tmp/.dmdb_memory_deleted_flag\n"));
+}
+
+TEST_F(ChangeDetection, RootThatCannotBeMadeIsAFailure) {
+    write("file", "");
+    const command_result result = run("zebdb-cds refresh server.xml --root file/below");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "sandbox: cannot make the folder file/below: Not a directory\n");
+}

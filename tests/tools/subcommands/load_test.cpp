@@ -1,0 +1,180 @@
+#include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "support/cds_text.h"
+#include "support/quoted.h"
+#include "tools/subcommands/command_test.h"
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+
+namespace {
+
+// One row of each kind but bridges, of which there are two.
+const std::string server = cds_file(
+    cds_component("cpu_info", {text("Socket Designation", "CPU 1")}) +
+    cds_component("memory_info", {text("Device Locator", "DIMM 1")}) +
+    cds_component(
+        "pci_bridge_info", {integer("Bus Number", "0"), integer("Device Number", "1"), integer("Function Number", "0")},
+        cds_component("pci_bridge_info",
+                      {integer("Bus Number", "1"), integer("Device Number", "2"), integer("Function Number", "0")}) +
+            cds_component("pci_device_info",
+                          {integer("Bus Number", "1"), integer("Device Number", "3"), integer("Function Number", "4"),
+                           integer("Location", "1"), integer("Slot Number", "5")})));
+
+const std::string nothing = cds_file("");
+
+}  // namespace
+
+class Load : public command_test {
+protected:
+    Load() { write("server.xml", server); }
+
+    std::string processors_in(const std::string& database) const {
+        return query(database, "SELECT count(*) FROM Processor");
+    }
+};
+
+TEST_F(Load, FillsTheTablesAndPrintsHowManyRowsEachHas) {
+    const command_result result = run("zebdb-cds load server.xml");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, MatchesRegex("Loaded 'server.xml' into 'inventory.db' in [0-9.]+ m?s:\n"
+                                         "  processors       1\n"
+                                         "  memory           1\n"
+                                         "  bridges          2\n"
+                                         "  devices          1\n"));
+    EXPECT_EQ(query("inventory.db", "SELECT Socket FROM Processor"), "CPU 1");
+    EXPECT_EQ(query("inventory.db", "SELECT DevLocator FROM Memory"), "DIMM 1");
+    EXPECT_EQ(query("inventory.db", "SELECT group_concat(BusNo || '.' || DevNo) FROM PCIBridge"), "0.1,1.2");
+    EXPECT_EQ(query("inventory.db", "SELECT FunKey FROM PCIs"), std::to_string(0x00010304));
+}
+
+TEST_F(Load, LoadsTheSampleServer) {
+    const command_result result = run("zebdb-cds load " + quoted(SAMPLES_DIR "/two-socket-server.xml"));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, EndsWith("  processors       2\n"
+                                     "  memory          24\n"
+                                     "  bridges         18\n"
+                                     "  devices         20\n"));
+}
+
+TEST_F(Load, ReplacesWhatTheDatabaseHeld) {
+    ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
+    write("nothing.xml", nothing);
+    const command_result result = run("zebdb-cds load nothing.xml");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("  processors       0\n"));
+    EXPECT_EQ(processors_in("inventory.db"), "0");
+}
+
+TEST_F(Load, PassesTheLogOnWithItsLevels) {
+    EXPECT_EQ(run("zebdb-cds load server.xml").err,
+              "INFO: CDS PARSER: find a PCI device, slot=5, bus=1, funNo=4\n"
+              "INFO: successfully parsed \"server.xml\"\n");
+}
+
+TEST_F(Load, TakesTheDatabaseFromTheEnvironment) {
+    ASSERT_EQ(run("ZEBDB_DATABASE=other.db zebdb-cds load server.xml").status, 0);
+    EXPECT_THAT(names(), ElementsAre("other.db", "server.xml"));
+}
+
+TEST_F(Load, TakesTheDatabaseOfItsOptionBeforeThatOfTheEnvironment) {
+    ASSERT_EQ(run("ZEBDB_DATABASE=other.db zebdb-cds load --database mine.db server.xml").status, 0);
+    EXPECT_THAT(names(), ElementsAre("mine.db", "server.xml"));
+}
+
+TEST_F(Load, TakesAnEmptyEnvironmentVariableForNone) {
+    ASSERT_EQ(run("ZEBDB_DATABASE= zebdb-cds load server.xml").status, 0);
+    EXPECT_THAT(names(), ElementsAre("inventory.db", "server.xml"));
+}
+
+TEST_F(Load, TakesDatabaseNamesThatSqliteWouldNotTakeForFiles) {
+    EXPECT_EQ(run("zebdb-cds load server.xml --database :memory:").status, 0);
+    EXPECT_EQ(run("zebdb-cds load server.xml --database 'file:x.db?mode=memory'").status, 0);
+    EXPECT_THAT(names(), ElementsAre(":memory:", "file:x.db?mode=memory", "server.xml"));
+}
+
+TEST_F(Load, TakesAFileNamedLikeASubcommand) {
+    write("show", server);
+    EXPECT_EQ(run("zebdb-cds load show").status, 0);
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, TakesAFileWhoseNameBeginsWithADash) {
+    write("-x", server);
+    EXPECT_EQ(run("zebdb-cds load -- -x").status, 0);
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, ReadsStandardInputFromAPipe) {
+    const command_result result = run("cat server.xml | zebdb-cds load -");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("Loaded standard input into 'inventory.db'"));
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, ReadsAFileOnStandardInputFromWhereItStands) {
+    write("headed.txt", "one line before the file\n" + server);
+    EXPECT_EQ(run("{ read -r line; zebdb-cds load -; } <headed.txt").status, 0);
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, ReadsStandardInputFromASocket) {
+    int ends[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
+    ASSERT_EQ(::write(ends[0], server.data(), server.size()), static_cast<ssize_t>(server.size()));
+    ASSERT_EQ(shutdown(ends[0], SHUT_WR), 0);
+    EXPECT_EQ(run("zebdb-cds load -", ends[1]).status, 0);
+    close(ends[0]);
+    close(ends[1]);
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, ReadsANamedPipe) {
+    EXPECT_EQ(run("mkfifo pipe; cat server.xml >pipe & zebdb-cds load pipe").status, 0);
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, GoesOnWhenNobodyReadsItsOutput) {
+    const command_result result = run("{ zebdb-cds load server.xml; echo $? >status; } 2>err | true; cat err >&2");
+    EXPECT_EQ(read("status"), "0\n");
+    EXPECT_THAT(result.err, Not(HasSubstr("zebdb-cds:")));
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, SaysThatTheRowsAreThereWhenItsOutputCannotBeWritten) {
+    const command_result result = run("zebdb-cds load server.xml >/dev/full");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.last_error_line(),
+              "zebdb-cds: cannot write to standard output: No space left on device; "
+              "the rows of 'server.xml' are in 'inventory.db' all the same");
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, WritesNothingIntoItsFilesWhenItsStandardDescriptorsAreClosed) {
+    EXPECT_EQ(run("zebdb-cds load server.xml <&- >&- 2>&-").status, 2);
+    EXPECT_EQ(read("server.xml"), server);
+    EXPECT_EQ(query("inventory.db", "PRAGMA integrity_check"), "ok");
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, LeavesNoNewDatabaseWhenItIsTerminated) {
+    const command_result result =
+        run("mkfifo pipe; zebdb-cds load pipe & exec 3>pipe; printf '<component>' >&3;"
+            "until ls inventory.db >/dev/null 2>&1; do sleep 0.01; done; sleep 0.2; kill -TERM $!; wait $!");
+    EXPECT_EQ(result.status, 128 + SIGTERM);
+    EXPECT_THAT(names(), ElementsAre("pipe", "server.xml"));
+}
+
+TEST_F(Load, LeavesTheRowsOfADatabaseWhenItIsTerminated) {
+    ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
+    const command_result result =
+        run("mkfifo pipe; zebdb-cds load pipe & exec 3>pipe; printf '<component>' >&3;"
+            "sleep 0.2; kill -TERM $!; wait $!");
+    EXPECT_EQ(result.status, 128 + SIGTERM);
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}

@@ -1,0 +1,129 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <sstream>
+
+#include "support/cds_text.h"
+#include "tools/subcommands/command_test.h"
+
+using testing::AnyOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+constexpr const char* erase_line = "\r\033[K";
+
+const std::string processor = cds_file(
+    cds_component("cpu_info", {text("Socket Designation", "CPU 1"), text("Processor Version", std::string(60, 'v')),
+                               text("Serial Number", std::string(40, 's'))}));
+
+bool is_first_byte(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) != 0x80;
+}
+
+// In characters; not in bytes, which are more where something was cut off.
+std::size_t longest_row(const std::string& text) {
+    std::size_t longest = 0;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find('\033') == std::string::npos) {
+            longest =
+                std::max(longest, static_cast<std::size_t>(std::count_if(line.begin(), line.end(), is_first_byte)));
+        }
+    }
+    return longest;
+}
+
+}  // namespace
+
+class Terminal : public command_test {
+protected:
+    Terminal() { write("processor.xml", processor); }
+
+    // What reaches a terminal of 120 columns on which the commands run.
+    std::string on_terminal(const std::string& shell_commands) {
+        write("commands", "stty cols 120 -onlcr\n" + shell_commands + "\n");
+        const command_result result = run("script --quiet --return --command 'sh ./commands' /dev/null");
+        EXPECT_EQ(result.status, 0);
+        return result.out;
+    }
+
+    std::string show_on_terminal(const std::string& environment = "") {
+        return on_terminal("zebdb-cds load processor.xml >/dev/null 2>&1 && " + environment +
+                           " zebdb-cds show processors");
+    }
+
+    // A file of some twenty megabytes, which is read and stored in more than one look at it.
+    void write_large_file() const { write("large.xml", cds_file(cds_functions(60'000, 10))); }
+};
+
+TEST_F(Terminal, SeesHowMuchOfALargeFileIsReadAndThatItsRowsAreStored) {
+    write_large_file();
+    const std::string shown = on_terminal("zebdb-cds load large.xml");
+    EXPECT_THAT(shown, ContainsRegex("\r\033\\[Kreading 2[0-9] MiB: [0-9]+ %"));
+    EXPECT_THAT(shown, HasSubstr(erase_line + std::string("storing rows ...")));
+}
+
+TEST_F(Terminal, SeesTheSameOfALargeFileOnStandardInput) {
+    write_large_file();
+    const std::string shown = on_terminal("zebdb-cds load - <large.xml");
+    EXPECT_THAT(shown, ContainsRegex("reading 2[0-9] MiB: [1-9][0-9]* %"));
+    EXPECT_THAT(shown, HasSubstr("storing rows ..."));
+}
+
+TEST_F(Terminal, SeesNothingOfTheProgressAfterwards) {
+    write_large_file();
+    std::istringstream lines(on_terminal("zebdb-cds load large.xml"));
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t erased = line.rfind(erase_line);
+        const std::string left = erased == std::string::npos ? line : line.substr(erased + 4);
+        ASSERT_THAT(left, AnyOf(StartsWith("INFO: "), StartsWith("Loaded 'large.xml'"), StartsWith("  ")));
+    }
+}
+
+TEST_F(Terminal, SeesNoProgressOfASmallFile) {
+    EXPECT_THAT(on_terminal("zebdb-cds load processor.xml"), Not(HasSubstr(erase_line)));
+}
+
+TEST_F(Terminal, SeesNoProgressWhenItUnderstandsNoControlSequences) {
+    write_large_file();
+    EXPECT_THAT(on_terminal("TERM=dumb zebdb-cds load large.xml"), Not(HasSubstr(erase_line)));
+}
+
+TEST_F(Terminal, IsSparedTheProgressWhenErrorsGoElsewhere) {
+    write_large_file();
+    EXPECT_THAT(on_terminal("zebdb-cds load large.xml 2>log"), StartsWith("Loaded 'large.xml'"));
+    EXPECT_THAT(read("log"), Not(HasSubstr(erase_line)));
+}
+
+TEST_F(Terminal, GetsBoldHeadings) {
+    const std::string shown = show_on_terminal();
+    EXPECT_THAT(shown, StartsWith("\033[1mProcessors (1)\033[0m\n\033[1mId  Node"));
+}
+
+TEST_F(Terminal, GetsLinesThatFit) {
+    const std::string shown = show_on_terminal();
+    EXPECT_THAT(shown, HasSubstr("vvv\u2026 "));
+    EXPECT_THAT(shown, HasSubstr("sss\u2026"));
+    EXPECT_EQ(longest_row(shown), 120u);
+}
+
+TEST_F(Terminal, WithoutUtf8GetsATildeWhereTextIsCut) {
+    const std::string shown = show_on_terminal("LC_ALL=C");
+    EXPECT_THAT(shown, HasSubstr("vvv~ "));
+    EXPECT_EQ(longest_row(shown), 120u);
+}
+
+TEST_F(Terminal, GetsPlainWholeLinesWithNoColor) {
+    const std::string shown = show_on_terminal("NO_COLOR=1");
+    EXPECT_THAT(shown, Not(HasSubstr("\033")));
+    EXPECT_THAT(shown, HasSubstr(std::string(60, 'v')));
+}
+
+TEST_F(Terminal, GetsTheSameJsonAsAFile) {
+    ASSERT_EQ(run("zebdb-cds load processor.xml").status, 0);
+    EXPECT_EQ(on_terminal("zebdb-cds show --format json"), run("zebdb-cds show --format json").out);
+}

@@ -1,0 +1,80 @@
+#include <gmock/gmock.h>
+
+#include "tools/subcommands/command_test.h"
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Usage : public command_test {};
+
+TEST_F(Usage, HelpNamesEverySubcommand) {
+    const command_result result = run("zebdb-cds --help");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("\n  load  "));
+    EXPECT_THAT(result.out, HasSubstr("\n  show  "));
+    EXPECT_THAT(result.err, IsEmpty());
+}
+
+TEST_F(Usage, HelpOfASubcommandNamesItsArguments) {
+    const command_result result = run("zebdb-cds load --help");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("Usage: zebdb-cds load [OPTIONS] FILE\n"));
+    EXPECT_THAT(result.out, HasSubstr("--database PATH=inventory.db (Env:ZEBDB_DATABASE)"));
+}
+
+TEST_F(Usage, VersionIsOneLine) {
+    const command_result result = run("zebdb-cds --version");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "zebdb-cds " ZEBDB_VERSION "\n");
+    EXPECT_THAT(result.err, IsEmpty());
+}
+
+TEST_F(Usage, WithoutArgumentsPrintsTheHelpWhereErrorsGo) {
+    const command_result result = run("zebdb-cds");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, run("zebdb-cds --help").out);
+    EXPECT_THAT(result.out, IsEmpty());
+}
+
+TEST_F(Usage, HelpThatCannotBeWrittenFails) {
+    const command_result result = run("zebdb-cds --help >/dev/full");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zebdb-cds: cannot write to standard output: No space left on device\n");
+}
+
+struct wrong_usage {
+    const char* name;
+    const char* arguments;
+    const char* message;
+
+    friend std::ostream& operator<<(std::ostream& out, const wrong_usage& usage) { return out << usage.arguments; }
+};
+
+class WrongUsage : public command_test, public testing::WithParamInterface<wrong_usage> {};
+
+TEST_P(WrongUsage, SaysWhatIsWrongAndWhereHelpIs) {
+    const command_result result = run(std::string("zebdb-cds ") + GetParam().arguments);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, std::string("zebdb-cds: ") + GetParam().message + "\n");
+    EXPECT_THAT(result.out, IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, WrongUsage,
+    testing::Values(
+        wrong_usage{"AnUnknownSubcommand", "sho", "there is no subcommand 'sho'; see 'zebdb-cds --help'"},
+        wrong_usage{"AnEmptySubcommand", "''", "there is no subcommand ''; see 'zebdb-cds --help'"},
+        wrong_usage{"AnUnknownOption", "--frobnicate",
+                    "The following argument was not expected: --frobnicate; see 'zebdb-cds --help'"},
+        wrong_usage{"LoadWithoutAFile", "load", "FILE is required; see 'zebdb-cds load --help'"},
+        wrong_usage{"LoadOfTwoFiles", "load a.xml b.xml",
+                    "The following argument was not expected: b.xml; see 'zebdb-cds load --help'"},
+        wrong_usage{"AnEmptyDatabasePath", "load a.xml --database ''",
+                    "--database: the path is empty; see 'zebdb-cds load --help'"},
+        wrong_usage{"AnUnknownKind", "show disks",
+                    "KIND: disks not in {processors,memory,bridges,devices}; see 'zebdb-cds show --help'"},
+        wrong_usage{"AnUnknownFormat", "show --format xml",
+                    "--format: xml not in {table,text,json,csv}; see 'zebdb-cds show --help'"},
+        wrong_usage{"CsvOfEverything", "show --format csv",
+                    "CSV holds one table: name processors, memory, bridges or devices; see 'zebdb-cds show --help'"}),
+    [](const auto& tested) { return tested.param.name; });

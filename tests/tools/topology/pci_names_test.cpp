@@ -1,0 +1,68 @@
+#include <gmock/gmock.h>
+
+#include "support/scratch_file.h"
+#include "tools/topology/topology_test.h"
+
+using testing::EndsWith;
+
+// What vendors and devices are called, for one function.
+class PciNames : public topology_test {
+protected:
+    PciNames() { add_function(1, -1, 0, 1, "VendorId = 0x8086, DeviceId = 0x1572"); }
+
+    void expect_named(const std::string& list, const std::string& name) const {
+        const scratch_file ids(list);
+        use_names(ids.path());
+        EXPECT_EQ(tree(), "Node 1\n`- Segment 0000\n   `- 0000:00:01.0 function" + name + "\n");
+    }
+};
+
+TEST_F(PciNames, ComeFromTheListOfPciIds) {
+    expect_named("8086  Chips Inc.\n\t1572  Ether 710\n", ": Chips Inc. Ether 710");
+}
+
+TEST_F(PciNames, AreNumbersForAnUnknownDevice) {
+    expect_named("8086  Chips Inc.\n\t1573  Root Port\n", ": Chips Inc. [8086:1572]");
+}
+
+TEST_F(PciNames, AreNumbersForAnUnknownVendor) {
+    expect_named("8087  Other Inc.\n", ": [8086:1572]");
+}
+
+TEST_F(PciNames, AreNumbersWhereThereIsNoList) {
+    EXPECT_THAT(tree(), EndsWith("function: [8086:1572]\n"));
+}
+
+TEST_F(PciNames, AreNumbersWhereTheListIsDamaged) {
+    expect_named("8086  Chips Inc.\n\t\t\t1572\nnonsense\n", ": [8086:1572]");
+    expect_named(std::string(100'000, 'x'), ": [8086:1572]");
+}
+
+TEST_F(PciNames, AreMissingWhereThereAreNoNumbers) {
+    execute("UPDATE PCIs SET DeviceId = NULL");
+    expect_named("8086  Chips Inc.\n", ": Chips Inc. [8086:-]");
+    execute("UPDATE PCIs SET VendorId = NULL");
+    expect_named("8086  Chips Inc.\n", "");
+}
+
+TEST_F(PciNames, AreNumbersWhereThoseAreTooLarge) {
+    execute("UPDATE PCIs SET VendorId = 0x18086, DeviceId = -1");
+    expect_named("8086  Chips Inc.\n\tffff  Last\n", ": [18086:ffffffffffffffff]");
+}
+
+TEST_F(PciNames, AreOneLineOfUtf8WhateverIsInTheList) {
+    expect_named("8086  Ch\xC3\xBCps\033[2J\n\t1572  a\xFF\tb\n", ": Ch\u00FCps\\x1b[2J a\uFFFD\\tb");
+}
+
+TEST_F(PciNames, MayBeLong) {
+    const std::string name(400, 'n');
+    expect_named("8086  " + name + "\n", ": " + name + " [8086:1572]");
+}
+
+TEST_F(PciNames, AreThoseOfBridgesToo) {
+    add_bridge(1, -1, 0, 2, "VendorId = 0x8086, DevId = 0x1573");
+    execute("DELETE FROM PCIs");
+    const scratch_file list("8086  Chips Inc.\n\t1573  Root Port\n");
+    use_names(list.path());
+    EXPECT_THAT(tree(), EndsWith("`- 0000:00:02.0 bridge: Chips Inc. Root Port\n"));
+}
