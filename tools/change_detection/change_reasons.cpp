@@ -10,7 +10,6 @@
 #include "change_detection/private_view.h"
 #include "inventory/digest_file.h"
 #include "inventory/function_keys.h"
-#include "sources/database_file.h"
 
 namespace {
 
@@ -73,8 +72,6 @@ std::string reason_for_no_answer(const std::string& first_file, const std::strin
     if (!has_digest(first_file) || !has_digest(second_file)) {
         return "a file has no saved digest; save it with 'zebdb-cds save-digest'";
     }
-    const std::string cause = log.cause();
-    return cause.empty() ? adapter_function_keys.file + private_view_hint(adapter_function_keys.file) +
-                               " cannot be read; write it with 'zebdb-cds refresh'"
-                         : with_advice(cause);
+    return log.database_failure().value_or(adapter_function_keys.file + private_view_hint(adapter_function_keys.file) +
+                                           " cannot be read; write it with 'zebdb-cds refresh'");
 }

@@ -8,7 +8,6 @@
 #include "console/failure.h"
 #include "inventory/own_bridge.h"
 #include "inventory/query_result.h"
-#include "sources/database_file.h"
 #include "sources/library_log.h"
 
 namespace {
@@ -17,7 +16,7 @@ std::optional<bus_address> address_in(_zeb_db_handle_t* handle) {
     const library_log log;
     result_ptr bridge;
     if (query_own_bridge(handle, bridge) != 0) {
-        throw failure(with_advice(log.cause()));
+        throw failure(log.problem());
     }
     switch (zeb_db_result_step(bridge.get())) {
         case row_available:
@@ -25,7 +24,7 @@ std::optional<bus_address> address_in(_zeb_db_handle_t* handle) {
         case end_of_rows:
             return std::nullopt;
         default:
-            throw failure(with_advice(log.cause()));
+            throw failure(log.problem());
     }
 }
 

@@ -20,7 +20,7 @@ void read_sequences(_zeb_db_handle_t* handle, inventory_marks& marks) {
     const int rc = zeb_db_query(handle, "InventorySequence", columns, 2, nullptr, nullptr, 0, nullptr, &result);
     const result_ptr rows(result);
     if (rc != 0) {
-        throw failure(with_advice(log.cause()));
+        throw failure(log.problem());
     }
     while (zeb_db_result_step(rows.get()) == row_available) {
         std::uint32_t kind = 0;
@@ -43,7 +43,7 @@ _zeb_db_handle_t* open_service(const std::string& path) {
     const library_log log;
     _zeb_db_handle_t* handle = get_dmdb_handle();
     if (handle == nullptr) {
-        throw failure(with_advice(log.cause()));
+        throw failure(log.problem());
     }
     return handle;
 }

@@ -1,9 +1,8 @@
 #include "explanation/component_loader.h"
 
-#include <algorithm>
 #include <list>
 
-#include <zeb_db.h>
+#include <zeb_db_workstation.h>
 
 #include "console/failure.h"
 #include "console/utf8.h"
@@ -12,6 +11,7 @@
 namespace {
 
 constexpr const char* title = "the rows in memory";
+constexpr const char* no_row = "cannot put a row into a database in memory";
 
 // No locator of a file can hold these bytes.
 constexpr char probe_locator[] = "\x01probe";
@@ -24,13 +24,11 @@ cds_parser::setting_node* new_locator(const char* name) {
     return locator;
 }
 
-// A memory device, whose row tells the parent under which it was loaded. When the row cannot be written, the loader
-// logs its bank.
+// A memory device, whose row tells the parent under which it was loaded.
 cds_parser::component* new_probe() {
     auto* group = new cds_parser::setting_group(0);
     group->name = "memory_info";
     group->add_setting(new_locator("Device Locator"));
-    group->add_setting(new_locator("Bank Locator"));
     auto* probe = new cds_parser::component(0);
     probe->add_setting_group(group);
     return probe;
@@ -54,10 +52,6 @@ private:
     std::list<cds_parser::child_slot_group*> aside_;
 };
 
-bool is_about_probe(const log_line& line) {
-    return line.text.find(probe_locator) != std::string::npos;
-}
-
 std::int64_t id_in(const inventory_row& row, const char* column) {
     return std::get<std::int64_t>(row[column]);
 }
@@ -67,6 +61,10 @@ std::int64_t id_in(const inventory_row& row, const char* column) {
 component_loader::component_loader() : rows_(read_memory(database_, title)) {
     if (parser_.init() == 0) {
         throw std::bad_alloc();
+    }
+    cds_parser::component nothing(0);
+    if (!load(nothing, no_parent).parent_below) {
+        throw failure(no_row);
     }
 }
 
@@ -79,10 +77,10 @@ loaded_component component_loader::load(cds_parser::component& loaded, std::int6
         result.succeeded = parser_.parse_component(database_.handle(), &loaded) != 0;
         result.log = log.lines();
     }
-    if (std::any_of(result.log.begin(), result.log.end(), is_about_probe)) {
-        throw failure("cannot put a row into a database in memory");
-    }
     result.parent_below = take_probe();
+    if (!result.succeeded && !result.parent_below && zeb_db_first_failure() != nullptr) {
+        throw failure(no_row);  // it may have been the probe's
+    }
     result.row = take_new_row();
     return result;
 }

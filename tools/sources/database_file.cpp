@@ -5,9 +5,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <iterator>
 #include <memory>
 
 #include "console/failure.h"
@@ -97,13 +99,10 @@ void roll_back_interrupted_write(const std::string& path) {
     sqlite3_exec(connection, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
 }
 
-std::string with_advice(const std::string& problem) {
-    for (const advice& each : advices) {
-        if (problem.find(sqlite3_errstr(each.sqlite_code)) != std::string::npos) {
-            return problem + "; " + each.what_to_do;
-        }
-    }
-    return problem;
+std::string with_advice(int code, const std::string& problem) {
+    const auto found = std::find_if(std::begin(advices), std::end(advices),
+                                    [code](const advice& each) { return each.sqlite_code == code; });
+    return found == std::end(advices) ? problem : problem + "; " + found->what_to_do;
 }
 
 new_database_file::new_database_file(const std::string& path) {

@@ -14,8 +14,8 @@ void require_database_file(const std::string& path);
 /// opens the database next does the same, but a read-only connection cannot.
 void roll_back_interrupted_write(const std::string& path);
 
-/// `problem`, as the database reported it, and what to do about it where there is something to do.
-std::string with_advice(const std::string& problem);
+/// `problem` and what to do about it, where there is something to do about a failure with that code of SQLite.
+std::string with_advice(int code, const std::string& problem);
 
 /// Makes the file of a database that is about to be filled, when there is none. Unless it is kept, a file that was made
 /// is taken away again with its journal, also when the program is interrupted. One at a time.

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <utility>
 
+#include <zeb_db_workstation.h>
+
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/utf8.h"
@@ -56,10 +58,26 @@ inventory::inventory(const std::string& path, database_naming naming)
     if (sqlite3_errcode(connection_.get()) != SQLITE_OK) {
         fail();
     }
+    refuse_newer_version();
 }
 
 inventory::inventory(std::string title, sqlite3* connection)
-    : title_(std::move(title)), naming_(database_naming::argument), connection_(connection) {}
+    : title_(std::move(title)), naming_(database_naming::argument), connection_(connection) {
+    refuse_newer_version();
+}
+
+// What cannot be asked for its version is refused when it is read.
+void inventory::refuse_newer_version() const {
+    sqlite3_stmt* prepared = nullptr;
+    sqlite3_prepare_v2(connection_.get(), "PRAGMA user_version", -1, &prepared, nullptr);
+    const statement_ptr row(prepared);
+    const int known = zeb_db_schema_version();
+    if (sqlite3_step(row.get()) == SQLITE_ROW && sqlite3_column_int(row.get(), 0) > known) {
+        throw failure("cannot read " + title_ + ": it was made by a newer version (its schema is version " +
+                      std::to_string(sqlite3_column_int(row.get(), 0)) + ", this one knows " + std::to_string(known) +
+                      " and earlier); use that version or another database");
+    }
+}
 
 // Opens the database and holds it as it is now: a transaction begins with the first reading.
 int inventory::open() {
@@ -133,5 +151,6 @@ void inventory::fail() const {
     if (naming_ == database_naming::argument) {
         throw failure(is_other ? problem + "; it holds no inventory" : problem);
     }
-    throw failure(is_other ? problem + "; it holds no inventory, name another with --database" : with_advice(problem));
+    throw failure(is_other ? problem + "; it holds no inventory, name another with --database"
+                           : with_advice(sqlite3_errcode(connection_.get()), problem));
 }

@@ -41,6 +41,7 @@ private:
     using statement_ptr = std::unique_ptr<sqlite3_stmt, finalizer>;
 
     int open();
+    void refuse_newer_version() const;
     statement_ptr select(const std::string& what, const inventory_kind& kind, const std::string& condition = "") const;
     inventory_table table_of(const inventory_kind& kind, const statement_ptr& rows) const;
     bool step(const statement_ptr& statement) const;

@@ -2,54 +2,23 @@
 
 #include <algorithm>
 
+#include <zeb_db_workstation.h>
+
 #include "console/utf8.h"
+#include "sources/database_file.h"
 
 namespace {
 
-constexpr const char* database_prefix = "inventory database: ";
-constexpr const char* file_prefix = "CDS XML ERROR: ";
-constexpr const char* loader_prefix = "CDS PARSER: ";
-
-// What a refresh logs on top of the cause.
-constexpr const char* refresh_failed = "parse_aim return error";
-
-bool begins_with(const std::string& text, const std::string& prefix) {
-    return text.compare(0, prefix.size(), prefix) == 0;
-}
-
-std::string without_prefix(std::string text) {
-    for (const std::string prefix : {database_prefix, file_prefix, loader_prefix}) {
-        if (begins_with(text, prefix)) {
-            return text.substr(prefix.size());
-        }
-    }
+std::string on_one_line(std::string text) {
+    std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
-}
-
-bool is_cause(const log_line& line) {
-    return line.at == vonk_log::level::error && !begins_with(line.text, refresh_failed);
-}
-
-bool is_about_database(const log_line& line) {
-    return is_cause(line) && begins_with(line.text, database_prefix);
-}
-
-// Empty when there is none.
-std::string last_error(const std::vector<log_line>& lines) {
-    const auto last = std::find_if(lines.rbegin(), lines.rend(), is_cause);
-    return last == lines.rend() ? "" : last->text;
-}
-
-// Of the errors of the database the first; those behind it are its consequences.
-std::string deciding_error(const std::vector<log_line>& lines) {
-    const auto first = std::find_if(lines.begin(), lines.end(), is_about_database);
-    return first == lines.end() ? last_error(lines) : first->text;
 }
 
 }  // namespace
 
 library_log::library_log(log_display display) : display_(display) {
     vonk_log::set_sink(take, this);
+    zeb_db_forget_failure();
 }
 
 library_log::library_log(progress& line) : library_log(log_display::shown) {
@@ -60,14 +29,21 @@ library_log::~library_log() {
     vonk_log::set_sink(nullptr, nullptr);
 }
 
-std::string library_log::cause() const {
-    std::string text = without_prefix(deciding_error(lines_));
-    std::replace(text.begin(), text.end(), '\n', ' ');
-    return text;
+std::optional<std::string> library_log::database_failure() const {
+    const zeb_db_failure_t* failed = zeb_db_first_failure();
+    if (failed == nullptr) {
+        return std::nullopt;
+    }
+    return with_advice(failed->code, on_one_line(failed->text));
 }
 
-bool library_log::has_database_error() const {
-    return std::any_of(lines_.begin(), lines_.end(), is_about_database);
+std::string library_log::problem() const {
+    if (const auto failed = database_failure()) {
+        return *failed;
+    }
+    const auto error = std::find_if(lines_.begin(), lines_.end(),
+                                    [](const log_line& line) { return line.at == vonk_log::level::error; });
+    return error == lines_.end() ? "" : on_one_line(error->text);
 }
 
 void library_log::take(void* log, vonk_log::level at, const char* text) {

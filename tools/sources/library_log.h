@@ -2,6 +2,7 @@
 #ifndef TOOLS_SOURCES_LIBRARY_LOG_H
 #define TOOLS_SOURCES_LIBRARY_LOG_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +21,8 @@ enum class log_display {
     hidden,  ///< nowhere
 };
 
-/// Takes the log of the process as long as it lives, and remembers every line. One at a time.
+/// Takes the log of the process as long as it lives, and remembers every line and the first failure of the database.
+/// One at a time.
 class library_log {
 public:
     explicit library_log(log_display display = log_display::shown);
@@ -32,11 +34,11 @@ public:
 
     const std::vector<log_line>& lines() const { return lines_; }
 
-    /// Why the library failed, in one line; empty when it logged no error.
-    std::string cause() const;
+    /// What the database could not do first, and what to do about it, in one line; nothing when it could do everything.
+    std::optional<std::string> database_failure() const;
 
-    /// Whether the cause is the database.
-    bool has_database_error() const;
+    /// The same, or else the first error that was logged: those behind it are its consequences. Empty without any.
+    std::string problem() const;
 
 private:
     static void take(void* log, vonk_log::level at, const char* text);

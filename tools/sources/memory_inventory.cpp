@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -15,13 +14,6 @@ struct connection_closer {
     void operator()(sqlite3* connection) const { sqlite3_close(connection); }
 };
 using connection_ptr = std::unique_ptr<sqlite3, connection_closer>;
-
-// The errors behind it are its consequences.
-std::string first_error(const library_log& log) {
-    const auto first = std::find_if(log.lines().begin(), log.lines().end(),
-                                    [](const log_line& line) { return line.at == vonk_log::level::error; });
-    return first == log.lines().end() ? "" : first->text;
-}
 
 connection_ptr open_connection(const std::string& name) {
     sqlite3* opened = nullptr;
@@ -47,7 +39,7 @@ inventory load_into_memory(cds_parser::document& document, const std::string& ti
     const memory_database database;
     const library_log log(log_display::hidden);
     if (!load(database.handle(), document)) {
-        throw failure(first_error(log));
+        throw failure(log.problem());
     }
     return read_memory(database, title);
 }

@@ -6,14 +6,13 @@
 
 #include "console/failure.h"
 #include "sources/cds_file.h"
-#include "sources/database_file.h"
 
 std::string cause_of_refusal(const input_file& input, const library_log& log) {
     if (input.read_error() != 0) {
         return std::strerror(input.read_error());
     }
-    if (log.has_database_error()) {
-        return with_advice(log.cause());
+    if (const auto failed = log.database_failure()) {
+        return *failed;
     }
     try {
         cds_parser::document document;
@@ -21,5 +20,5 @@ std::string cause_of_refusal(const input_file& input, const library_log& log) {
     } catch (const failure& cause) {
         return cause.what();
     }
-    return log.cause();
+    return log.problem();
 }

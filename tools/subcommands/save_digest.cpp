@@ -29,7 +29,7 @@ int save_digest(const save_options& options) {
     }
     const library_log log;
     if (save_pci_digest(options.first.c_str(), options.second.c_str()) != 0) {
-        throw failure("cannot save the digests: " + log.cause() + "; make their folders writable");
+        throw failure("cannot save the digests: " + log.problem() + "; make their folders writable");
     }
     print("Saved '" + options.first + ".digest' and '" + options.second + ".digest'\n");
     return status_done;

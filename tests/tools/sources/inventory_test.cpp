@@ -1,6 +1,7 @@
 #include "sources/inventory.h"
 
 #include <gmock/gmock.h>
+#include <zeb_db_workstation.h>
 
 #include "console/failure.h"
 #include "tools/memory_rows.h"
@@ -67,5 +68,18 @@ TEST_F(Inventory, IsRefusedWhenItLacksATable) {
         ADD_FAILURE() << "it was read";
     } catch (const failure& problem) {
         EXPECT_STREQ(problem.what(), "cannot read the inventory: no such table: Processor; it holds no inventory");
+    }
+}
+
+TEST_F(Inventory, OfANewerVersionIsRefused) {
+    rows_.execute("PRAGMA user_version = 1000000");
+    try {
+        rows_.read();
+        ADD_FAILURE() << "it was read";
+    } catch (const failure& problem) {
+        EXPECT_EQ(problem.what(),
+                  "cannot read the inventory: it was made by a newer version (its schema is version "
+                  "1000000, this one knows " +
+                      std::to_string(zeb_db_schema_version()) + " and earlier); use that version or another database");
     }
 }
