@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <fstream>
+#include <iterator>
+
 #include "tools/explanation/explanation_test.h"
 
 using testing::ElementsAre;
@@ -163,4 +166,11 @@ TEST_F(ExplanationJson, HidesWhatIdentifiesPartsWithRedact) {
     EXPECT_EQ(all[2]["row"]["SerialNo"], "[redacted]");
     EXPECT_FALSE(all[2]["row"].contains("PartNo"));
     EXPECT_THAT(explain(file, told_about::everything), Not(HasSubstr("SECRET")));
+}
+
+TEST_F(ExplanationJson, IsTheSameEveryTime) {
+    std::ifstream sample(SAMPLES_DIR "/two-socket-server.xml");
+    const std::string file{std::istreambuf_iterator<char>(sample), {}};
+    EXPECT_EQ(explanation_json(explanations(file)), explanation_json(explanations(file)));
+    EXPECT_THAT(explanation_json(explanations(file)), HasSubstr("\"rows\": 64,"));
 }

@@ -75,6 +75,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "KIND: disks not in {processors,memory,bridges,devices}; see 'zebdb-cds show --help'"},
         wrong_usage{"AnUnknownFormat", "show --format xml",
                     "--format: xml not in {table,text,json,csv}; see 'zebdb-cds show --help'"},
+        wrong_usage{"AnUnknownFormatOfATree", "tree --format csv",
+                    "--format: csv not in {text,json}; see 'zebdb-cds tree --help'"},
         wrong_usage{"CsvOfEverything", "show --format csv",
                     "CSV holds one table: name processors, memory, bridges or devices; see 'zebdb-cds show --help'"}),
     [](const auto& tested) { return tested.param.name; });
