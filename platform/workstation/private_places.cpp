@@ -12,7 +12,7 @@
 namespace {
 
 // The calls are passed on without knowing more of them than which words are paths: no function has more arguments.
-using word = long;
+using word = void*;
 using function = word (*)(word, word, word, word, word, word);
 
 constexpr std::size_t longest_path = 4096;
@@ -46,7 +46,7 @@ private_place place_for(std::string_view path) {
 // The path that the kernel is to be given for one that a program names.
 class kernel_path {
 public:
-    explicit kernel_path(word named) : path_(reinterpret_cast<const char*>(named)) {
+    explicit kernel_path(word named) : path_(static_cast<char*>(named)) {
         if (path_ == nullptr || *path_ != '/') {
             return;
         }
@@ -65,10 +65,10 @@ public:
     kernel_path(const kernel_path&) = delete;
     kernel_path& operator=(const kernel_path&) = delete;
 
-    operator word() const { return reinterpret_cast<word>(path_); }
+    operator word() const { return path_; }
 
 private:
-    const char* path_;
+    char* path_;
     char buffer_[longest_path];
 };
 
@@ -76,18 +76,16 @@ function next(const char* name) {
     return reinterpret_cast<function>(dlsym(RTLD_NEXT, name));
 }
 
-// mkstemp() and its like write into the path that they are given.
+// mkstemp() and its like write into the name at the end of the path that they are given.
 word name_and_make(const char* name, word named, word b, word c) {
     const kernel_path path(named);
-    if (path == named) {
-        return next(name)(named, b, c, 0, 0, 0);
+    word result = next(name)(path, b, c, nullptr, nullptr, nullptr);
+    char* given = std::strrchr(static_cast<char*>(named), '/');
+    const char* made = std::strrchr(static_cast<char*>(static_cast<word>(path)), '/');
+    if (given != nullptr && made != nullptr && given != made) {
+        std::memcpy(given, made, std::strlen(given));
     }
-    char made[longest_path];
-    std::strcpy(made, reinterpret_cast<const char*>(static_cast<word>(path)));
-    const word result = next(name)(reinterpret_cast<word>(made), b, c, 0, 0, 0);
-    auto* given = reinterpret_cast<char*>(named);
-    std::strcpy(std::strrchr(given, '/'), std::strrchr(made, '/'));
-    return result;
+    return result == static_cast<word>(path) ? named : result;  // mkdtemp() returns the path
 }
 
 }  // namespace
