@@ -17,6 +17,7 @@
 #include <thread>
 #include <vector>
 
+#include "support/built.h"
 #include "support/cds_text.h"
 #include "support/quoted.h"
 #include "support/sandboxed_test.h"
@@ -70,7 +71,7 @@ pid_t start_refresh(const char* cds_path) {
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
-    std::string program = REFRESH_PROGRAM;
+    std::string program = built::refresh;
     std::string argument = cds_path;
     char* arguments[] = {program.data(), argument.data(), nullptr};
     pid_t started = -1;
@@ -328,7 +329,7 @@ TEST_F(Refresh, OnAFullDiskChangesNothing) {
     write_file("/tmp/on_a_full_disk", std::string("export ZEBDB_DATABASE=/tmp/disk/inventory.db\n") +
                                           "cp /tmp/inventory.db $ZEBDB_DATABASE || exit 2\n" +
                                           "sqlite3 $ZEBDB_DATABASE .dump >/tmp/before || exit 3\n" +
-                                          quoted(REFRESH_PROGRAM) + " /tmp/second.xml 2>/tmp/log && exit 4\n" +
+                                          quoted(built::refresh) + " /tmp/second.xml 2>/tmp/log && exit 4\n" +
                                           "sqlite3 $ZEBDB_DATABASE .dump | cmp - /tmp/before || exit 5\n");
     const std::string size = std::to_string(std::filesystem::file_size(database) + 65536);
     std::filesystem::create_directory("/tmp/disk");

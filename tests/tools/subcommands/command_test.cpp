@@ -10,8 +10,11 @@
 #include <cstdlib>
 #include <fstream>
 #include <memory>
+#include <set>
 #include <sstream>
 #include <stdexcept>
+
+#include "support/built.h"
 
 namespace fs = std::filesystem;
 
@@ -26,6 +29,37 @@ std::string content_of(const fs::path& path) {
     content << file.rdbuf();
     return content.str();
 }
+
+// The places of the private view that the tests run in. They have been empty from the beginning, but for the way to
+// what is kept of the machine's own, which stays.
+class private_places {
+public:
+    private_places() : at_the_beginning_(entries()) {}
+
+    void empty() const {
+        for (const fs::path& entry : entries()) {
+            if (at_the_beginning_.count(entry) == 0) {
+                fs::remove_all(entry);
+            }
+        }
+    }
+
+private:
+    static std::set<fs::path> entries() {
+        const char* view = std::getenv("ZEBDB_SANDBOX");
+        if (view == nullptr) {
+            throw std::runtime_error("run this through ctest or tests/support/in-sandbox");
+        }
+        std::set<fs::path> found;
+        for (const char* place : {"/var/DS", "/var/vonk", "/var/log", "/tmp"}) {
+            const fs::directory_iterator folder(view + std::string(place));
+            found.insert(begin(folder), end(folder));
+        }
+        return found;
+    }
+
+    std::set<fs::path> at_the_beginning_;
+};
 
 class file_actions {
 public:
@@ -79,10 +113,10 @@ std::string command_result::last_error_line() const {
     return lines.substr(lines.rfind('\n') + 1);
 }
 
-command_test::command_test() : folder_(fs::path(BINARY_DIR) / "tests" / "folders" / test_name()) {
+command_test::command_test() : folder_(fs::path(built::folder) / "tests" / "folders" / test_name()) {
     fs::remove_all(folder_);
     fs::create_directories(folder_);
-    setenv("PATH", (fs::path(COMMAND).parent_path().string() + ":" + std::getenv("PATH")).c_str(), 1);
+    setenv("PATH", (fs::path(built::command).parent_path().string() + ":" + std::getenv("PATH")).c_str(), 1);
     setenv("TERM", "xterm", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
     for (const char* name : {"ZEBDB_DATABASE", "VONK_LOG", "NO_COLOR"}) {
@@ -111,14 +145,13 @@ command_result command_test::run_with_disk(std::size_t size, const std::string& 
     return run_by({SOURCE_DIR "/tests/support/on-small-disk", std::to_string(size), disk}, shell_command, -1);
 }
 
-// What the library writes at fixed places goes to a private view.
+// What the library writes at fixed places goes to the private view of the program, and is gone afterwards.
 command_result command_test::run_by(const std::vector<std::string>& runner, const std::string& shell_command,
                                     int standard_input) const {
+    static const private_places places;
     const fs::path out = folder_.string() + ".out";
     const fs::path err = folder_.string() + ".err";
-    const fs::path view = folder_.string() + ".view";
-    std::vector<std::string> command = {BINARY_DIR "/libexec/zebdb-cds/sandbox", "--keep", BINARY_DIR, view};
-    command.insert(command.end(), runner.begin(), runner.end());
+    std::vector<std::string> command = runner;
     command.insert(command.end(), {"env", "--chdir=" + folder_.string(), "sh", "-c", shell_command});
 
     file_actions actions;
@@ -129,7 +162,7 @@ command_result command_test::run_by(const std::vector<std::string>& runner, cons
     command_result result = {status, content_of(out), content_of(err)};
     fs::remove(out);
     fs::remove(err);
-    fs::remove_all(view);
+    places.empty();
     return result;
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "support/built.h"
 #include "support/quoted.h"
 #include "tools/subcommands/explain_test.h"
 
@@ -93,7 +94,7 @@ TEST_F(ExplainFailure, IsAUsageErrorWithAnotherFormatOrOption) {
 class ExplainFailedInsert : public explain_test {
 protected:
     // A blank ends the name of what is preloaded, and may stand in the name of the project's folder.
-    ExplainFailedInsert() { fs::create_symlink(FAILING_INSERT, folder() / "failing_insert.so"); }
+    ExplainFailedInsert() { fs::create_symlink(built::failing_insert, folder() / "failing_insert.so"); }
 
     command_result explain_failing(const std::string& table, const std::string& components,
                                    const std::string& arguments = "") const {

@@ -1,0 +1,6 @@
+#include "support/built.h"
+
+const char* const built::folder = BUILD_FOLDER;
+const char* const built::command = COMMAND;
+const char* const built::failing_insert = FAILING_INSERT;
+const char* const built::refresh = REFRESH;
