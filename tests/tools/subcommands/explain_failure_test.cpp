@@ -8,7 +8,6 @@
 
 using testing::ElementsAre;
 using testing::EndsWith;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
