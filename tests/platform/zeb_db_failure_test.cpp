@@ -60,8 +60,8 @@ TEST_F(DatabaseFailure, TellsOfADelete) {
 }
 
 TEST_F(DatabaseFailure, TellsOfAQuery) {
-    query("Processor", "Fan");
-    EXPECT_THAT(zeb_db_first_failure(), is_failure(SQLITE_ERROR, "query Processor: no such column: Fan"));
+    query("Fan");
+    EXPECT_THAT(zeb_db_first_failure(), is_failure(SQLITE_ERROR, "query Fan: no such table: Fan"));
 }
 
 TEST_F(DatabaseFailure, TellsOfAStep) {

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 
 #include "support/built.h"
@@ -10,7 +9,6 @@
 
 using testing::ElementsAre;
 using testing::EndsWith;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -173,23 +171,4 @@ TEST_F(ExplainFailedInsert, OfMemoryLeavesNoAnswer) {
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.out, IsEmpty());
     EXPECT_EQ(result.err, "zebdb-cds: cannot put a row into a database in memory\n");
-}
-
-// The limit leaves room for slow machines and stops what grows faster than the file.
-class ExplainLargeFile : public explain_test {
-protected:
-    void expect_explained_in_time(const std::string& file, const std::string& sum) const {
-        const auto start = std::chrono::steady_clock::now();
-        const std::string shown = explain(file);
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
-        EXPECT_THAT(shown.substr(shown.rfind("\n\n")), HasSubstr(sum));
-    }
-};
-
-std::string repeated(int count, const std::string& text) {
-    std::string all;
-    for (int i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
 }

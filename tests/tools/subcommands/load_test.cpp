@@ -162,19 +162,22 @@ TEST_F(Load, WritesNothingIntoItsFilesWhenItsStandardDescriptorsAreClosed) {
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }
 
+// Begins to load and is terminated once it has the database for itself.
+constexpr const char* interrupted_load =
+    "mkfifo pipe; zebdb-cds load pipe & exec 3>pipe; printf '<component>' >&3;"
+    "until [ -s inventory.db ]; do sleep 0.01; done;"
+    "while sqlite3 inventory.db 'BEGIN IMMEDIATE' 2>/dev/null; do sleep 0.01; done;"
+    "kill -TERM $!; wait $!";
+
 TEST_F(Load, LeavesNoNewDatabaseWhenItIsTerminated) {
-    const command_result result =
-        run("mkfifo pipe; zebdb-cds load pipe & exec 3>pipe; printf '<component>' >&3;"
-            "until ls inventory.db >/dev/null 2>&1; do sleep 0.01; done; sleep 0.2; kill -TERM $!; wait $!");
+    const command_result result = run(interrupted_load);
     EXPECT_EQ(result.status, 128 + SIGTERM);
     EXPECT_THAT(names(), ElementsAre("pipe", "server.xml"));
 }
 
 TEST_F(Load, LeavesTheRowsOfADatabaseWhenItIsTerminated) {
     ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
-    const command_result result =
-        run("mkfifo pipe; zebdb-cds load pipe & exec 3>pipe; printf '<component>' >&3;"
-            "sleep 0.2; kill -TERM $!; wait $!");
+    const command_result result = run(interrupted_load);
     EXPECT_EQ(result.status, 128 + SIGTERM);
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }

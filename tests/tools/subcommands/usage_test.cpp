@@ -2,6 +2,7 @@
 
 #include "tools/subcommands/command_test.h"
 
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -19,7 +20,9 @@ TEST_F(Usage, HelpOfASubcommandNamesItsArguments) {
     const command_result result = run("zebdb-cds load --help");
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, HasSubstr("Usage: zebdb-cds load [OPTIONS] FILE\n"));
-    EXPECT_THAT(result.out, HasSubstr("--database PATH=inventory.db (Env:ZEBDB_DATABASE)"));
+    // The default value is written as the version of CLI11 has it.
+    EXPECT_THAT(result.out,
+                ContainsRegex("--database PATH(=inventory\\.db| \\[inventory\\.db\\] ) \\(Env:ZEBDB_DATABASE\\)"));
 }
 
 TEST_F(Usage, VersionIsOneLine) {
