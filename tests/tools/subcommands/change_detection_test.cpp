@@ -192,16 +192,17 @@ TEST_F(ChangeDetection, RootHidesNeitherTheProgramNorTheWorkingFolderNorTheFiles
         cd /tmp/here
         /tmp/app/bin/zebdb-cds refresh /tmp/named.xml --database /tmp/named.db --root root || exit
         /tmp/app/bin/zebdb-cds save-digest /tmp/named.xml other.bin --root root || exit
-        ls -A /tmp /tmp/here
+        ls -A /tmp/named* /tmp/here
     )sh");
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_THAT(result.out, EndsWith("'other.bin.digest'\n/tmp:\napp\nhere\nnamed.db\nnamed.xml\nnamed.xml.digest\n\n"
+    EXPECT_THAT(result.out, EndsWith("'other.bin.digest'\n/tmp/named.db\n/tmp/named.xml\n/tmp/named.xml.digest\n\n"
                                      "/tmp/here:\nother.bin\nother.bin.digest\nroot\n"));
 }
 
 TEST_F(ChangeDetection, RootKeepsTheFolderVisibleThatReplacesNothingButIsThePlaceItself) {
-    const command_result result = run(
-        "cp server.xml /tmp; cd /tmp && zebdb-cds refresh server.xml --root root && ls -A && find root -name '.dmdb*'");
+    const command_result result =
+        run("cp server.xml /tmp; cd /tmp && zebdb-cds refresh server.xml --root root && ls -d inv* root *.xml && find "
+            "root -name '.dmdb*'");
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, EndsWith("inventory.db\nroot\nserver.xml\nroot/tmp/.dmdb_memory_deleted_flag\n"));
 }

@@ -139,6 +139,12 @@ command_result command_test::run_unprivileged(const std::string& shell_command) 
     return run_by({"setpriv", "--bounding-set=-all", "--inh-caps=-all"}, shell_command, -1);
 }
 
+std::string command_test::left_in_tmp(const std::string& shell_command) const {
+    return run("before=$(ls -A /tmp); { " + shell_command +
+               "; } >/dev/null; ls -A /tmp | grep --invert-match --line-regexp --fixed-strings \"$before\"")
+        .out;
+}
+
 command_result command_test::run_with_disk(std::size_t size, const std::string& shell_command) const {
     const fs::path disk = folder_ / "disk";
     fs::create_directory(disk);

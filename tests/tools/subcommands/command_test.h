@@ -35,6 +35,9 @@ protected:
     command_result run_with_disk(std::size_t size, const std::string& shell_command) const;
     static constexpr int no_disk = 77;
 
+    /// What a shell command adds to /tmp, a name a line. A build that stands there is there before.
+    std::string left_in_tmp(const std::string& shell_command) const;
+
     const std::filesystem::path& folder() const { return folder_; }
 
     /// Writes a file in the folder.
