@@ -32,7 +32,7 @@ private:
     destructions& destroyed_;
 };
 
-setting_group* make_group(destructions& destroyed, const std::string& name) {
+setting_group* make_noted_group(destructions& destroyed, const std::string& name) {
     auto* made = make_noted<setting_group>(destroyed, name);
     made->add_setting(make_noted<setting_node>(destroyed, "setting of " + name));
     return made;
@@ -52,19 +52,19 @@ TEST(Document, DestroysEveryElementOfItsTreeOnceDepthFirst) {
     auto doc = std::make_unique<document>();
 
     auto* inner = new noted<component>(destroyed, "inner");
-    inner->add_setting_group(make_group(destroyed, "inner group"));
+    inner->add_setting_group(make_noted_group(destroyed, "inner group"));
     auto* inner_slots = new noted<child_slot_group>(destroyed, "inner slots");
     inner_slots->add_component(inner);
     auto* outer = new noted<component>(destroyed, "outer");
     outer->add_child_slot_group(inner_slots);
-    outer->add_setting_group(make_group(destroyed, "outer group"));
+    outer->add_setting_group(make_noted_group(destroyed, "outer group"));
     auto* slots = new noted<child_slot_group>(destroyed, "slots");
     slots->add_component(outer);
     slots->add_component(new noted<component>(destroyed, "neighbour"));
-    slots->add_setting_group(make_group(destroyed, "slots group"));
+    slots->add_setting_group(make_noted_group(destroyed, "slots group"));
     doc->root.add_child_slot_group(slots);
     doc->root.add_child_slot_group(new noted<child_slot_group>(destroyed, "more slots"));
-    doc->root.add_setting_group(make_group(destroyed, "root group"));
+    doc->root.add_setting_group(make_noted_group(destroyed, "root group"));
 
     doc.reset();
     EXPECT_THAT(destroyed,

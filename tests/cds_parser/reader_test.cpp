@@ -14,6 +14,7 @@
 #include <type_traits>
 
 #include "cds_parser/live_allocations.h"
+#include "cds_parser/setting_names.h"
 #include "support/changed_tag.h"
 #include "support/noted_element.h"
 #include "support/scratch_file.h"
@@ -69,14 +70,6 @@ std::string xml_setting(const std::string& name, const std::string& values = "")
 
 std::string xml_group(const std::string& name, const std::string& settings = "") {
     return xml_element("setting_group", xml_element("name", name) + settings);
-}
-
-std::vector<std::string> setting_names(const setting_group& group) {
-    std::vector<std::string> names;
-    for (const auto& entry : group.settings) {
-        names.push_back(entry.first);
-    }
-    return names;
 }
 
 template <class Container>

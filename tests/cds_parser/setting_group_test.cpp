@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "cds_parser/setting_names.h"
 #include "support/noted_element.h"
 #include "support/tree_builder.h"
 
@@ -25,14 +26,6 @@ static_assert(std::has_virtual_destructor_v<setting_group>);
 static_assert(std::is_same_v<decltype(setting_group::TAG), const char*>);
 static_assert(std::is_same_v<decltype(setting_group::name), std::string>);
 static_assert(std::is_same_v<decltype(setting_group::settings), std::map<std::string, setting_node*>>);
-
-std::vector<std::string> setting_names(const setting_group& group) {
-    std::vector<std::string> names;
-    for (const auto& entry : group.settings) {
-        names.push_back(entry.first);
-    }
-    return names;
-}
 
 }  // namespace
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "inventory/input_files.h"
 #include "support/recording_platform.h"
 #include "support/sandboxed_test.h"
 
@@ -16,9 +17,6 @@ using testing::Not;
 using testing::StartsWith;
 
 namespace {
-
-constexpr const char* first = "/tmp/first.xml";
-constexpr const char* second = "/tmp/second.xml";
 
 constexpr const char* first_command = "popen sha384sum /tmp/first.xml | awk '{ print $1 }' for r";
 constexpr const char* second_command = "popen sha384sum /tmp/second.xml | awk '{ print $1 }' for r";
@@ -32,13 +30,13 @@ protected:
 
     void SetUp() override {
         sandboxed_test::SetUp();
-        write_file(first, "first");
-        write_file(second, "second");
-        ASSERT_EQ(save_pci_digest(first, second), 0);
+        write_file(first_input, "first");
+        write_file(second_input, "second");
+        ASSERT_EQ(save_pci_digest(first_input, second_input), 0);
         platform.calls.clear();
     }
 
-    int check() { return check_pci(first, second, &changed); }
+    int check() { return check_pci(first_input, second_input, &changed); }
 
     int changed = 77;
     recording_platform platform;
@@ -61,15 +59,15 @@ TEST_F(CheckPci, RunsEveryStepInOrderAndFindsNoChange) {
 }
 
 TEST_F(CheckPci, EndsAtAChangedFirstFile) {
-    write_file(first, "changed");
-    std::filesystem::remove(second);
+    write_file(first_input, "changed");
+    std::filesystem::remove(second_input);
     EXPECT_EQ(check(), 0);
     EXPECT_EQ(changed, 1);
     EXPECT_THAT(platform.calls, ElementsAre(first_command, StartsWith("INFO: check_file_digest: /tmp/first.xml ")));
 }
 
 TEST_F(CheckPci, EndsAtAChangedSecondFileWithoutTouchingTheDatabase) {
-    write_file(second, "changed");
+    write_file(second_input, "changed");
     EXPECT_EQ(check(), 0);
     EXPECT_EQ(changed, 1);
     EXPECT_THAT(platform.calls,
@@ -77,7 +75,7 @@ TEST_F(CheckPci, EndsAtAChangedSecondFileWithoutTouchingTheDatabase) {
 }
 
 TEST_F(CheckPci, FailsAtAFirstFileThatCannotBeCompared) {
-    std::filesystem::remove(first);
+    std::filesystem::remove(first_input);
     EXPECT_EQ(check(), -1);
     EXPECT_EQ(changed, 77);
     EXPECT_THAT(platform.calls, ElementsAre("ERROR: check_file_digest: /tmp/first.xml does not exist"));

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "inventory/input_files.h"
 #include "support/recording_platform.h"
 #include "support/sandboxed_test.h"
 
@@ -11,9 +12,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-constexpr const char* first = "/tmp/first.xml";
-constexpr const char* second = "/tmp/second.xml";
 
 // What sha384sum gives for "abc" and for nothing.
 const std::string digest_of_abc =
@@ -45,68 +43,69 @@ protected:
 
     void SetUp() override {
         sandboxed_test::SetUp();
-        write_file(first, "abc");
-        write_file(second, "");
+        write_file(first_input, "abc");
+        write_file(second_input, "");
     }
 
     recording_platform platform;
 };
 
 TEST_F(SavePciDigest, WritesEachDigestAs96LowercaseDigitsAndALineEnd) {
-    EXPECT_EQ(save_pci_digest(first, second), 0);
+    EXPECT_EQ(save_pci_digest(first_input, second_input), 0);
     EXPECT_EQ(content_of("/tmp/first.xml.digest"), digest_of_abc + "\n");
     EXPECT_EQ(content_of("/tmp/second.xml.digest"), digest_of_nothing + "\n");
-    EXPECT_THAT(platform.calls, ElementsAre("system " + save_command(first), "system " + save_command(second)));
+    EXPECT_THAT(platform.calls,
+                ElementsAre("system " + save_command(first_input), "system " + save_command(second_input)));
 }
 
 TEST_F(SavePciDigest, ReplacesOlderDigests) {
     write_file("/tmp/first.xml.digest", std::string(1000, 'x'));
-    EXPECT_EQ(save_pci_digest(first, second), 0);
+    EXPECT_EQ(save_pci_digest(first_input, second_input), 0);
     EXPECT_EQ(content_of("/tmp/first.xml.digest"), digest_of_abc + "\n");
 }
 
 TEST_F(SavePciDigest, WritesNothingWhenTheFirstFileIsMissing) {
-    EXPECT_EQ(save_pci_digest("/tmp/missing.xml", second), -1);
+    EXPECT_EQ(save_pci_digest("/tmp/missing.xml", second_input), -1);
     EXPECT_FALSE(exists("/tmp/missing.xml.digest"));
     EXPECT_FALSE(exists("/tmp/second.xml.digest"));
     EXPECT_THAT(platform.calls, IsEmpty());
 }
 
 TEST_F(SavePciDigest, KeepsTheFirstDigestWhenTheSecondFileIsMissing) {
-    EXPECT_EQ(save_pci_digest(first, "/tmp/missing.xml"), -1);
+    EXPECT_EQ(save_pci_digest(first_input, "/tmp/missing.xml"), -1);
     EXPECT_EQ(content_of("/tmp/first.xml.digest"), digest_of_abc + "\n");
     EXPECT_FALSE(exists("/tmp/missing.xml.digest"));
-    EXPECT_THAT(platform.calls, ElementsAre("system " + save_command(first)));
+    EXPECT_THAT(platform.calls, ElementsAre("system " + save_command(first_input)));
 }
 
 TEST_F(SavePciDigest, WritesNothingForANullFirstPath) {
-    EXPECT_EQ(save_pci_digest(nullptr, second), -1);
+    EXPECT_EQ(save_pci_digest(nullptr, second_input), -1);
     EXPECT_THAT(platform.calls, IsEmpty());
 }
 
 TEST_F(SavePciDigest, KeepsTheFirstDigestForANullSecondPath) {
-    EXPECT_EQ(save_pci_digest(first, nullptr), -1);
+    EXPECT_EQ(save_pci_digest(first_input, nullptr), -1);
     EXPECT_EQ(content_of("/tmp/first.xml.digest"), digest_of_abc + "\n");
-    EXPECT_THAT(platform.calls, ElementsAre("system " + save_command(first)));
+    EXPECT_THAT(platform.calls, ElementsAre("system " + save_command(first_input)));
 }
 
 TEST_F(SavePciDigest, StopsWithAnErrorWhenTheFirstCommandFails) {
     platform.fail("system", 256);
-    EXPECT_EQ(save_pci_digest(first, second), -1);
-    EXPECT_THAT(platform.calls, ElementsAre("system " + save_command(first),
+    EXPECT_EQ(save_pci_digest(first_input, second_input), -1);
+    EXPECT_THAT(platform.calls, ElementsAre("system " + save_command(first_input),
                                             "ERROR: save_pci_digest: generating /tmp/first.xml.digest failed!"));
 }
 
 TEST_F(SavePciDigest, KeepsTheFirstDigestWhenTheSecondCommandFails) {
     platform.fail_once("system", 2, -1);
-    EXPECT_EQ(save_pci_digest(first, second), -1);
+    EXPECT_EQ(save_pci_digest(first_input, second_input), -1);
     EXPECT_EQ(content_of("/tmp/first.xml.digest"), digest_of_abc + "\n");
     EXPECT_THAT(platform.log, ElementsAre("ERROR: save_pci_digest: generating /tmp/second.xml.digest failed!"));
 }
 
 TEST_F(SavePciDigest, FailsOnAReadOnlyFolder) {
     make_read_only_folder("/tmp/read-only", {"first.xml"});
-    EXPECT_EQ(save_pci_digest("/tmp/read-only/first.xml", second), -1);
+    EXPECT_EQ(save_pci_digest("/tmp/read-only/first.xml", second_input), -1);
     EXPECT_FALSE(exists("/tmp/read-only/first.xml.digest"));
     EXPECT_THAT(platform.log,
                 ElementsAre("ERROR: save_pci_digest: generating /tmp/read-only/first.xml.digest failed!"));
@@ -114,14 +113,14 @@ TEST_F(SavePciDigest, FailsOnAReadOnlyFolder) {
 
 TEST_F(SavePciDigest, FailsWhenADirectoryIsInTheDigestsPlace) {
     make_directory("/tmp/first.xml.digest");
-    EXPECT_EQ(save_pci_digest(first, second), -1);
+    EXPECT_EQ(save_pci_digest(first_input, second_input), -1);
     EXPECT_THAT(platform.log, ElementsAre("ERROR: save_pci_digest: generating /tmp/first.xml.digest failed!"));
 }
 
 TEST_F(SavePciDigest, FailsOnAFullDisk) {
     {
         const file_size_limit full(0);
-        EXPECT_EQ(save_pci_digest(first, second), -1);
+        EXPECT_EQ(save_pci_digest(first_input, second_input), -1);
     }
     EXPECT_EQ(content_of("/tmp/first.xml.digest"), "");
     EXPECT_THAT(platform.log, ElementsAre("ERROR: save_pci_digest: generating /tmp/first.xml.digest failed!"));
@@ -130,7 +129,7 @@ TEST_F(SavePciDigest, FailsOnAFullDisk) {
 // The status of the shell's pipeline is awk's.
 TEST_F(SavePciDigest, LeavesAnEmptyDigestOfAFileThatCannotBeHashedAndSucceeds) {
     make_directory("/tmp/folder");
-    EXPECT_EQ(save_pci_digest("/tmp/folder", second), 0);
+    EXPECT_EQ(save_pci_digest("/tmp/folder", second_input), 0);
     EXPECT_EQ(content_of("/tmp/folder.digest"), "");
     EXPECT_THAT(platform.log, IsEmpty());
 }
@@ -138,7 +137,7 @@ TEST_F(SavePciDigest, LeavesAnEmptyDigestOfAFileThatCannotBeHashedAndSucceeds) {
 TEST_F(SavePciDigest, TakesAPathOf43Characters) {
     const std::string path = path_of_length(43);
     write_file(path, "abc");
-    EXPECT_EQ(save_pci_digest(path.c_str(), second), 0);
+    EXPECT_EQ(save_pci_digest(path.c_str(), second_input), 0);
     EXPECT_EQ(platform.calls.front(), "system " + save_command(path));
     EXPECT_EQ(save_command(path).size(), 127u);
     EXPECT_EQ(content_of(path + ".digest"), digest_of_abc + "\n");
@@ -147,7 +146,7 @@ TEST_F(SavePciDigest, TakesAPathOf43Characters) {
 TEST_F(SavePciDigest, WritesTheDigestOfAPathOf44CharactersUnderACutName) {
     const std::string path = path_of_length(44);
     write_file(path, "abc");
-    EXPECT_EQ(save_pci_digest(path.c_str(), second), 0);
+    EXPECT_EQ(save_pci_digest(path.c_str(), second_input), 0);
     EXPECT_EQ(platform.calls.front(), "system " + save_command(path).substr(0, 127));
     EXPECT_FALSE(exists(path + ".digest"));
     EXPECT_EQ(content_of(path + ".dige"), digest_of_abc + "\n");
@@ -156,7 +155,7 @@ TEST_F(SavePciDigest, WritesTheDigestOfAPathOf44CharactersUnderACutName) {
 TEST_F(SavePciDigest, FailsWhenTheCutLeavesNoCommandThatAShellTakes) {
     const std::string path = path_of_length(97);
     write_file(path, "abc");
-    EXPECT_EQ(save_pci_digest(path.c_str(), second), -1);
+    EXPECT_EQ(save_pci_digest(path.c_str(), second_input), -1);
     EXPECT_THAT(platform.calls, ElementsAre("system " + save_command(path).substr(0, 127),
                                             "ERROR: save_pci_digest: generating " + path + ".digest failed!"));
 }
@@ -169,15 +168,15 @@ protected:
 
     void SetUp() override {
         sandboxed_test::SetUp();
-        write_file(first, "abc");
-        write_file(second, "");
+        write_file(first_input, "abc");
+        write_file(second_input, "");
         write_file("/tmp/first.xml.digest", digest_of_abc + "\n");
         write_file("/tmp/second.xml.digest", digest_of_nothing + "\n");
         write_file(place::adapter_keys, words({0}));
     }
 
     // Checks the file at `path`, and the second one when that is the same as saved.
-    int check(const std::string& path = first) { return check_pci(path.c_str(), second, &changed); }
+    int check(const std::string& path = first_input) { return check_pci(path.c_str(), second_input, &changed); }
 
     int changed = 77;
     recording_platform platform;
@@ -187,21 +186,21 @@ TEST_F(CheckFileDigest, GivesZeroAndLogsNothingForAnUnchangedFile) {
     EXPECT_EQ(check(), 0);
     EXPECT_EQ(changed, 0);
     EXPECT_THAT(platform.log, IsEmpty());
-    EXPECT_THAT(platform.calls_of("popen"),
-                ElementsAre("popen " + digest_command(first) + " for r", "popen " + digest_command(second) + " for r"));
+    EXPECT_THAT(platform.calls_of("popen"), ElementsAre("popen " + digest_command(first_input) + " for r",
+                                                        "popen " + digest_command(second_input) + " for r"));
 }
 
 TEST_F(CheckFileDigest, AgreesWithWhatSavePciDigestWrote) {
-    write_file(first, "other content\n");
-    ASSERT_EQ(save_pci_digest(first, second), 0);
+    write_file(first_input, "other content\n");
+    ASSERT_EQ(save_pci_digest(first_input, second_input), 0);
     EXPECT_EQ(check(), 0);
     EXPECT_EQ(changed, 0);
     EXPECT_THAT(platform.log, IsEmpty());
 }
 
 TEST_F(CheckFileDigest, GivesOneAndLogsBothDigestsForAChangedFile) {
-    ASSERT_EQ(save_pci_digest(first, second), 0);
-    write_file(first, "");
+    ASSERT_EQ(save_pci_digest(first_input, second_input), 0);
+    write_file(first_input, "");
     EXPECT_EQ(check(), 0);
     EXPECT_EQ(changed, 1);
     EXPECT_THAT(platform.log, ElementsAre("INFO: check_file_digest: /tmp/first.xml digest [" + digest_of_nothing +
@@ -215,7 +214,7 @@ TEST_F(CheckFileDigest, FailsForAMissingFile) {
 }
 
 TEST_F(CheckFileDigest, FailsForANullPath) {
-    EXPECT_EQ(check_pci(nullptr, second, &changed), -1);
+    EXPECT_EQ(check_pci(nullptr, second_input, &changed), -1);
     EXPECT_EQ(changed, 77);
     EXPECT_THAT(platform.calls, ElementsAre("ERROR: check_file_digest: (null) does not exist"));
 }

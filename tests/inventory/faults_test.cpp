@@ -8,13 +8,13 @@
 #include <set>
 #include <string>
 
+#include "inventory/input_files.h"
 #include "support/cds_text.h"
 #include "support/recording_platform.h"
 #include "support/sandboxed_test.h"
 
 namespace {
 
-constexpr const char* cds_path = "/tmp/cds.xml";
 constexpr const char* input = "/tmp/input.xml";
 
 constexpr int failure = 7;

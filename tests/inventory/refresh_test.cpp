@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "inventory/input_files.h"
 #include "support/cds_text.h"
 #include "support/recording_platform.h"
 #include "support/sandboxed_test.h"
@@ -16,8 +17,6 @@ using testing::ElementsAre;
 using testing::StartsWith;
 
 namespace {
-
-constexpr const char* cds_path = "/tmp/cds.xml";
 
 // What a refresh does behind a commit that found nothing in the database, with a digest script that changes nothing.
 const std::vector<std::string> calls_after_the_commit = {

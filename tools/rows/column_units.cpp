@@ -11,11 +11,9 @@
 
 namespace {
 
-constexpr const char* none = "-";
-
 std::string with_unit(const inventory_value& value, const char* unit) {
     const auto number = number_in(value);
-    return number ? std::to_string(*number) + unit : none;
+    return number ? std::to_string(*number) + unit : column_units::none;
 }
 
 constexpr const char* size_units[] = {" B", " KiB", " MiB", " GiB", " TiB", " PiB"};
@@ -27,7 +25,7 @@ std::string size(const inventory_value& value, std::size_t unit) {
     constexpr std::uint64_t too_long = 10000;
     const auto number = number_in(value);
     if (!number) {
-        return none;
+        return column_units::none;
     }
     std::uint64_t whole = *number;
     for (; unit < largest_unit && whole != 0 && whole % 1024 == 0; ++unit) {
@@ -70,7 +68,7 @@ std::string index(const inventory_value& value) {
     constexpr auto no_index = std::numeric_limits<std::uint32_t>::max();
     constexpr auto no_row = std::numeric_limits<std::uint64_t>::max();
     const std::uint64_t number = number_in(value).value_or(0);
-    return number == no_index || number == no_row ? none : plain(value);
+    return number == no_index || number == no_row ? column_units::none : plain(value);
 }
 
 std::string key(const inventory_value& value) {
@@ -191,7 +189,7 @@ column_unit unit_of(const inventory_kind& kind, const std::string& column) {
 std::string hexadecimal_text(const inventory_value& value, int digits, const char* prefix) {
     const auto number = number_in(value);
     if (!number) {
-        return none;
+        return column_units::none;
     }
     char text[24];
     std::snprintf(text, sizeof text, "%s%0*llx", prefix, digits, static_cast<unsigned long long>(*number));

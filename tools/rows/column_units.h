@@ -12,6 +12,8 @@ using column_unit = std::string (*)(const inventory_value& value);
 
 namespace column_units {
 
+inline constexpr const char* none = "-";
+
 /// What has no unit: texts, printable, and bare numbers.
 std::string plain(const inventory_value& value);
 /// A number of which -1, in 32 or in 64 bits, stands for none: node, slot and row ids.

@@ -4,11 +4,10 @@
 
 namespace {
 
-constexpr const char* none = "-";
-
 // Two texts as one; none when there is neither.
 std::string joined(const std::string& first, const char* separator, const std::string& second) {
-    return first == none && second == none ? none : first + separator + second;
+    return first == column_units::none && second == column_units::none ? column_units::none
+                                                                       : first + separator + second;
 }
 
 std::string pci_address(const inventory_row& row, const char* device, const char* function) {

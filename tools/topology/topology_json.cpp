@@ -9,12 +9,12 @@ using json = nlohmann::ordered_json;
 // Raised when a program that reads today's output would misread tomorrow's.
 constexpr int schema = 1;
 
-struct json_column {
+struct json_member {
     const char* key;
     const char* column;
 };
 
-constexpr json_column bridge_columns[] = {
+constexpr json_member bridge_members[] = {
     {"id", "Id"},
     {"parent_id", "ParentId"},
     {"node", "NodeIndex"},
@@ -30,7 +30,7 @@ constexpr json_column bridge_columns[] = {
     {"subordinate_bus", "SubBusNo"},
 };
 
-constexpr json_column function_columns[] = {
+constexpr json_member function_members[] = {
     {"id", "Id"},
     {"parent_id", "BridgeId"},
     {"node", "NodeIndex"},
@@ -66,8 +66,8 @@ json problem_json(pci_problem problem) {
 }
 
 template <std::size_t Count>
-void add_columns(json& object, const pci_part& part, const json_column (&columns)[Count]) {
-    for (const json_column& each : columns) {
+void add_members(json& object, const pci_part& part, const json_member (&members)[Count]) {
+    for (const json_member& each : members) {
         object[each.key] = value_json(part.row[each.column]);
     }
 }
@@ -87,9 +87,9 @@ json part_json(const pci_part& part) {
         {"problem", problem_json(part.problem)},
     };
     if (part.is_bridge) {
-        add_columns(object, part, bridge_columns);
+        add_members(object, part, bridge_members);
     } else {
-        add_columns(object, part, function_columns);
+        add_members(object, part, function_members);
     }
     add_kind(object, part);
     object["vendor_name"] = text_or_null(part.vendor_name);

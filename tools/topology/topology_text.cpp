@@ -65,9 +65,9 @@ std::string kind_text(const inventory_row& row) {
 }
 
 std::string slot_text(const inventory_row& row) {
-    const std::string number = column_units::index(row["SlotNo"]);
+    const std::string slot = column_units::index(row["SlotNo"]);
     const std::string designation = stripped(column_units::plain(row["SlotDesignation"]));
-    return (number == "-" ? "" : ", slot " + number) + (designation.empty() ? "" : ", " + designation);
+    return (slot == column_units::none ? "" : ", slot " + slot) + (designation.empty() ? "" : ", " + designation);
 }
 
 std::string name_text(const pci_part& part) {

@@ -17,6 +17,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/inventory_service/service_database.h"
 #include "support/built.h"
 #include "support/cds_text.h"
 #include "support/quoted.h"
@@ -29,8 +30,6 @@ using testing::HasSubstr;
 namespace {
 
 constexpr const char* database = "/tmp/inventory.db";
-constexpr const char* inventory_tables[] = {"Processor", "Memory", "PCIBridge", "PCIs", "PCIAdapter"};
-
 constexpr const char* journal = "/tmp/inventory.db-journal";
 
 using clock = std::chrono::steady_clock;

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/inventory_service/service_database.h"
 #include "support/captured_log.h"
 #include "support/sandboxed_test.h"
 #include "support/sqlite_database.h"
@@ -18,11 +19,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-namespace {
-
-constexpr const char* database = "/tmp/named.db";
-
-}  // namespace
+namespace {}  // namespace
 
 class InventoryService : public sandboxed_test {
 protected:
@@ -32,7 +29,7 @@ protected:
         used = true;
         sandboxed_test::SetUp();
         ASSERT_EQ(chdir("/tmp"), 0);
-        ASSERT_EQ(setenv("ZEBDB_DATABASE", database, 1), 0);
+        ASSERT_EQ(setenv("ZEBDB_DATABASE", named_database, 1), 0);
     }
 
     // The base's checks do not hold here: the database stays open as long as the process.
@@ -43,7 +40,7 @@ protected:
 
 TEST_F(InventoryService, OpensTheDatabaseThatTheEnvironmentNames) {
     ASSERT_NE(get_dmdb_handle(), nullptr);
-    EXPECT_THAT(sqlite_database(database).run("SELECT count(*) FROM PCIs"), ElementsAre("0"));
+    EXPECT_THAT(sqlite_database(named_database).run("SELECT count(*) FROM PCIs"), ElementsAre("0"));
     EXPECT_THAT(log.lines, IsEmpty());
 }
 
@@ -85,14 +82,14 @@ TEST_F(InventoryService, GivesNullAndTheReasonForAMissingFolder) {
 }
 
 TEST_F(InventoryService, GivesNullAndTheReasonForAFileThatIsNoDatabase) {
-    write_file(database, std::string(1000, 'x'));
+    write_file(named_database, std::string(1000, 'x'));
     EXPECT_EQ(get_dmdb_handle(), nullptr);
     EXPECT_THAT(log.lines,
                 ElementsAre("ERROR: cannot open inventory database '/tmp/named.db': file is not a database"));
 }
 
 TEST_F(InventoryService, TellsWhyItGivesNull) {
-    write_file(database, std::string(1000, 'x'));
+    write_file(named_database, std::string(1000, 'x'));
     ASSERT_EQ(get_dmdb_handle(), nullptr);
     ASSERT_NE(zeb_db_first_failure(), nullptr);
     EXPECT_EQ(zeb_db_first_failure()->code, SQLITE_NOTADB);
@@ -101,9 +98,9 @@ TEST_F(InventoryService, TellsWhyItGivesNull) {
 }
 
 TEST_F(InventoryService, GivesAHandleOnceTheDatabaseCanBeOpened) {
-    write_file(database, std::string(1000, 'x'));
+    write_file(named_database, std::string(1000, 'x'));
     ASSERT_EQ(get_dmdb_handle(), nullptr);
-    std::filesystem::remove(database);
+    std::filesystem::remove(named_database);
     EXPECT_NE(get_dmdb_handle(), nullptr);
 }
 
@@ -117,7 +114,7 @@ protected:
         }
         connection = connection_opened_by([this] { handle = get_dmdb_handle(); });
         ASSERT_NE(handle, nullptr);
-        seen = std::make_unique<sqlite_database>(database);
+        seen = std::make_unique<sqlite_database>(named_database);
     }
 
     _zeb_db_handle_t* handle = nullptr;
@@ -218,8 +215,6 @@ protected:
     }
     std::vector<std::string> in_file(const std::string& table) { return seen->run("SELECT * FROM " + table); }
 };
-
-constexpr const char* inventory_tables[] = {"Processor", "Memory", "PCIBridge", "PCIs", "PCIAdapter"};
 
 TEST_F(MemoryTables, HoldTheRowsOfEveryInventoryTable) {
     for (const std::string table : inventory_tables) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/inventory_service/service_database.h"
 #include "support/sandboxed_test.h"
 #include "support/sqlite_database.h"
 
@@ -15,9 +16,6 @@ using testing::MatchesRegex;
 using testing::UnorderedElementsAre;
 
 namespace {
-
-constexpr const char* database = "/tmp/named.db";
-constexpr const char* inventory_tables[] = {"Processor", "Memory", "PCIBridge", "PCIs", "PCIAdapter"};
 
 // Places in a database, not hardware: they differ from one load of the same hardware to the next.
 constexpr const char* row_ids = "('Id', 'ArrayId', 'ParentId', 'BridgeId')";
@@ -29,10 +27,10 @@ protected:
     void SetUp() override {
         sandboxed_test::SetUp();
         _zeb_db_handle_t* handle = nullptr;
-        ASSERT_EQ(zeb_db_open(database, &handle), 0);
+        ASSERT_EQ(zeb_db_open(named_database, &handle), 0);
         zeb_db_close(handle);
-        hardware = std::make_unique<sqlite_database>(database);
-        ASSERT_EQ(setenv("ZEBDB_DATABASE", database, 1), 0);
+        hardware = std::make_unique<sqlite_database>(named_database);
+        ASSERT_EQ(setenv("ZEBDB_DATABASE", named_database, 1), 0);
     }
 
     void TearDown() override {
@@ -211,7 +209,7 @@ TEST_F(PciDigest, KeepsAll64BitsOfANumber) {
 TEST_F(PciDigest, IsOfInventoryDbInTheWorkingDirectoryWithoutAName) {
     add_two_rows_to_each_table();
     update();
-    std::filesystem::rename(database, "/tmp/inventory.db");
+    std::filesystem::rename(named_database, "/tmp/inventory.db");
     const std::string before = system_digest + pci_digest;
     std::filesystem::remove(place::system_digest);
     std::filesystem::remove(place::pci_digest);

@@ -3,16 +3,11 @@
 #include <gmock/gmock.h>
 
 #include "rows/table.h"
+#include "tools/values.h"
 
 using testing::ElementsAre;
 
 namespace {
-
-inventory_value number(std::int64_t value) {
-    return value;
-}
-
-const inventory_value absent;
 
 std::vector<inventory_table> bridge_and_function(const inventory_value& bridge_id) {
     return {{&kinds::bridges,

@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include "rows/table.h"
+#include "tools/values.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -24,8 +25,6 @@ using rows = std::vector<std::vector<inventory_value>>;
 inventory_value node(std::int64_t index) {
     return index;
 }
-
-const inventory_value absent;
 
 // Memory of a node, a place, a serial number and a part number.
 inventory_table modules(const rows& all) {

@@ -2,17 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "tools/values.h"
+
 using namespace column_units;
 
 namespace {
 
 constexpr std::int64_t many = 129408;
-
-inventory_value number(std::int64_t value) {
-    return value;
-}
-
-const inventory_value absent;
 
 }  // namespace
 

@@ -2,11 +2,9 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+#include "tools/values.h"
 
-inventory_value number(std::int64_t value) {
-    return value;
-}
+namespace {
 
 std::string place_of(const inventory_table& table) {
     return place_text(inventory_row(table, 0));

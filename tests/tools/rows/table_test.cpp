@@ -1,12 +1,11 @@
 #include "rows/table.h"
+#include "tools/values.h"
 
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
 
 namespace {
-
-const inventory_value absent;
 
 const inventory_table modules = {&kinds::memory,
                                  {"Id", "DevLocator", "Capacity", "SerialNo", "AssetTag"},

@@ -5,21 +5,16 @@
 
 #include "support/cds_text.h"
 #include "tools/subcommands/command_test.h"
+#include "tools/subcommands/one_processor.h"
 
 using testing::EndsWith;
 using testing::IsEmpty;
 
 namespace fs = std::filesystem;
 
-namespace {
-
-const std::string processor = cds_file(cds_component("cpu_info", {text("Socket Designation", "CPU 1")}));
-
-}  // namespace
-
 class LoadDatabaseFailure : public command_test {
 protected:
-    LoadDatabaseFailure() { write("x.xml", processor); }
+    LoadDatabaseFailure() { write("x.xml", one_processor); }
 
     // The part of the message that follows the file's name.
     static void expect_failure(const command_result& result, const std::string& cause) {
@@ -90,7 +85,7 @@ protected:
         if (run_with_disk(100'000, "true").status == no_disk) {
             GTEST_SKIP() << "no file system can be mounted here";
         }
-        write("x.xml", processor);
+        write("x.xml", one_processor);
     }
 };
 

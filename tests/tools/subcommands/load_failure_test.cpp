@@ -3,6 +3,7 @@
 #include <algorithm>
 #include "support/cds_text.h"
 #include "tools/subcommands/command_test.h"
+#include "tools/subcommands/one_processor.h"
 
 using testing::Contains;
 using testing::IsEmpty;
@@ -11,17 +12,11 @@ using testing::StartsWith;
 
 namespace fs = std::filesystem;
 
-namespace {
-
-const std::string processor = cds_file(cds_component("cpu_info", {text("Socket Designation", "CPU 1")}));
-
-}  // namespace
-
 class LoadFailure : public command_test {
 protected:
     // Expects that `command` fails because of `cause` and leaves the database as it is, which is made before.
     void expect_unchanged(const std::string& command, const std::string& title, const std::string& cause) {
-        write("processor.xml", processor);
+        write("processor.xml", one_processor);
         ASSERT_EQ(run("zebdb-cds load processor.xml").status, 0);
         const std::string before = read("inventory.db");
         const command_result result = run(command);
@@ -96,7 +91,7 @@ struct bad_input {
 
 class BadInput : public LoadFailure, public testing::WithParamInterface<bad_input> {
 protected:
-    BadInput() { write("bad.xml", processor); }
+    BadInput() { write("bad.xml", one_processor); }
     std::string command() const { return std::string(GetParam().preparation) + "zebdb-cds load " + GetParam().file; }
 };
 

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* erase_line = "\r\033[K";
 
-const std::string processor = cds_file(
+const std::string wide_processor = cds_file(
     cds_component("cpu_info", {text("Socket Designation", "CPU 1"), text("Processor Version", std::string(60, 'v')),
                                text("Serial Number", std::string(40, 's'))}));
 
@@ -41,7 +41,7 @@ std::size_t longest_row(const std::string& text) {
 
 class Terminal : public command_test {
 protected:
-    Terminal() { write("processor.xml", processor); }
+    Terminal() { write("processor.xml", wide_processor); }
 
     // What reaches a terminal of 120 columns on which the commands run.
     std::string on_terminal(const std::string& shell_commands) {
