@@ -5,18 +5,31 @@
 set -eu
 
 database=${ZEBDB_DATABASE:-inventory.db}
+case $database in
+-*) database=./$database ;;  # a file, no option
+esac
 folder=/var/vonk
 scratch=$(mktemp -d "$folder/.digest.XXXXXX")
 trap 'rm -rf "$scratch"' EXIT
+trap 'exit 129' HUP
+trap 'exit 130' INT
+trap 'exit 143' TERM
 
+# Whoever made the database, and whatever the user's own settings are.
 query() {
-    sqlite3 -batch -readonly -cmd '.timeout 5000' "$@"
+    sqlite3 -init /dev/null -batch -readonly -safe -cmd '.timeout 5000' "$@"
+}
+
+# The columns of the table $1, each written as the SQL expression $2.
+columns_of() {
+    query "$database" "SELECT group_concat($2) FROM pragma_table_info('$1')
+        WHERE name NOT IN ('Id', 'ArrayId', 'ParentId', 'BridgeId')"
 }
 
 print_rows() {
-    columns=$(query "$database" "SELECT group_concat(name) FROM pragma_table_info('$1')
-        WHERE name NOT IN ('Id', 'ArrayId', 'ParentId', 'BridgeId')")
-    echo "$1: $columns"
+    names=$(columns_of "$1" name)
+    columns=$(columns_of "$1" "'\"' || replace(name, '\"', '\"\"') || '\"'")
+    echo "$1: $names"
     query -quote "$database" "SELECT $columns FROM $1 ORDER BY $columns"
 }
 

@@ -59,7 +59,7 @@ protected:
         return columns;
     }
 
-    // Runs the script; whether it succeeded.
+    // Runs the script; whether it succeeded. `environment` goes before its name.
     static bool run(const std::string& environment = "") {
         return std::system((environment + " /bin/pci_digest.sh 2>/tmp/errors").c_str()) == 0;
     }
@@ -195,6 +195,35 @@ TEST_F(PciDigest, CountsRowsThatAreAlike) {
     hardware->run("INSERT INTO Processor (Socket) VALUES ('CPU')");
     update();
     EXPECT_NE(system_digest, before);
+}
+
+TEST_F(PciDigest, TakesTheNameOfAColumnForNothingElse) {
+    hardware->run(R"sql(ALTER TABLE Processor ADD COLUMN "writefile('/tmp/written', 'x')" TEXT)sql");
+    hardware->run(R"(ALTER TABLE Processor ADD COLUMN "a ""quoted"", name" TEXT)");
+    hardware->run("INSERT INTO Processor (Socket) VALUES ('CPU')");
+    update();
+    EXPECT_FALSE(exists("/tmp/written"));
+    EXPECT_EQ(system_digest.size(), 97u);
+}
+
+TEST_F(PciDigest, DoesNotDependOnTheUsersSettingsOfTheShell) {
+    add_two_rows_to_each_table();
+    update();
+    const std::string before = system_digest + pci_digest;
+    write_file("/tmp/.sqliterc", ".headers on\n");
+    ASSERT_TRUE(run("HOME=/tmp"));
+    EXPECT_EQ(content_of(place::system_digest) + content_of(place::pci_digest), before);
+}
+
+TEST_F(PciDigest, IsOfADatabaseThatIsNamedLikeAnOption) {
+    std::filesystem::rename(named_database, "/tmp/-x.db");
+    EXPECT_TRUE(run("cd /tmp; ZEBDB_DATABASE=-x.db"));
+    expect_nothing_but_digests();
+}
+
+TEST_F(PciDigest, ThatIsTerminatedLeavesNothing) {
+    hardware->run("BEGIN EXCLUSIVE");
+    expect_failure("timeout 1");
 }
 
 TEST_F(PciDigest, KeepsAll64BitsOfANumber) {
