@@ -53,6 +53,16 @@ void roll_back(_zeb_db_handle_t* handle) {
     }
 }
 
+// An exception passes, but not without the transaction.
+bool load_and_commit(_zeb_db_handle_t* handle, const char* cds_path, unsigned aim_argument) {
+    try {
+        return load(handle, cds_path, aim_argument) && commit(handle);
+    } catch (...) {
+        roll_back(handle);
+        throw;
+    }
+}
+
 void save_function_keys(_zeb_db_handle_t* handle, const function_key_set& set) {
     function_key_list keys;
     if (read_fkeys_fromDb(handle, keys, set.table, set.column) == 0) {
@@ -97,7 +107,7 @@ int parse_pci(const char* cds_path, unsigned aim_argument) {
         vonk_log::logErr("unable to begin pci transaction");
         return -1;
     }
-    if (!load(handle, cds_path, aim_argument) || !commit(handle)) {
+    if (!load_and_commit(handle, cds_path, aim_argument)) {
         roll_back(handle);
         return -1;
     }

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <climits>
+#include <exception>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -113,6 +115,13 @@ TEST_F(ParsePci, RollsBackAFailedLoadWithoutCallingParseAim) {
                 ElementsAre("get_dmdb_handle", "zeb_db_begin_transaction", "zeb_db_delete Processor",
                             "ERROR: CDS PARSER: failed to delete Processors, rc=5",
                             "ERROR: parse_aim return error, rc = 0xffffffff", "zeb_db_rollback_transaction"));
+}
+
+TEST_F(ParsePci, RollsBackBeforeAnExceptionPasses) {
+    platform.throw_from("parse_aim", std::make_exception_ptr(std::bad_alloc()));
+    EXPECT_THROW(parse_pci(nullptr, 5), std::bad_alloc);
+    EXPECT_THAT(platform.calls, ElementsAre("get_dmdb_handle", "zeb_db_begin_transaction", "parse_aim 5",
+                                            "zeb_db_rollback_transaction"));
 }
 
 TEST_F(ParsePci, RollsBackWhenTheCdsFileIsMissing) {
