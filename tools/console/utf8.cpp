@@ -1,5 +1,6 @@
 #include "console/utf8.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 
@@ -98,13 +99,14 @@ std::string repaired_utf8(const std::string& text) {
 }
 
 std::string printable(const std::string& text) {
+    const std::string repaired = repaired_utf8(text);
     std::string shown;
-    for (std::size_t place = 0; place < text.size();) {
-        const decoded next = decode(text, place);
+    for (std::size_t place = 0; place < repaired.size();) {
+        const decoded next = decode(repaired, place);
         if (is_control(next.character)) {
             shown += escaped(next.character);
         } else {
-            shown.append(text, place, next.length);
+            shown.append(repaired, place, next.length);
         }
         place += next.length;
     }
@@ -122,7 +124,7 @@ std::size_t length_of(const std::string& text) {
 std::string first_characters(const std::string& text, std::size_t length) {
     std::size_t place = 0;
     for (std::size_t i = 0; i < length && place < text.size(); ++i) {
-        place += decode(text, place).length;
+        place += std::max<std::size_t>(decode(text, place).length, 1);
     }
     return text.substr(0, place);
 }

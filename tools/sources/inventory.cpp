@@ -111,7 +111,7 @@ inventory_table inventory::table_of(const inventory_kind& kind, const statement_
     inventory_table table{&kind, {}, {}};
     const int columns = sqlite3_column_count(rows.get());
     for (int column = 0; column < columns; ++column) {
-        table.columns.emplace_back(sqlite3_column_name(rows.get(), column));
+        table.columns.push_back(repaired_utf8(sqlite3_column_name(rows.get(), column)));
     }
     while (step(rows)) {
         std::vector<inventory_value>& row = table.rows.emplace_back();

@@ -39,6 +39,10 @@ TEST(Printable, LeavesEverythingElse) {
     EXPECT_EQ(printable("a \u00a0\u00e9\u2028'\"\\"), "a \u00a0\u00e9\u2028'\"\\");
 }
 
+TEST(Printable, HasAReplacementCharacterForEveryStrayByte) {
+    EXPECT_EQ(printable("a\xFF\x80\tz\xC3"), "a\uFFFD\uFFFD\\tz\uFFFD");
+}
+
 TEST(LengthOf, CountsCharactersAndNotBytes) {
     EXPECT_EQ(length_of(""), 0u);
     EXPECT_EQ(length_of("abc"), 3u);
@@ -49,4 +53,8 @@ TEST(FirstCharacters, CutsBetweenCharacters) {
     EXPECT_EQ(first_characters("\u00e9\u20acx", 2), "\u00e9\u20ac");
     EXPECT_EQ(first_characters("\u00e9\u20acx", 0), "");
     EXPECT_EQ(first_characters("\u00e9\u20acx", 9), "\u00e9\u20acx");
+}
+
+TEST(FirstCharacters, TakesAStrayByteForACharacter) {
+    EXPECT_EQ(first_characters("a\xFFz", 2), "a\xFF");
 }

@@ -56,6 +56,11 @@ TEST_F(Inventory, HasTextsInUtf8) {
     EXPECT_EQ(value_of(kinds::memory, "PartNo"), inventory_value("\"\uFFFD\\\n"));
 }
 
+TEST_F(Inventory, HasNamesOfColumnsInUtf8) {
+    rows_.execute("ALTER TABLE Memory ADD COLUMN \"a\xFF\" TEXT");
+    EXPECT_EQ(rows_.read().read(kinds::memory).columns.back(), "a\uFFFD");
+}
+
 TEST_F(Inventory, HasTextsWithZerosInThem) {
     rows_.execute("INSERT INTO Memory (PartNo) VALUES (CAST(x'610062' AS TEXT))");
     EXPECT_EQ(value_of(kinds::memory, "PartNo"), inventory_value(std::string("a\0b", 3)));
