@@ -2,7 +2,9 @@
 
 #include <inventory_service.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include <zebdb_cds_parser.h>
 
@@ -39,7 +41,9 @@ bool digest_failed(const inventory_mark& before, const inventory_mark& now) {
 }  // namespace
 
 _zeb_db_handle_t* open_service(const std::string& path) {
-    ::setenv("ZEBDB_DATABASE", sqlite_name(path).c_str(), 1);
+    if (::setenv("ZEBDB_DATABASE", sqlite_name(path).c_str(), 1) != 0) {
+        throw failure(std::strerror(errno));  // else the service would take the database that is named already
+    }
     const library_log log;
     _zeb_db_handle_t* handle = get_dmdb_handle();
     if (handle == nullptr) {
