@@ -32,6 +32,9 @@ std::optional<refusal> open_connection(const char* path, _zeb_db_handle_t& handl
     sqlite3_busy_timeout(connection, busy_timeout_ms);
     // Else SQLite takes a quoted name that is no column for a text.
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    // Whoever made the database: what stands in its schema runs no functions but harmless ones.
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     const auto problem = migrate(connection, inventory_schema);
     // An inventory that cannot be written can be read all the same; who tries to write is told so then.
     return problem && problem->code == SQLITE_READONLY && holds_inventory(connection) ? std::nullopt : problem;
