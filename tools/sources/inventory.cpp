@@ -46,6 +46,13 @@ inventory_value value_at(sqlite3_stmt* row, int column) {
     }
 }
 
+// Whoever made it: what stands in it runs no functions but harmless ones, and a table is no view, which may be without
+// end.
+void distrust_schema(sqlite3* connection) {
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+}
+
 }  // namespace
 
 inventory::inventory(const std::string& path, database_naming naming)
@@ -63,6 +70,7 @@ inventory::inventory(const std::string& path, database_naming naming)
 
 inventory::inventory(std::string title, sqlite3* connection)
     : title_(std::move(title)), naming_(database_naming::argument), connection_(connection) {
+    distrust_schema(connection);
     refuse_newer_version();
 }
 
@@ -86,12 +94,24 @@ int inventory::open() {
     connection_.reset(connection);
     if (rc == SQLITE_OK) {
         sqlite3_busy_timeout(connection, busy_timeout_ms);
+        distrust_schema(connection);
         sqlite3_exec(connection, "BEGIN; SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
     }
     return sqlite3_extended_errcode(connection);
 }
 
+// Their values are worked out for each row that is read, which may take any time and any memory.
+void inventory::refuse_computed_columns(const inventory_kind& kind) const {
+    const statement_ptr rows =
+        prepare(std::string("SELECT name FROM pragma_table_xinfo('") + kind.table + "') WHERE hidden <> 0");
+    if (step(rows)) {
+        throw failure("cannot read " + title_ + ": the column " + in_quotes(text_at(rows.get(), 0)) + " of its table " +
+                      kind.table + " holds nothing but is computed; it holds no inventory");
+    }
+}
+
 inventory_table inventory::read(const inventory_kind& kind) const {
+    refuse_computed_columns(kind);
     return table_of(kind, select("*", kind));
 }
 
@@ -129,7 +149,10 @@ std::int64_t inventory::count(const inventory_kind& kind) const {
 
 inventory::statement_ptr inventory::select(const std::string& what, const inventory_kind& kind,
                                            const std::string& condition) const {
-    const std::string sql = "SELECT " + what + " FROM " + kind.table + condition + " ORDER BY rowid";
+    return prepare("SELECT " + what + " FROM " + kind.table + condition + " ORDER BY rowid");
+}
+
+inventory::statement_ptr inventory::prepare(const std::string& sql) const {
     sqlite3_stmt* statement = nullptr;
     if (sqlite3_prepare_v2(connection_.get(), sql.c_str(), -1, &statement, nullptr) != SQLITE_OK) {
         fail();

@@ -42,6 +42,8 @@ private:
 
     int open();
     void refuse_newer_version() const;
+    void refuse_computed_columns(const inventory_kind& kind) const;
+    statement_ptr prepare(const std::string& sql) const;
     statement_ptr select(const std::string& what, const inventory_kind& kind, const std::string& condition = "") const;
     inventory_table table_of(const inventory_kind& kind, const statement_ptr& rows) const;
     bool step(const statement_ptr& statement) const;

@@ -88,3 +88,17 @@ TEST_F(Inventory, OfANewerVersionIsRefused) {
                       std::to_string(zeb_db_schema_version()) + " and earlier); use that version or another database");
     }
 }
+
+TEST_F(Inventory, WithAComputedColumnIsRefused) {
+    rows_.execute("ALTER TABLE Memory ADD COLUMN Big AS (zeroblob(1000000000))");
+    rows_.execute("INSERT INTO Memory (DevLocator) VALUES ('A1')");
+    try {
+        rows_.read().read(kinds::memory);
+        ADD_FAILURE() << "it was read";
+    } catch (const failure& problem) {
+        EXPECT_STREQ(
+            problem.what(),
+            "cannot read the inventory: the column 'Big' of its table Memory holds nothing but is computed; it "
+            "holds no inventory");
+    }
+}

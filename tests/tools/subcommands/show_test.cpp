@@ -201,3 +201,11 @@ TEST_F(ShowFailure, OfADatabaseWithoutAnInventory) {
                    "cannot read 'stamps.db': no such table: Processor; it holds no inventory, name another with "
                    "--database");
 }
+
+TEST_F(ShowFailure, OfADatabaseThatHasAViewInPlaceOfATable) {
+    execute("views.db", "CREATE VIEW Processor AS SELECT 1 AS Id");
+    expect_failure(
+        "views.db",
+        "cannot read 'views.db': access to view \"Processor\" prohibited; it holds no inventory, name another "
+        "with --database");
+}
