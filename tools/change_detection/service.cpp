@@ -1,9 +1,11 @@
 #include "change_detection/service.h"
 
 #include <inventory_service.h>
+#include <stdlib.h>
 
-#include <cstdlib>
+#include <cstdint>
 
+#include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
 #include "console/failure.h"

@@ -1,10 +1,15 @@
 #include "difference/difference.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "difference/comparable_tables.h"
+#include "difference/row_matching.h"
 #include "rows/row_identity.h"
+#include "rows/table.h"
 
 namespace {
 

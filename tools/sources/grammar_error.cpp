@@ -1,7 +1,9 @@
 #include "sources/grammar_error.h"
 
+#include <istream>
 #include <limits>
 #include <list>
+#include <optional>
 
 #include <libxml/tree.h>
 #include <sysipc.h>

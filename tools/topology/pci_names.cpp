@@ -1,7 +1,11 @@
 #include "topology/pci_names.h"
 
 #include <csetjmp>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <optional>
+#include <string>
 
 // The header leaves it to its reader that these are functions of C.
 extern "C" {

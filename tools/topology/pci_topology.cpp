@@ -2,11 +2,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <tuple>
 #include <unordered_map>
 #include <utility>
+#include <vector>
+
+#include "rows/table.h"
+#include "topology/pci_names.h"
 
 namespace {
 
