@@ -1,10 +1,10 @@
 // The command zebdb-cds: prepares the process and runs the subcommand that the command line names.
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <clocale>
-#include <csignal>
 #include <exception>
 #include <new>
 
@@ -29,7 +29,7 @@ void occupy_standard_descriptors() {
 
 int main(int argc, char** argv) {
     occupy_standard_descriptors();
-    std::signal(SIGPIPE, SIG_IGN);  // a reader that has seen enough must not cut a load short
+    ::signal(SIGPIPE, SIG_IGN);  // a reader that has seen enough must not cut a load short
     std::setlocale(LC_CTYPE, "");
     remember_command_line(argc, argv);
     try {

@@ -1,5 +1,7 @@
 #include "database_failure.h"
 
+#include <string>
+
 #include <vonk_log.h>
 
 #include "zeb_db_workstation.h"

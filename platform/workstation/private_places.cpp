@@ -79,13 +79,14 @@ function next(const char* name) {
 // mkstemp() and its like write into the name at the end of the path that they are given.
 word name_and_make(const char* name, word named, word b, word c) {
     const kernel_path path(named);
-    word result = next(name)(path, b, c, nullptr, nullptr, nullptr);
+    word place = path;
+    word result = next(name)(place, b, c, nullptr, nullptr, nullptr);
     char* given = std::strrchr(static_cast<char*>(named), '/');
-    const char* made = std::strrchr(static_cast<char*>(static_cast<word>(path)), '/');
+    const char* made = std::strrchr(static_cast<char*>(place), '/');
     if (given != nullptr && made != nullptr && given != made) {
         std::memcpy(given, made, std::strlen(given));
     }
-    return result == static_cast<word>(path) ? named : result;  // mkdtemp() returns the path
+    return result == place ? named : result;  // mkdtemp() returns the path
 }
 
 }  // namespace

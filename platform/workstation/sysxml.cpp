@@ -4,6 +4,7 @@
 #include "sysxml_workstation.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <ios>
 #include <istream>
@@ -16,6 +17,8 @@
 #include <libxml/parser.h>
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
+#include <sysipc.h>
+#include <sysxml.h>
 
 namespace sysxml {
 namespace {

@@ -2,14 +2,18 @@
 
 #include <inventory_service.h>
 #include <unistd.h>
+#include <zeb_db.h>
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "change_detection/private_view.h"
 #include "inventory/digest_file.h"
 #include "inventory/function_keys.h"
+#include "sources/library_log.h"
 
 namespace {
 

@@ -1,7 +1,10 @@
 #include "change_detection/own_bridge.h"
 
 #include <cstdio>
+#include <optional>
+#include <string>
 
+#include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
 #include "change_detection/private_view.h"

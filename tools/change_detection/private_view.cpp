@@ -10,7 +10,9 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
-#include <utility>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include <zeb_db_workstation.h>
 #include <zebdb_cds_parser.h>

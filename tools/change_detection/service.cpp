@@ -1,11 +1,13 @@
 #include "change_detection/service.h"
 
 #include <inventory_service.h>
+#include <stdlib.h>
 
 #include <cerrno>
-#include <cstdlib>
+#include <cstdint>
 #include <cstring>
 
+#include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
 #include "console/failure.h"

@@ -13,7 +13,7 @@ _zeb_db_handle_t* open_service(const std::string& path);
 /// What a refresh leaves of one inventory.
 struct inventory_mark {
     std::uint32_t sequence = 0;  ///< how often it was reported as changed
-    std::string digest = {};     ///< of its rows; empty when there is none
+    std::string digest;          ///< of its rows; empty when there is none
 };
 
 struct inventory_marks {

@@ -1,11 +1,13 @@
 #include "console/output.h"
 
 #include <sys/ioctl.h>
+#include <sys/types.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "console/failure.h"
 #include "console/utf8.h"

@@ -1,11 +1,15 @@
 #include "console/progress.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
 #include <optional>
+#include <string>
+#include <system_error>
 
 #include "console/output.h"
 

@@ -4,6 +4,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <vector>
 
 #include "console/output.h"
 #include "console/utf8.h"

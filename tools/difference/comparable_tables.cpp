@@ -1,11 +1,16 @@
 #include "difference/comparable_tables.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <map>
 #include <string>
+#include <vector>
 
+#include "rows/kinds.h"
 #include "rows/row_text.h"
+#include "rows/table.h"
 
 namespace {
 

@@ -1,10 +1,15 @@
 #include "difference/difference.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "difference/comparable_tables.h"
+#include "difference/row_matching.h"
 #include "rows/row_identity.h"
+#include "rows/table.h"
 
 namespace {
 
@@ -57,6 +62,7 @@ std::vector<table_difference> compare(std::vector<inventory_table> old_tables,
     replace_row_ids(old_tables);
     replace_row_ids(new_tables);
     std::vector<table_difference> differences;
+    differences.reserve(new_tables.size());
     for (std::size_t kind = 0; kind < new_tables.size(); ++kind) {
         differences.push_back(compare_tables(std::move(old_tables[kind]), std::move(new_tables[kind])));
     }

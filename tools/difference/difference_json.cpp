@@ -1,5 +1,12 @@
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "difference/difference.h"
 #include "difference/difference_formats.h"
+#include "difference/row_matching.h"
 #include "rows/row_identity.h"
+#include "rows/table.h"
 #include "rows/value_json.h"
 
 namespace {

@@ -1,12 +1,18 @@
 #include "difference/difference_formats.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "console/text_table.h"
 #include "console/utf8.h"
+#include "difference/difference.h"
+#include "difference/row_matching.h"
 #include "rows/column_units.h"
 #include "rows/part_text.h"
+#include "rows/table.h"
 
 namespace {
 

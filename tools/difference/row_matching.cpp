@@ -1,13 +1,17 @@
 #include "difference/row_matching.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <numeric>
 #include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "rows/row_identity.h"
 #include "rows/serial_number.h"
+#include "rows/table.h"
 
 namespace {
 

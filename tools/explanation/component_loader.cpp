@@ -1,11 +1,19 @@
 #include "explanation/component_loader.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <list>
+#include <optional>
+#include <string>
 
+#include <zeb_db.h>
 #include <zeb_db_workstation.h>
+#include <zebdb_cds_parser.h>
 
 #include "console/failure.h"
-#include "console/utf8.h"
+#include "rows/kinds.h"
+#include "rows/table.h"
+#include "sources/library_log.h"
 #include "sources/memory_inventory.h"
 
 namespace {

@@ -2,9 +2,14 @@
 
 #include <cstdio>
 #include <map>
+#include <string>
+
+#include <zebdb_cds_parser.h>
 
 #include "console/output.h"
 #include "console/utf8.h"
+#include "explanation/known_settings.h"
+#include "rows/kinds.h"
 
 namespace {
 

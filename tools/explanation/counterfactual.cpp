@@ -1,6 +1,12 @@
 #include "explanation/counterfactual.h"
 
 #include <memory>
+#include <string>
+#include <vector>
+
+#include <zebdb_cds_parser.h>
+
+#include "explanation/known_settings.h"
 
 namespace {
 

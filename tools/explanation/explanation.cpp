@@ -1,11 +1,19 @@
 #include "explanation/explanation.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <utility>
+#include <vector>
+
+#include <zebdb_cds_parser.h>
 
 #include "explanation/component_loader.h"
 #include "explanation/component_title.h"
 #include "explanation/counterfactual.h"
+#include "explanation/unused_settings.h"
+#include "explanation/verdict.h"
+#include "rows/table.h"
 
 namespace {
 

@@ -1,8 +1,19 @@
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
+#include <optional>
+#include <string>
+#include <vector>
 
+#include <vonk_log_workstation.h>
+
+#include "explanation/explanation.h"
 #include "explanation/explanation_formats.h"
+#include "explanation/unused_settings.h"
+#include "explanation/verdict.h"
+#include "rows/table.h"
 #include "rows/value_json.h"
+#include "sources/library_log.h"
 
 namespace {
 

@@ -1,6 +1,14 @@
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
 #include "console/text_table.h"
 #include "console/utf8.h"
+#include "explanation/explanation.h"
 #include "explanation/explanation_formats.h"
+#include "explanation/unused_settings.h"
+#include "rows/table.h"
 
 namespace {
 

@@ -3,9 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <string>
+#include <vector>
+
+#include <zebdb_cds_parser.h>
 
 #include "cds_parser/record_columns.h"
 #include "explanation/similar_name.h"
+#include "rows/kinds.h"
 
 namespace {
 

@@ -1,5 +1,13 @@
 #include "explanation/unused_settings.h"
 
+#include <optional>
+#include <vector>
+
+#include <zebdb_cds_parser.h>
+
+#include "explanation/known_settings.h"
+#include "rows/table.h"
+
 namespace {
 
 using cds_parser::setting_group;

@@ -2,8 +2,16 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string>
+#include <vector>
+
+#include <zebdb_cds_parser.h>
 
 #include "console/output.h"
+#include "explanation/component_loader.h"
+#include "explanation/counterfactual.h"
+#include "explanation/known_settings.h"
+#include "sources/library_log.h"
 
 namespace {
 

@@ -1,4 +1,10 @@
+#include <cstddef>
+#include <string>
+#include <variant>
+#include <vector>
+
 #include "listing/listing_formats.h"
+#include "rows/table.h"
 
 namespace {
 

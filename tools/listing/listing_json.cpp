@@ -1,4 +1,9 @@
+#include <cstddef>
+#include <string>
+#include <vector>
+
 #include "listing/listing_formats.h"
+#include "rows/table.h"
 #include "rows/value_json.h"
 
 namespace {

@@ -1,13 +1,17 @@
 // Which columns people want to see, and in which order.
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "console/text_table.h"
 #include "listing/listing_formats.h"
+#include "rows/kinds.h"
 #include "rows/row_text.h"
+#include "rows/table.h"
 
 namespace {
 

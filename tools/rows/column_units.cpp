@@ -6,8 +6,11 @@
 #include <iterator>
 #include <limits>
 #include <map>
+#include <string>
 
 #include "console/utf8.h"
+#include "rows/kinds.h"
+#include "rows/table.h"
 
 namespace {
 

@@ -1,11 +1,14 @@
 #include "rows/part_text.h"
 
 #include <map>
+#include <string>
 #include <vector>
 
 #include "rows/column_units.h"
+#include "rows/kinds.h"
 #include "rows/row_text.h"
 #include "rows/serial_number.h"
+#include "rows/table.h"
 
 namespace {
 

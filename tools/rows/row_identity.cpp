@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "rows/kinds.h"
+
 const row_identity& identity_of(const inventory_kind& kind) {
     static const std::map<const inventory_kind*, row_identity> identities = {
         {&kinds::processors, {{"NodeIndex", "Socket"}, {}}},

@@ -1,6 +1,11 @@
 #include "rows/row_text.h"
 
+#include <cstddef>
+#include <string>
+
 #include "rows/column_units.h"
+#include "rows/kinds.h"
+#include "rows/table.h"
 
 namespace {
 

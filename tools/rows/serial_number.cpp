@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
+#include <string>
 
 namespace {
 

@@ -1,7 +1,13 @@
 #include "rows/table.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
 
 namespace {
 

@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <string>
 #include <variant>
+#include <vector>
+
+#include "rows/table.h"
 
 using json = nlohmann::ordered_json;
 

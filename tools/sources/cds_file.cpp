@@ -3,11 +3,15 @@
 #include <algorithm>
 #include <cstring>
 #include <fstream>
+#include <istream>
+#include <string>
 
 #include <sysipc.h>
+#include <zebdb_cds_parser.h>
 
 #include "console/failure.h"
 #include "sources/grammar_error.h"
+#include "sources/input_file.h"
 
 namespace {
 

@@ -1,16 +1,17 @@
 #include "sources/database_file.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <iterator>
 #include <memory>
+#include <string>
 
 #include "console/failure.h"
 #include "console/output.h"
@@ -44,14 +45,14 @@ void unlink_made_files() {
 
 void unlink_and_die(int signal) {
     unlink_made_files();
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
+    ::signal(signal, SIG_DFL);
+    ::raise(signal);
 }
 
 void on_interruption(void (*handler)(int)) {
     for (const int signal : interruptions) {
-        if (std::signal(signal, handler) == SIG_IGN) {
-            std::signal(signal, SIG_IGN);  // as nohup wants it
+        if (::signal(signal, handler) == SIG_IGN) {
+            ::signal(signal, SIG_IGN);  // as nohup wants it
         }
     }
 }

@@ -1,7 +1,9 @@
 #include "sources/grammar_error.h"
 
+#include <istream>
 #include <limits>
 #include <list>
+#include <optional>
 
 #include <libxml/tree.h>
 #include <sysipc.h>
@@ -97,11 +99,12 @@ std::optional<grammar_error> find_grammar_error(std::istream& in) {
     try {
         const sysxml::parser library;
         sysxml::document document(in, false);
-        if (const xmlNode* offender = first_offender(*document.root().get())) {
-            return grammar_error{line_of(offender), offender->name == nullptr};
+        const xmlNode* offender = first_offender(*document.root().get());
+        if (offender == nullptr) {
+            return std::nullopt;
         }
+        return grammar_error{line_of(offender), offender->name == nullptr};
     } catch (const sysipc::exception&) {
-        // It was read once; what it is now does not matter.
+        return std::nullopt;  // it was read once; what it is now does not matter
     }
-    return std::nullopt;
 }

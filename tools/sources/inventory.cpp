@@ -1,15 +1,20 @@
 #include "sources/inventory.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <iterator>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include <zeb_db_workstation.h>
 
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/utf8.h"
+#include "rows/kinds.h"
+#include "rows/table.h"
 #include "sources/database_file.h"
 
 namespace {

@@ -1,9 +1,13 @@
 #include "sources/library_log.h"
 
 #include <algorithm>
+#include <optional>
+#include <string>
 
+#include <vonk_log_workstation.h>
 #include <zeb_db_workstation.h>
 
+#include "console/progress.h"
 #include "console/utf8.h"
 #include "sources/database_file.h"
 

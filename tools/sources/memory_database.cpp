@@ -1,6 +1,10 @@
 #include "sources/memory_database.h"
 
+#include <string>
+
 #include <sqlite3.h>
+#include <zeb_db.h>
+#include <zeb_db_workstation.h>
 
 #include "console/failure.h"
 

@@ -1,12 +1,17 @@
 #include "sources/memory_inventory.h"
 
 #include <sqlite3.h>
+#include <zeb_db.h>
+#include <zebdb_cds_parser.h>
 
 #include <cstring>
 #include <memory>
+#include <string>
 
 #include "console/failure.h"
+#include "sources/inventory.h"
 #include "sources/library_log.h"
+#include "sources/memory_database.h"
 
 namespace {
 

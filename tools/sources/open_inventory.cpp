@@ -3,12 +3,19 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <ios>
+#include <istream>
 #include <iterator>
 #include <sstream>
+#include <string>
+#include <system_error>
+
+#include <zebdb_cds_parser.h>
 
 #include "console/failure.h"
 #include "sources/cds_file.h"
 #include "sources/input_file.h"
+#include "sources/inventory.h"
 #include "sources/memory_inventory.h"
 
 namespace {

@@ -1,11 +1,14 @@
 #include "sources/refusal.h"
 
 #include <cstring>
+#include <string>
 
 #include <zebdb_cds_parser.h>
 
 #include "console/failure.h"
 #include "sources/cds_file.h"
+#include "sources/input_file.h"
+#include "sources/library_log.h"
 
 std::string cause_of_refusal(const input_file& input, const library_log& log) {
     if (input.read_error() != 0) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
 #include "change_detection/change_reasons.h"

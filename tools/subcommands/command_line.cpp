@@ -2,6 +2,9 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <limits>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,15 +1,19 @@
 // zebdb-cds diff: prints what differs between two inventories.
 
 #include <memory>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/text_table.h"
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
+#include "rows/table.h"
 #include "sources/inventory.h"
 #include "sources/open_inventory.h"
+#include "subcommands/command_line.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 

@@ -1,12 +1,15 @@
 // zebdb-cds dump: prints the normalised text of a CDS file.
 
+#include <ios>
 #include <memory>
 #include <ostream>
+#include <string>
 
 #include <zebdb_cds_parser.h>
 
 #include "console/output_stream.h"
 #include "sources/cds_file.h"
+#include "subcommands/command_line.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 

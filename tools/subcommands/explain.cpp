@@ -2,11 +2,17 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
+#include <vector>
+
+#include <zebdb_cds_parser.h>
 
 #include "console/output.h"
 #include "console/text_table.h"
+#include "explanation/explanation.h"
 #include "explanation/explanation_formats.h"
 #include "sources/cds_file.h"
+#include "subcommands/command_line.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 

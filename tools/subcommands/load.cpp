@@ -5,20 +5,26 @@
 #include <chrono>
 #include <cstring>
 #include <iomanip>
+#include <ios>
 #include <memory>
+#include <new>
 #include <sstream>
+#include <string>
 
+#include <zeb_db.h>
 #include <zeb_db_workstation.h>
 #include <zebdb_cds_parser.h>
 
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/progress.h"
+#include "rows/kinds.h"
 #include "sources/database_file.h"
 #include "sources/input_file.h"
 #include "sources/inventory.h"
 #include "sources/library_log.h"
 #include "sources/refusal.h"
+#include "subcommands/command_line.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 

@@ -1,5 +1,9 @@
 #include "subcommands/options.h"
 
+#include <string>
+
+#include "subcommands/command_line.h"
+
 void add_cds_file_argument(command_line& arguments, std::string& file) {
     arguments.argument("FILE", file, "The CDS file; - is standard input");
 }

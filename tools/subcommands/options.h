@@ -33,6 +33,7 @@ public:
     /// Declares --format.
     void add_option(command_line& arguments) {
         std::vector<std::string> names;
+        names.reserve(all_.size());
         for (const auto& [name, write] : all_) {
             names.push_back(name);
         }

@@ -1,9 +1,12 @@
 // zebdb-cds refresh: takes the inventory to what a CDS file describes and says what changed.
 
 #include <iomanip>
+#include <ios>
 #include <memory>
 #include <sstream>
+#include <string>
 
+#include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
 #include "change_detection/private_view.h"
@@ -15,6 +18,7 @@
 #include "sources/input_file.h"
 #include "sources/library_log.h"
 #include "sources/refusal.h"
+#include "subcommands/command_line.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 

@@ -1,10 +1,12 @@
 #include "subcommands/run.h"
 
 #include <CLI/CLI.hpp>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "console/output.h"
+#include "subcommands/command_line.h"
 #include "subcommands/subcommand.h"
 
 namespace {

@@ -10,6 +10,7 @@
 #include "console/failure.h"
 #include "console/output.h"
 #include "sources/library_log.h"
+#include "subcommands/command_line.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 

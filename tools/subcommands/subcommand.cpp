@@ -1,5 +1,7 @@
 #include "subcommands/subcommand.h"
 
+#include <vector>
+
 const std::vector<subcommand>& subcommands() {
     static const std::vector<subcommand> all = {
         {"load", "Replace the inventory by what a CDS file describes", define_load},

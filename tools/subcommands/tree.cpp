@@ -1,5 +1,6 @@
 // zebdb-cds tree: prints the PCI bridges and functions of an inventory as a tree.
 
+#include <ios>
 #include <memory>
 #include <ostream>
 #include <string>

@@ -1,6 +1,8 @@
 #include "topology/pci_kind.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
 
 namespace {

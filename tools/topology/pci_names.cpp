@@ -1,7 +1,11 @@
 #include "topology/pci_names.h"
 
 #include <csetjmp>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
+#include <optional>
+#include <string>
 
 // The header leaves it to its reader that these are functions of C.
 extern "C" {
@@ -62,8 +66,7 @@ std::optional<std::string> pci_names::device(id vendor, id device) {
 }
 
 std::optional<std::string> pci_names::look_up(int what, id vendor, id device) {
-    constexpr std::uint64_t too_large = largest_id + 1;
-    if (access_ == nullptr || vendor.value_or(too_large) > largest_id || device.value_or(too_large) > largest_id) {
+    if (access_ == nullptr || !vendor || *vendor > largest_id || !device || *device > largest_id) {
         return std::nullopt;
     }
     char buffer[longest_name];

@@ -2,11 +2,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <tuple>
 #include <unordered_map>
 #include <utility>
+#include <vector>
+
+#include "rows/table.h"
+#include "topology/pci_names.h"
 
 namespace {
 
@@ -66,8 +72,8 @@ bool stands_before(const placed_row& first, const placed_row& second) {
 void find_parents(placed_rows& rows) {
     std::unordered_map<std::uint64_t, std::size_t> bridges;
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (rows[i].is_bridge && rows[i].id) {
-            bridges.emplace(*rows[i].id, i);
+        if (const number& id = rows[i].id; id && rows[i].is_bridge) {
+            bridges.emplace(*id, i);
         }
     }
     for (placed_row& row : rows) {
@@ -86,8 +92,8 @@ void find_parents(placed_rows& rows) {
 // Makes the first row of the circle a root.
 void cut_circle(placed_rows& rows, std::size_t member) {
     std::size_t first = member;
-    for (std::size_t at = *rows[member].parent; at != member; at = *rows[at].parent) {
-        first = std::min(first, at);
+    for (std::optional<std::size_t> at = rows[member].parent; at && *at != member; at = rows[*at].parent) {
+        first = std::min(first, *at);
     }
     rows[first].parent.reset();
     rows[first].problem = pci_problem::circle;
@@ -124,8 +130,8 @@ std::vector<std::size_t> roots_of(const placed_rows& rows) {
 std::vector<std::vector<std::size_t>> children_of(const placed_rows& rows) {
     std::vector<std::vector<std::size_t>> children(rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (rows[i].parent) {
-            children[*rows[i].parent].push_back(i);
+        if (const std::optional<std::size_t>& parent = rows[i].parent) {
+            children[*parent].push_back(i);
         }
     }
     return children;

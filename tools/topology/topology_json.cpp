@@ -1,5 +1,13 @@
+#include <cstddef>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "rows/table.h"
 #include "rows/value_json.h"
 #include "topology/pci_kind.h"
+#include "topology/pci_topology.h"
 #include "topology/topology_formats.h"
 
 namespace {

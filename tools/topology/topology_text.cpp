@@ -1,10 +1,15 @@
 #include <algorithm>
+#include <cstddef>
+#include <ostream>
+#include <string>
+#include <vector>
 
 #include "console/text_table.h"
-#include "console/utf8.h"
 #include "rows/column_units.h"
 #include "rows/row_text.h"
+#include "rows/table.h"
 #include "topology/pci_kind.h"
+#include "topology/pci_topology.h"
 #include "topology/topology_formats.h"
 
 namespace {
