@@ -9,12 +9,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <iterator>
-#include <memory>
 #include <string>
+#include <system_error>
 
 #include "console/failure.h"
 #include "console/output.h"
+#include "rows/kinds.h"
+#include "sources/connection.h"
 
 namespace {
 
@@ -69,6 +72,49 @@ std::string folder_of(const std::string& path) {
                                                       : problem + "; make the folder " + in_quotes(folder) + " first");
 }
 
+// Where a link leads, also one that leads to nothing yet.
+std::string target_of(const std::string& path) {
+    std::error_code error;
+    std::filesystem::path target = path;
+    for (int links = 0; links < 40 && std::filesystem::is_symlink(target, error); ++links) {
+        target = target.parent_path() / std::filesystem::read_symlink(target, error);
+    }
+    return target;
+}
+
+file_identity identity_of(const std::string& path) {
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 ? file_identity{status.st_dev, status.st_ino} : file_identity{};
+}
+
+bool is_empty_file(const std::string& path) {
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size == 0;
+}
+
+connection_ptr open_for_writing(const std::string& path) {
+    sqlite3* connection = nullptr;
+    sqlite3_open_v2(sqlite_name(path).c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
+    return connection_ptr(connection);
+}
+
+bool run(const connection_ptr& connection, const std::string& sql) {
+    return sqlite3_exec(connection.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+bool holds_rows(const connection_ptr& connection) {
+    const auto found = [](void* rows, int, char**, char**) {
+        *static_cast<bool*>(rows) = true;
+        return 0;
+    };
+    bool rows = false;
+    for (const inventory_kind* kind : kinds::all) {
+        const std::string sql = std::string("SELECT 1 FROM ") + kind->table + " LIMIT 1";
+        sqlite3_exec(connection.get(), sql.c_str(), found, &rows, nullptr);
+    }
+    return rows;
+}
+
 void refuse_folder(const std::string& path) {
     struct stat status = {};
     if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
@@ -94,10 +140,7 @@ void require_database_file(const std::string& path) {
 }
 
 void roll_back_interrupted_write(const std::string& path) {
-    sqlite3* connection = nullptr;
-    sqlite3_open_v2(sqlite_name(path).c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
-    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> owner(connection, sqlite3_close);
-    sqlite3_exec(connection, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
+    run(open_for_writing(path), "SELECT count(*) FROM sqlite_master");
 }
 
 std::string with_advice(int code, const std::string& problem) {
@@ -106,40 +149,53 @@ std::string with_advice(int code, const std::string& problem) {
     return found == std::end(advices) ? problem : problem + "; " + found->what_to_do;
 }
 
-new_database_file::new_database_file(const std::string& path) {
-    const int file = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
+new_database_file::new_database_file(const std::string& path) : path_(target_of(path)) {
+    const int file = ::open(path_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
     if (file == -1 && errno != EEXIST) {
         fail_to_make(path, errno);
     }
     if (file == -1) {
         refuse_folder(path);
-        return;
+        origin_ = is_empty_file(path_) ? origin::empty : origin::filled;
+    } else {
+        ::close(file);
+        origin_ = origin::made;
+        made_path = path_;
+        made_journal = path_ + "-journal";
+        on_interruption(unlink_and_die);
     }
-    ::close(file);
-    made_ = true;
-    made_path = path;
-    made_journal = path + "-journal";
-    on_interruption(unlink_and_die);
+    identity_ = identity_of(path_);
 }
 
 new_database_file::~new_database_file() {
     take_away();
 }
 
+// Whoever waits for the lock finds a database that is gone.
 void new_database_file::take_away() {
-    if (made_) {
-        unlink_made_files();
-        forget();
+    if (origin_ == origin::filled) {
+        return;
     }
+    const connection_ptr connection = open_for_writing(path_);
+    if (run(connection, "BEGIN EXCLUSIVE") && !holds_rows(connection)) {
+        if (origin_ == origin::empty) {
+            std::error_code ignored;
+            std::filesystem::resize_file(path_, 0, ignored);
+        } else {
+            unlink_made_files();
+        }
+    }
+    keep();
 }
 
 void new_database_file::keep() {
-    if (made_) {
-        forget();
+    if (origin_ == origin::made) {
+        on_interruption(SIG_DFL);
     }
+    origin_ = origin::filled;
 }
 
-void new_database_file::forget() {
-    on_interruption(SIG_DFL);
-    made_ = false;
+bool new_database_file::was_replaced() const {
+    const file_identity now = identity_of(path_);
+    return now.device != identity_.device || now.number != identity_.number;
 }

@@ -2,7 +2,15 @@
 #ifndef TOOLS_SOURCES_DATABASE_FILE_H
 #define TOOLS_SOURCES_DATABASE_FILE_H
 
+#include <sys/types.h>
+
 #include <string>
+
+/// Which file stands at a path.
+struct file_identity {
+    dev_t device = 0;
+    ino_t number = 0;  ///< 0 for none
+};
 
 /// The name by which SQLite takes `path` for a file, whatever characters it begins with.
 std::string sqlite_name(const std::string& path);
@@ -18,7 +26,8 @@ void roll_back_interrupted_write(const std::string& path);
 std::string with_advice(int code, const std::string& problem);
 
 /// Makes the file of a database that is about to be filled, when there is none. Unless it is kept, a file that was made
-/// is taken away again with its journal, also when the program is interrupted. One at a time.
+/// is taken away again with its journal, also when the program is interrupted, and one that was empty is so again; but
+/// not where another program has filled it meanwhile. One at a time; connections to it are closed before.
 class new_database_file {
 public:
     /// Throws failure when there is no file at `path` and none can be made.
@@ -28,12 +37,18 @@ public:
     new_database_file& operator=(const new_database_file&) = delete;
 
     void keep();
-    void take_away();
+
+    /// Whether another file, or none, stands there by now: another program has taken it away.
+    bool was_replaced() const;
 
 private:
-    void forget();
+    enum class origin { made, empty, filled };
 
-    bool made_ = false;
+    void take_away();
+
+    std::string path_;
+    file_identity identity_;
+    origin origin_ = origin::filled;
 };
 
 #endif

@@ -11,6 +11,7 @@
 
 #include "rows/kinds.h"
 #include "rows/table.h"
+#include "sources/connection.h"
 
 /// How the user named a database. Where it was by --database, messages say so.
 enum class database_naming { option, argument };
@@ -32,9 +33,6 @@ public:
     std::int64_t count(const inventory_kind& kind) const;
 
 private:
-    struct closer {
-        void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-    };
     struct finalizer {
         void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
     };
@@ -52,7 +50,7 @@ private:
     std::string path_;
     std::string title_;
     database_naming naming_;
-    std::unique_ptr<sqlite3, closer> connection_;
+    connection_ptr connection_;
 };
 
 #endif

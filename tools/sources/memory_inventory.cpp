@@ -5,20 +5,15 @@
 #include <zebdb_cds_parser.h>
 
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "console/failure.h"
+#include "sources/connection.h"
 #include "sources/inventory.h"
 #include "sources/library_log.h"
 #include "sources/memory_database.h"
 
 namespace {
-
-struct connection_closer {
-    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-};
-using connection_ptr = std::unique_ptr<sqlite3, connection_closer>;
 
 connection_ptr open_connection(const std::string& name) {
     sqlite3* opened = nullptr;

@@ -4,12 +4,14 @@
 
 #include <chrono>
 #include <cstring>
+#include <filesystem>
 #include <iomanip>
 #include <ios>
 #include <memory>
 #include <new>
 #include <sstream>
 #include <string>
+#include <system_error>
 
 #include <zeb_db.h>
 #include <zeb_db_workstation.h>
@@ -44,30 +46,42 @@ struct handle_closer {
 using handle_ptr = std::unique_ptr<_zeb_db_handle_t, handle_closer>;
 
 // All of it or, false, nothing.
-bool load_in_transaction(_zeb_db_handle_t* handle, const char* path, new_database_file& file) {
+bool load_in_transaction(_zeb_db_handle_t* handle, const char* path) {
     if (zeb_db_begin_transaction(handle) != 0) {
         return false;
     }
     if (parse_cds(handle, path) == 0 && zeb_db_commit_transaction(handle) == 0) {
-        file.keep();
         return true;
     }
-    file.take_away();  // while it is locked: whoever waits for it must not be let into a file that goes away
     zeb_db_rollback_transaction(handle);
     return false;
 }
 
-bool load_into(const std::string& database, const char* path) {
+enum class attempt { done, failed, database_went_away };
+
+attempt try_to_load(const std::string& database, const char* path) {
     new_database_file file(database);
     _zeb_db_handle_t* opened = nullptr;
     zeb_db_open(sqlite_name(database).c_str(), &opened);
     handle_ptr handle(opened);
-    if (handle != nullptr && load_in_transaction(handle.get(), path, file)) {
-        return true;
+    if (handle != nullptr && load_in_transaction(handle.get(), path)) {
+        file.keep();
+        return attempt::done;
     }
     handle.reset();
     roll_back_interrupted_write(database);
-    return false;
+    return file.was_replaced() ? attempt::database_went_away : attempt::failed;
+}
+
+// Another load that made the database and was refused takes it away, whoever waits for it.
+bool load_into(const std::string& database, const char* path) {
+    std::error_code ignored;
+    const bool can_be_read_again = std::filesystem::is_regular_file(path, ignored);
+    attempt result = attempt::failed;
+    do {
+        result = try_to_load(database, path);
+    } while (result == attempt::database_went_away && can_be_read_again);
+    return result == attempt::done;
 }
 
 // Throws failure with the cause alone.
