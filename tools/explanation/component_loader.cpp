@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr const char* title = "the rows in memory";
+constexpr const char* title_of_rows = "the rows in memory";
 constexpr const char* no_row = "cannot put a row into a database in memory";
 
 // No locator of a file can hold these bytes.
@@ -66,7 +66,7 @@ std::int64_t id_in(const inventory_row& row, const char* column) {
 
 }  // namespace
 
-component_loader::component_loader() : rows_(read_memory(database_, title)) {
+component_loader::component_loader() : rows_(read_memory(database_, title_of_rows)) {
     if (parser_.init() == 0) {
         throw std::bad_alloc();
     }
