@@ -31,7 +31,7 @@ std::string row_summary(const inventory_table& row) {
             columns += (columns.empty() ? "" : ", ") + row.columns[column];
         }
     }
-    return std::string(row.kind->table) + ' ' + id + ": " + columns;
+    return std::string(row.kind->record.table) + ' ' + id + ": " + columns;
 }
 
 std::string unused_text(const unused_setting& unused) {

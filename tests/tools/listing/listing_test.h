@@ -24,7 +24,7 @@ protected:
     /// Replaces the rows by those of a CDS file.
     void load(const std::string& cds_text) const {
         for (const inventory_kind* kind : kinds::all) {
-            execute(std::string("DELETE FROM ") + kind->table);
+            execute(std::string("DELETE FROM ") + kind->record.table);
         }
         const library_log log(log_display::hidden);
         cds_parser::document document;
