@@ -10,8 +10,8 @@
 
 #include "change_detection/private_view.h"
 #include "console/output.h"
+#include "subcommands/exit_status.h"
 #include "subcommands/run.h"
-#include "subcommands/subcommand.h"
 
 namespace {
 
