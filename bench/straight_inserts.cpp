@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "straight_inserts.h"
 
 #include <sqlite3.h>

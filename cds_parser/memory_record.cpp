@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One row of "Memory" for each memory device; persistent-memory modules get their capacities and place as well.
 
 #include <cstddef>

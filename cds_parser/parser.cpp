@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The loader: empties the inventory tables, reads the CDS file and walks its tree, handing each component to the one
 // record writer that its setting groups call for.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One row of "PCIBridge" for each PCI bridge with a usable address.
 
 #include <vonk_log.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One row of "PCIs" for each PCI function that has an address and a place in the server.
 
 #include <cstdint>

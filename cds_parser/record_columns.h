@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The kinds of record and what their rows hold: the columns, in the order in which they are put, and the setting that
 /// each takes its value from. Columns that are worked out from several settings stand in their writer.
 #ifndef CDS_PARSER_RECORD_COLUMNS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The command zebdb-cds: prepares the process and runs the subcommand that the command line names.
 
 #include <fcntl.h>

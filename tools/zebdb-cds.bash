@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Completion of zebdb-cds for bash: subcommands, options, and what fits behind them.
 
 # The help of a subcommand; without one, that of the command. It tells which subcommands and options there are.

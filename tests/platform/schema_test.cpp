@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The tables of a workstation's inventory database and the columns that the library's record writers put.
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The documents name files and folders of the project. Each of them is there.
 
 #include <gmock/gmock.h>

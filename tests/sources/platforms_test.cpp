@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What the platform's headers promise, each of the project's two platforms keeps. A promise that the recording platform
 // forgot would be kept by the workstation's in its place, where no test sees the call.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The project's own files.
 #ifndef TESTS_SOURCES_PROJECT_FILES_H
 #define TESTS_SOURCES_PROJECT_FILES_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A subcommand that is written, but not in the table of them, would be compiled or not and never run.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The kinds of row that an inventory has.
 #ifndef TOOLS_ROWS_KINDS_H
 #define TOOLS_ROWS_KINDS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The columns that the loader takes from settings.
 #ifndef TOOLS_ROWS_RECORDED_COLUMNS_H
 #define TOOLS_ROWS_RECORDED_COLUMNS_H

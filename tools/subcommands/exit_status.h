@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the exit status of the command says.
 #ifndef TOOLS_SUBCOMMANDS_EXIT_STATUS_H
 #define TOOLS_SUBCOMMANDS_EXIT_STATUS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds show: prints what an inventory database holds.
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The subcommands.
 #ifndef TOOLS_SUBCOMMANDS_SUBCOMMAND_H
 #define TOOLS_SUBCOMMANDS_SUBCOMMAND_H

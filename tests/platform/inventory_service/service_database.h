@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The database of the inventory service in a test.
 #ifndef TESTS_PLATFORM_INVENTORY_SERVICE_SERVICE_DATABASE_H
 #define TESTS_PLATFORM_INVENTORY_SERVICE_SERVICE_DATABASE_H

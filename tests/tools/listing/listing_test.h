@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tests that list the rows of one inventory.
 #ifndef TESTS_TOOLS_LISTING_LISTING_TEST_H
 #define TESTS_TOOLS_LISTING_LISTING_TEST_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What every kind of row needs in this room. A kind without it would be met with an exception.
 
 #include "rows/kinds.h"

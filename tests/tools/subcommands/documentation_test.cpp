@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The command itself says which subcommands, options and values there are; the manual page and the completion of a
 // shell have to name them, and no others.
 
