@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Made-up CDS files of any size, so that what a load costs can be measured where the file's size is the question.
 #ifndef BENCH_CDS_GENERATOR_H
 #define BENCH_CDS_GENERATOR_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Times a load whose rows and log lines are dropped: the library and the XML library alone.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A platform that does nothing with what it is given. A program that is built with it spends its time in the library
 // and in the XML library alone: rows and log lines are dropped, shell commands are not run.
 

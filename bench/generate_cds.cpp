@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Writes a made-up CDS file of any size.
 
 #include <CLI/CLI.hpp>

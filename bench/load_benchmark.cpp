@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Times a load into SQLite on the workstation platform, and its steps each for itself.
 
 #include <benchmark/benchmark.h>

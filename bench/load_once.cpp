@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Does one step of a load in a process of its own, so that its instructions can be counted and its peak memory read.
 // Built with the workstation platform and, as load_once_dropping, with a platform that drops the rows.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A load touches its marker file through the shell. That is part of its work and is done here as well, but in the
 // working directory: a benchmark leaves nothing in /tmp.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the benchmark programs share: each times steps of a load on the CDS files that its command line names.
 #ifndef BENCH_STEP_BENCHMARK_H
 #define BENCH_STEP_BENCHMARK_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "straight_inserts.h"
 
 #include <sqlite3.h>
@@ -9,9 +11,9 @@
 #include <variant>
 #include <vector>
 
-namespace {
+#include "cds_parser/record_columns.h"
 
-constexpr const char* inventory_tables[] = {"Processor", "Memory", "PCIBridge", "PCIs"};
+namespace {
 
 struct statement_deleter {
     void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
@@ -102,8 +104,8 @@ void insert_table(sqlite3* database, const stored_table& table) {
 
 std::vector<stored_table> capture_rows(sqlite3* database) {
     std::vector<stored_table> tables;
-    for (const char* name : inventory_tables) {
-        tables.push_back(capture_table(database, name));
+    for (const cds_parser::record_kind* kind : cds_parser::record_kinds) {
+        tables.push_back(capture_table(database, kind->table));
     }
     return tables;
 }
@@ -118,8 +120,8 @@ void insert_rows(sqlite3* database, const std::vector<stored_table>& tables) {
 
 void delete_rows(sqlite3* database) {
     execute(database, "BEGIN IMMEDIATE");
-    for (const char* name : inventory_tables) {
-        execute(database, std::string("DELETE FROM ") + name);
+    for (const cds_parser::record_kind* kind : cds_parser::record_kinds) {
+        execute(database, std::string("DELETE FROM ") + kind->table);
     }
     execute(database, "COMMIT");
 }

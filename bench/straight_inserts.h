@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The rows of a load without the load: what SQLite itself takes for them.
 #ifndef BENCH_STRAIGHT_INSERTS_H
 #define BENCH_STRAIGHT_INSERTS_H

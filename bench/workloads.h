@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The steps of a load, each for itself, as the benchmarks measure them.
 #ifndef BENCH_WORKLOADS_H
 #define BENCH_WORKLOADS_H

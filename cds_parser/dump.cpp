@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Writes the element tree as indented text. The text is compared byte for byte, so nothing is escaped or trimmed.
 
 #include <cstdint>

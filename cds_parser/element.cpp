@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "zebdb_cds_parser/element.h"
 
 #include <cstdint>

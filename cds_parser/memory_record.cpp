@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One row of "Memory" for each memory device; persistent-memory modules get their capacities and place as well.
 
 #include <cstddef>
@@ -24,7 +26,7 @@ bool is_persistent(const setting_group& memory) {
 }  // namespace
 
 int parser::parse_memory(_zeb_db_handle_t* handle, component* visited) {
-    const setting_group* memory = visited->get_setting_group(memory_group);
+    const setting_group* memory = visited->get_setting_group(memory_record.group);
     if (memory == nullptr) {
         return 0;
     }
@@ -41,7 +43,7 @@ int parser::parse_memory(_zeb_db_handle_t* handle, component* visited) {
         return 1;
     }
 
-    const int rc = zeb_db_insert(handle, "Memory", content, 0, &last_row_id);
+    const int rc = zeb_db_insert(handle, memory_record.table, content, 0, &last_row_id);
     if (rc != 0) {
         const std::string bank = text_of(*memory, "Bank Locator");
         vonk_log::logWarn("failed to insert Memory (%s), rc=%d", bank.c_str(), rc);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The loader: empties the inventory tables, reads the CDS file and walks its tree, handing each component to the one
 // record writer that its setting groups call for.
 
@@ -20,10 +22,10 @@
 namespace cds_parser {
 namespace {
 
-bool empty_table(_zeb_db_handle_t* handle, const char* table, const char* rows) {
-    const int rc = zeb_db_delete(handle, table, nullptr, nullptr, 0, 0);
+bool empty_table(_zeb_db_handle_t* handle, const record_kind& kind) {
+    const int rc = zeb_db_delete(handle, kind.table, nullptr, nullptr, 0, 0);
     if (rc != 0) {
-        vonk_log::logErr("CDS PARSER: failed to delete %s, rc=%d", rows, rc);
+        vonk_log::logErr("CDS PARSER: failed to delete %s, rc=%d", kind.rows, rc);
     }
     return rc == 0;
 }
@@ -88,11 +90,15 @@ parser::~parser() {
 }
 
 int parser::wipe(_zeb_db_handle_t* handle) {
-    if (!empty_table(handle, "Processor", "Processors") || !empty_table(handle, "Memory", "Memory Devices")) {
-        return 0;
+    for (const record_kind* kind : record_kinds) {
+        if (!empty_table(handle, *kind)) {
+            return 0;
+        }
+        if (kind == &memory_record) {
+            leave_memory_deleted_marker();
+        }
     }
-    leave_memory_deleted_marker();
-    return empty_table(handle, "PCIBridge", "PCI Bridges") && empty_table(handle, "PCIs", "PCI devices") ? 1 : 0;
+    return 1;
 }
 
 int parser::init() {
@@ -149,16 +155,16 @@ int parser::parse_component(_zeb_db_handle_t* handle, component* visited) {
     if (const setting_group* info = main_server_info(*visited)) {
         node_index = int32_of(*info, "slot_index", 0);
     }
-    if (visited->has_setting_group(device_group)) {
+    if (visited->has_setting_group(device_record.group)) {
         return parse_pci_device(handle, visited);
     }
-    if (visited->has_setting_group(bridge_group)) {
+    if (visited->has_setting_group(bridge_record.group)) {
         return walk_bridge(*this, handle, *visited);
     }
-    if (visited->has_setting_group(memory_group)) {
+    if (visited->has_setting_group(memory_record.group)) {
         return parse_memory(handle, visited);
     }
-    if (visited->has_setting_group(processor_group)) {
+    if (visited->has_setting_group(processor_record.group)) {
         return parse_processor(handle, visited);
     }
     return walk_children(*this, handle, *visited);

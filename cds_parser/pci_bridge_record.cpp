@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One row of "PCIBridge" for each PCI bridge with a usable address.
 
 #include <vonk_log.h>
@@ -11,7 +13,7 @@
 
 namespace cds_parser {
 int parser::parse_pci_bridge(_zeb_db_handle_t* handle, component* visited) {
-    const setting_group* bridge = visited->get_setting_group(bridge_group);
+    const setting_group* bridge = visited->get_setting_group(bridge_record.group);
     if (bridge == nullptr) {
         return 0;
     }
@@ -29,7 +31,7 @@ int parser::parse_pci_bridge(_zeb_db_handle_t* handle, component* visited) {
     put_columns(content, address, bridge_address_columns);
     put_columns(content, *bridge, bridge_columns);
 
-    const int rc = zeb_db_insert(handle, "PCIBridge", content, 0, &last_row_id);
+    const int rc = zeb_db_insert(handle, bridge_record.table, content, 0, &last_row_id);
     if (rc != 0) {
         vonk_log::logWarn("failed to insert PCI Bridge (seg_num=%d, bus_num=%d, dev_num=%d, fun_num=%d), rc=%d",
                           address.segment, address.bus, address.device, address.function, rc);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// PCI class codes: base class in bits 23-16, subclass in bits 15-8, programming interface in bits 7-0.
 #ifndef CDS_PARSER_PCI_CLASS_H
 #define CDS_PARSER_PCI_CLASS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The PCI devices that the inventory treats in a way of their own.
 #ifndef CDS_PARSER_PCI_DEVICE_IDS_H
 #define CDS_PARSER_PCI_DEVICE_IDS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One row of "PCIs" for each PCI function that has an address and a place in the server.
 
 #include <cstdint>
@@ -106,7 +108,7 @@ void put_classification(zeb_db_content_values_t* content, const pci_function& fu
 }  // namespace
 
 int parser::parse_pci_device(_zeb_db_handle_t* handle, component* visited) {
-    const setting_group* info = visited->get_setting_group(device_group);
+    const setting_group* info = visited->get_setting_group(device_record.group);
     if (info == nullptr) {
         return 0;
     }
@@ -141,7 +143,7 @@ int parser::parse_pci_device(_zeb_db_handle_t* handle, component* visited) {
     put_columns(content, *info, device_columns);
     put_classification(content, function, key);
 
-    const int rc = zeb_db_insert(handle, "PCIs", content, 0, &last_row_id);
+    const int rc = zeb_db_insert(handle, device_record.table, content, 0, &last_row_id);
     if (rc != 0) {
         vonk_log::logWarn("failed to insert PCI device (seg_num=%d, bus_num=%d, dev_num=%d, fun_num=%d), rc=%d",
                           function.segment, function.bus, function.device_number, function.function_number, rc);

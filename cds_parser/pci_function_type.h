@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// How the inventory classifies a PCI function by its ids and its class code. What the numbers mean belongs to the
 /// inventory service that reads them.
 #ifndef CDS_PARSER_PCI_FUNCTION_TYPE_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The packed keys of the "PCIs" table.
 #ifndef CDS_PARSER_PCI_KEYS_H
 #define CDS_PARSER_PCI_KEYS_H

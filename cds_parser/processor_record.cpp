@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // One row of "Processor" for each processor.
 
 #include <string>
@@ -13,7 +15,7 @@
 
 namespace cds_parser {
 int parser::parse_processor(_zeb_db_handle_t* handle, component* visited) {
-    const setting_group* processor = visited->get_setting_group(processor_group);
+    const setting_group* processor = visited->get_setting_group(processor_record.group);
     if (processor == nullptr) {
         return 0;
     }
@@ -24,7 +26,7 @@ int parser::parse_processor(_zeb_db_handle_t* handle, component* visited) {
         return 1;
     }
 
-    const int rc = zeb_db_insert(handle, "Processor", content, 0, &last_row_id);
+    const int rc = zeb_db_insert(handle, processor_record.table, content, 0, &last_row_id);
     if (rc != 0) {
         const std::string socket = text_of(*processor, "Socket Designation");
         vonk_log::logErr("failed to insert Processor (%s), rc=%d", socket.c_str(), rc);

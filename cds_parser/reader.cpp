@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Reads the element tree from the node records of an XML document. A node that is not the element asked for is told
 // by false; content that breaks the grammar inside the right element is told by an exception.
 

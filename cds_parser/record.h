@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the record writers share.
 #ifndef CDS_PARSER_RECORD_H
 #define CDS_PARSER_RECORD_H

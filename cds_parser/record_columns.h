@@ -1,5 +1,7 @@
-/// What the rows of each table hold: their columns, in the order in which they are put, and the setting that each takes
-/// its value from. Columns that are worked out from several settings stand in their writer.
+// SPDX-License-Identifier: Apache-2.0
+
+/// The kinds of record and what their rows hold: the columns, in the order in which they are put, and the setting that
+/// each takes its value from. Columns that are worked out from several settings stand in their writer.
 #ifndef CDS_PARSER_RECORD_COLUMNS_H
 #define CDS_PARSER_RECORD_COLUMNS_H
 
@@ -7,11 +9,21 @@
 
 namespace cds_parser {
 
-// The setting groups that make a component one that is recorded.
-inline constexpr const char* processor_group = "cpu_info";
-inline constexpr const char* memory_group = "memory_info";
-inline constexpr const char* bridge_group = "pci_bridge_info";
-inline constexpr const char* device_group = "pci_device_info";
+/// A kind of record.
+struct record_kind {
+    const char* group;  ///< the setting group that makes a component one of the kind
+    const char* table;  ///< where its rows are
+    const char* rows;   ///< what messages call them
+};
+
+inline constexpr record_kind processor_record = {"cpu_info", "Processor", "Processors"};
+inline constexpr record_kind memory_record = {"memory_info", "Memory", "Memory Devices"};
+inline constexpr record_kind bridge_record = {"pci_bridge_info", "PCIBridge", "PCI Bridges"};
+inline constexpr record_kind device_record = {"pci_device_info", "PCIs", "PCI devices"};
+
+/// All of them, in the order in which their tables are emptied before a load.
+inline constexpr const record_kind* record_kinds[] = {&processor_record, &memory_record, &bridge_record,
+                                                      &device_record};
 
 enum class column_type {
     text,    ///< the value text as it was read

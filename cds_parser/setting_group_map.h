@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The setting groups of a component or a child slot group: what the two classes do alike with theirs.
 #ifndef CDS_PARSER_SETTING_GROUP_MAP_H
 #define CDS_PARSER_SETTING_GROUP_MAP_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "zebdb_cds_parser/setting_node.h"
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef CDS_PARSER_XML_DOCUMENT_H
 #define CDS_PARSER_XML_DOCUMENT_H
 

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # The installed tree: libraries, headers, the command, a CMake package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The one header to include: the CDS element tree, the loader and the entry points.
 #ifndef ZEBDB_CDS_PARSER_H
 #define ZEBDB_CDS_PARSER_H

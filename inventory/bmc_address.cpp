@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The PCI address of the controller's own bridge, kept in a three-byte file: bus, device, function.
 
 #include <inventory_service.h>

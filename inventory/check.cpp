@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The change test that runs without a refresh, and the digests that it compares with.
 
 #include <inventory_service.h>

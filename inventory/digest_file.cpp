@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Digests are computed by sha384sum through the shell; commands and paths are cut to their buffers.
 
 #include "digest_file.h"

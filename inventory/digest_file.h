@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The SHA-384 of an input file, kept beside it in "INPUT.digest". The path goes to a shell unquoted and the command is
 /// cut at 127 characters.
 #ifndef INVENTORY_DIGEST_FILE_H

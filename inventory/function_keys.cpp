@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "function_keys.h"
 
 #include <vonk_log.h>

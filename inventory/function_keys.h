@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Lists of PCI function keys, read from the database and kept in files.
 ///
 /// A key file is a count and that many keys, unsigned 32-bit words in the machine's byte order and nothing else.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The digest files that the digest script writes: the first line is the digest.
 
 #include <fstream>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The controller's own PCI bridge: where the inventory and the file that keeps its address have it.
 #ifndef INVENTORY_OWN_BRIDGE_H
 #define INVENTORY_OWN_BRIDGE_H

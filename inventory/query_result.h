@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What a query of the inventory database gives.
 #ifndef INVENTORY_QUERY_RESULT_H
 #define INVENTORY_QUERY_RESULT_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A refresh: the whole load in one transaction, then the key files, the digests and the change notices.
 
 #include <inventory_service.h>

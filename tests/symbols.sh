@@ -1,4 +1,6 @@
 #!/bin/bash
+# SPDX-License-Identifier: Apache-2.0
+
 # What the dynamic linker sees of a shared library, one symbol a line.
 #
 #   symbols.sh exported LIBRARY           the symbols that LIBRARY shows to others
@@ -55,7 +57,7 @@ case ${1-} in
         check "$@"
         ;;
     *)
-        sed -n '2,/^set/s/^# \{0,1\}//p' "$0" >&2
+        sed -n '/^# What/,/^set/s/^# \{0,1\}//p' "$0" >&2
         exit 2
         ;;
 esac

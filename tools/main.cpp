@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The command zebdb-cds: prepares the process and runs the subcommand that the command line names.
 
 #include <fcntl.h>
@@ -10,8 +12,8 @@
 
 #include "change_detection/private_view.h"
 #include "console/output.h"
+#include "subcommands/exit_status.h"
 #include "subcommands/run.h"
-#include "subcommands/subcommand.h"
 
 namespace {
 

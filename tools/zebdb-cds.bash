@@ -1,4 +1,11 @@
+# SPDX-License-Identifier: Apache-2.0
+
 # Completion of zebdb-cds for bash: subcommands, options, and what fits behind them.
+
+# The help of a subcommand; without one, that of the command. It tells which subcommands and options there are.
+_zebdb_cds_help() {
+    "${COMP_WORDS[0]/#\~/$HOME}" "$@" --help 2>/dev/null
+}
 
 # The candidates for the word that is being completed. "files" and "folders" leave it to the shell to find them.
 _zebdb_cds_candidates() {
@@ -18,24 +25,12 @@ _zebdb_cds_candidates() {
     esac
 
     if [[ $word == -* ]]; then
-        case $subcommand in
-        load) echo --database ;;
-        show) echo --format --redact --database ;;
-        explain) echo --all --format --redact ;;
-        dump) echo --indent ;;
-        diff) echo --format --redact ;;
-        tree) echo --format --database ;;
-        refresh) echo --aim --database --root ;;
-        check | bmc-address) echo --database --root ;;
-        save-digest) echo --root ;;
-        '') echo --version ;;
-        esac
-        echo --help
+        _zebdb_cds_help ${subcommand:+"$subcommand"} | sed -n 's/^  \(-.,\)\{0,1\}\(--[a-z-]*\).*/\2/p'
         return
     fi
 
     case $subcommand in
-    '') echo load show tree explain dump diff refresh check save-digest bmc-address ;;
+    '') _zebdb_cds_help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p' ;;
     show) echo processors memory bridges devices ;;
     bmc-address) ;;
     *) echo files ;;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the four kinds of node of a CDS tree have in common.
 #ifndef ZEBDB_CDS_PARSER_ELEMENT_H
 #define ZEBDB_CDS_PARSER_ELEMENT_H

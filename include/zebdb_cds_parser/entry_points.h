@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The entry points that the controller's inventory service calls.
 ///
 /// None of them locks anything: the caller serialises calls that touch the same database or the same files.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the CDS reader throws when the content of a file breaks the grammar.
 #ifndef ZEBDB_CDS_PARSER_ERRORS_H
 #define ZEBDB_CDS_PARSER_ERRORS_H

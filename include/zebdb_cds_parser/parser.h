@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The loader: walks a CDS tree and writes one inventory row a processor, memory device, PCI bridge and PCI function.
 #ifndef ZEBDB_CDS_PARSER_PARSER_H
 #define ZEBDB_CDS_PARSER_PARSER_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef ZEBDB_CDS_PARSER_SETTING_NODE_H
 #define ZEBDB_CDS_PARSER_SETTING_NODE_H
 

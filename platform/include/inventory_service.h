@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The services of the controller's inventory daemon that a refresh and a change test call.
 #ifndef INVENTORY_SERVICE_H
 #define INVENTORY_SERVICE_H

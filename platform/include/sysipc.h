@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The base of the exceptions that cross the controller's libraries.
 #ifndef SYSIPC_H
 #define SYSIPC_H

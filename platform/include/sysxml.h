@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The controller's XML library: documents of libxml2 node records.
 #ifndef SYSXML_H
 #define SYSXML_H

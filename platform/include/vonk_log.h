@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The controller's log: printf-style lines at three levels.
 #ifndef VONK_LOG_H
 #define VONK_LOG_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Calls on a database that fail, for the platform's own files.
 #ifndef WORKSTATION_DATABASE_FAILURE_H
 #define WORKSTATION_DATABASE_FAILURE_H

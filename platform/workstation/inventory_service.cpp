@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The inventory service on a workstation: everything it keeps is in the inventory database.
 
 #include "inventory_service_workstation.h"

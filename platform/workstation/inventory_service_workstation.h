@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the inventory service of a workstation gives where the controller's own is free to choose.
 ///
 /// The database is the file that the environment variable ZEBDB_DATABASE names, "inventory.db" in the working directory

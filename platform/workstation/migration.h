@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Databases that an earlier version made.
 #ifndef WORKSTATION_MIGRATION_H
 #define WORKSTATION_MIGRATION_H

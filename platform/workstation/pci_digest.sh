@@ -1,4 +1,6 @@
 #!/bin/sh
+# SPDX-License-Identifier: Apache-2.0
+
 # Writes the SHA-384 of the system inventory (processors, memory) and of the PCI inventory (bridges, functions,
 # adapters) to /var/vonk. Row ids are left out and rows are sorted, so that the same hardware gives the same digest.
 # A failure leaves both files as they were.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Preloaded, gives a program and its children other places for some paths: where no file system can be mounted, this is
 // how scripts/sandbox makes its view. ZEBDB_PRIVATE_PLACES holds a line for each path that changes hands, the path and
 // its place with a tab between them; what stands below a path goes with it, and of two paths that fit the longer holds.

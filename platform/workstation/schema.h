@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The tables of a workstation's inventory database.
 ///
 /// Numbers are SQLite integers: 32-bit ones as they are, unsigned 64-bit ones as the signed number with the same bits.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The XML library on a workstation: libxml2, fed from the stream in blocks, within its own limits of depth and size,
 // and reading nothing but that stream.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the XML library of a workstation tells about a document that it refuses.
 #ifndef SYSXML_WORKSTATION_H
 #define SYSXML_WORKSTATION_H

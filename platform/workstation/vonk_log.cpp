@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "vonk_log_workstation.h"
 
 #include <syslog.h>

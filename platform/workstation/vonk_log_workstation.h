@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Where the log goes on a workstation: standard error with the level in front, or the system's log when the
 /// environment holds VONK_LOG=syslog. A program may take the lines itself.
 #ifndef VONK_LOG_WORKSTATION_H

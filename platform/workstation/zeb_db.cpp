@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The inventory database client on a workstation: SQLite. Error codes are SQLite's primary result codes.
 
 #include <algorithm>

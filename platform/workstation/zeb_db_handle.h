@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What stands behind a database handle on a workstation, for the platform's own files.
 #ifndef WORKSTATION_ZEB_DB_HANDLE_H
 #define WORKSTATION_ZEB_DB_HANDLE_H

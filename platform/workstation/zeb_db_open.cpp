@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening an inventory database, whatever version of this platform made it.
 
 #include <vonk_log.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Opening and closing an inventory database on a workstation, where it is a SQLite file.
 #ifndef ZEB_DB_WORKSTATION_H
 #define ZEB_DB_WORKSTATION_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "live_allocations.h"
 
 #include <dlfcn.h>

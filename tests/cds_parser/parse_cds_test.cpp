@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A whole load, from the entry point to the database client.
 
 #include <gmock/gmock.h>

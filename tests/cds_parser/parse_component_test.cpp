@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The dispatch of components to the record writers and the walk through their children.
 
 #include <gmock/gmock.h>

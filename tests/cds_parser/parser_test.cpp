@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The loader's own state and steps; what the walk does is tested with parse_component().
 
 #include <gmock/gmock.h>

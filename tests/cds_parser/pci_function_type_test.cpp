@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // How the "PCIs" writer classifies functions: "FunType" and "HardwareTypeId" by vendor, device and class code.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // What components and child slot groups do alike with their setting groups.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The settings of a group, for tests.
 #ifndef TESTS_CDS_PARSER_SETTING_NAMES_H
 #define TESTS_CDS_PARSER_SETTING_NAMES_H

@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: Apache-2.0
+
 """Writes to standard output, as bubblewrap takes it, the filter of system calls that ordinary containers have.
 
 It refuses mounts and namespaces. Of clone3 a filter cannot see the flags, so that call is one that is not there, and the

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Uses every kind of header that is installed and loads a file into a database in memory.
 
 #include <inventory_service.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Where the inputs of change detection stand in a test.
 #ifndef TESTS_INVENTORY_INPUT_FILES_H
 #define TESTS_INVENTORY_INPUT_FILES_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef TESTS_PLATFORM_DATABASE_TEST_H
 #define TESTS_PLATFORM_DATABASE_TEST_H
 

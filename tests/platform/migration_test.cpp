@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "platform/workstation/migration.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "platform/database_test.h"
 
 using testing::ElementsAre;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Opening databases that another version of the platform made. databases/version-N.db is one that version N made, with
 // rows in every table.
 

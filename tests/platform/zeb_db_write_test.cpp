@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <limits>
 
 #include "platform/database_test.h"

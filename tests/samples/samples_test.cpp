@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Loads the samples into a SQLite database. What a good one gives, and its dump, is compared with a text in golden/;
 // run the program with BLESS=1 in the environment to rewrite those texts, and read the difference before it is
 // committed.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Which of the project's folders may include which, and what breaks that.
 #ifndef TESTS_SOURCES_INCLUDES_H
 #define TESTS_SOURCES_INCLUDES_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "support/built.h"
 
 const char* const built::folder = BUILD_FOLDER;

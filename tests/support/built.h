@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What is built besides a test program and used by it. The tests in the program may have been compiled by another
 /// build, so that they cannot know.
 #ifndef TESTS_SUPPORT_BUILT_H

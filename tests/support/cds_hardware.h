@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Components of a CDS file that each leave a row.
 #ifndef TESTS_SUPPORT_CDS_HARDWARE_H
 #define TESTS_SUPPORT_CDS_HARDWARE_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Short ways to write CDS files in tests.
 #ifndef TESTS_SUPPORT_CDS_TEXT_H
 #define TESTS_SUPPORT_CDS_TEXT_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #ifndef TESTS_SUPPORT_CHANGED_TAG_H
 #define TESTS_SUPPORT_CHANGED_TAG_H
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// A record's table as a test sees it: what a setting says and what its column must get.
 #ifndef TESTS_SUPPORT_EXPECTED_COLUMN_H
 #define TESTS_SUPPORT_EXPECTED_COLUMN_H

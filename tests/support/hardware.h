@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Components that each leave one row, for tests in which only their place in the tree matters.
 #ifndef TESTS_SUPPORT_HARDWARE_H
 #define TESTS_SUPPORT_HARDWARE_H

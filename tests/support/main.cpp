@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // GoogleTest's main(), which besides fails when there was no test to run, and has a line for each test that could not
 // run here: scripts/test collects them.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Elements that note their own destruction, so that tests see what is destroyed, how often and in which order.
 #ifndef TESTS_SUPPORT_NOTED_ELEMENT_H
 #define TESTS_SUPPORT_NOTED_ELEMENT_H

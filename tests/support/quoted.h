@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// For file names that stand in a shell's command.
 #ifndef TESTS_SUPPORT_QUOTED_H
 #define TESTS_SUPPORT_QUOTED_H

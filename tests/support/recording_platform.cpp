@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "recording_platform.h"
 
 #include <dlfcn.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// A platform for tests: it does nothing but note every call with its arguments, and fails the calls it is told to.
 ///
 /// A test program that is built with it answers the library's platform calls itself, as any process may; only XML is

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The base of tests that work with the library's fixed places: it refuses to run where those are the machine's own,
 /// and fails a test that leaves a file, a pipe or a child process behind.
 #ifndef TESTS_SUPPORT_SANDBOXED_TEST_H

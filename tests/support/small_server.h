@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// A CDS file with a few components of every kind, with most of their settings.
 #ifndef TESTS_SUPPORT_SMALL_SERVER_H
 #define TESTS_SUPPORT_SMALL_SERVER_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Databases as SQLite itself sees them, past the platform's client.
 #ifndef TESTS_SUPPORT_SQLITE_DATABASE_H
 #define TESTS_SUPPORT_SQLITE_DATABASE_H

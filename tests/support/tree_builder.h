@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Short ways to build element trees in tests.
 #ifndef TESTS_SUPPORT_TREE_BUILDER_H
 #define TESTS_SUPPORT_TREE_BUILDER_H

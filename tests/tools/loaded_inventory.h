@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Inventories in memory, of CDS text that a test writes.
 #ifndef TESTS_TOOLS_LOADED_INVENTORY_H
 #define TESTS_TOOLS_LOADED_INVENTORY_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Inventories in memory whose rows a test writes itself.
 #ifndef TESTS_TOOLS_MEMORY_ROWS_H
 #define TESTS_TOOLS_MEMORY_ROWS_H

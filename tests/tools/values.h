@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Values of columns, for tests.
 #ifndef TESTS_TOOLS_VALUES_H
 #define TESTS_TOOLS_VALUES_H

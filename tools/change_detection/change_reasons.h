@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the change test found, for people.
 #ifndef TOOLS_CHANGE_DETECTION_CHANGE_REASONS_H
 #define TOOLS_CHANGE_DETECTION_CHANGE_REASONS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "change_detection/own_bridge.h"
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The PCI address of the controller's own bridge.
 #ifndef TOOLS_CHANGE_DETECTION_OWN_BRIDGE_H
 #define TOOLS_CHANGE_DETECTION_OWN_BRIDGE_H

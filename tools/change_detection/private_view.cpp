@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "change_detection/private_view.h"
 
 #include <dlfcn.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The places that change detection keeps its files at are fixed; --root moves them below a folder.
 #ifndef TOOLS_CHANGE_DETECTION_PRIVATE_VIEW_H
 #define TOOLS_CHANGE_DETECTION_PRIVATE_VIEW_H

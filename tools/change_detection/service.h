@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The inventory service that change detection works with.
 #ifndef TOOLS_CHANGE_DETECTION_SERVICE_H
 #define TOOLS_CHANGE_DETECTION_SERVICE_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Paths that the library hands to a shell.
 #ifndef TOOLS_CHANGE_DETECTION_SHELL_PATH_H
 #define TOOLS_CHANGE_DETECTION_SHELL_PATH_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Why a subcommand could not do its work.
 #ifndef TOOLS_CONSOLE_FAILURE_H
 #define TOOLS_CONSOLE_FAILURE_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Where the program writes: data to standard output, everything else to standard error.
 #ifndef TOOLS_CONSOLE_OUTPUT_H
 #define TOOLS_CONSOLE_OUTPUT_H

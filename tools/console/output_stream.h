@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Standard output for code that writes to a stream.
 #ifndef TOOLS_CONSOLE_OUTPUT_STREAM_H
 #define TOOLS_CONSOLE_OUTPUT_STREAM_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tells somebody who waits how far a load has come.
 #ifndef TOOLS_CONSOLE_PROGRESS_H
 #define TOOLS_CONSOLE_PROGRESS_H

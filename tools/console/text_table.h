@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Columns of text under headings.
 #ifndef TOOLS_CONSOLE_TEXT_TABLE_H
 #define TOOLS_CONSOLE_TEXT_TABLE_H

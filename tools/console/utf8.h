@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Text as people see it: characters instead of bytes.
 #ifndef TOOLS_CONSOLE_UTF8_H
 #define TOOLS_CONSOLE_UTF8_H

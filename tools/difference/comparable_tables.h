@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Inventories without what differs between them although the hardware is the same.
 #ifndef TOOLS_DIFFERENCE_COMPARABLE_TABLES_H
 #define TOOLS_DIFFERENCE_COMPARABLE_TABLES_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What differs between two inventories.
 #ifndef TOOLS_DIFFERENCE_DIFFERENCE_H
 #define TOOLS_DIFFERENCE_DIFFERENCE_H

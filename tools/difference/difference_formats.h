@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The forms in which a difference is printed.
 #ifndef TOOLS_DIFFERENCE_DIFFERENCE_FORMATS_H
 #define TOOLS_DIFFERENCE_DIFFERENCE_FORMATS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Which row of one inventory is which row of another.
 #ifndef TOOLS_DIFFERENCE_ROW_MATCHING_H
 #define TOOLS_DIFFERENCE_ROW_MATCHING_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "explanation/component_loader.h"
 
 #include <cstddef>
@@ -100,7 +102,7 @@ std::optional<std::int64_t> component_loader::take_probe() {
         if (row["DevLocator"] == inventory_value(probe_locator)) {
             const std::string id = std::to_string(id_in(row, "Id"));
             const char* const arguments[] = {id.c_str()};
-            if (zeb_db_delete(database_.handle(), kinds::memory.table, "Id = ?", arguments, 1, 0) != 0) {
+            if (zeb_db_delete(database_.handle(), kinds::memory.record.table, "Id = ?", arguments, 1, 0) != 0) {
                 throw failure("cannot take a row out of a database in memory");
             }
             return id_in(row, "ArrayId");

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The library's loader, one component at a time.
 #ifndef TOOLS_EXPLANATION_COMPONENT_LOADER_H
 #define TOOLS_EXPLANATION_COMPONENT_LOADER_H

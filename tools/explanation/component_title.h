@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What people call a component of a CDS file.
 #ifndef TOOLS_EXPLANATION_COMPONENT_TITLE_H
 #define TOOLS_EXPLANATION_COMPONENT_TITLE_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the loader would do if a component were another one.
 #ifndef TOOLS_EXPLANATION_COUNTERFACTUAL_H
 #define TOOLS_EXPLANATION_COUNTERFACTUAL_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Why the components of a CDS file are in the inventory or are not.
 #ifndef TOOLS_EXPLANATION_EXPLANATION_H
 #define TOOLS_EXPLANATION_EXPLANATION_H

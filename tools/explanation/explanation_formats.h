@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The forms in which explanations are printed.
 #ifndef TOOLS_EXPLANATION_EXPLANATION_FORMATS_H
 #define TOOLS_EXPLANATION_EXPLANATION_FORMATS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
@@ -94,7 +96,7 @@ json explanation_object(const explanation& told) {
         {"title", told.title},
         {"groups", told.groups},
         {"result", name_in(fate_names, told.judged.became)},
-        {"table", told.row ? json(told.row->kind->table) : json()},
+        {"table", told.row ? json(told.row->kind->record.table) : json()},
         {"row", put_columns_json(told.row)},
         {"reasons", told.judged.reasons},
         {"missing_settings", told.judged.missing},

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -31,7 +33,7 @@ std::string row_summary(const inventory_table& row) {
             columns += (columns.empty() ? "" : ", ") + row.columns[column];
         }
     }
-    return std::string(row.kind->table) + ' ' + id + ": " + columns;
+    return std::string(row.kind->record.table) + ' ' + id + ": " + columns;
 }
 
 std::string unused_text(const unused_setting& unused) {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "explanation/known_settings.h"
 
 #include <algorithm>
@@ -11,6 +13,7 @@
 #include "cds_parser/record_columns.h"
 #include "explanation/similar_name.h"
 #include "rows/kinds.h"
+#include "rows/recorded_columns.h"
 
 namespace {
 
@@ -18,16 +21,15 @@ namespace {
 constexpr std::size_t strict = 5;
 constexpr std::size_t lenient = 3;
 
-template <class... Tables>
-std::vector<known_setting> settings_of(const Tables&... tables) {
-    std::vector<known_setting> settings;
-    const auto add = [&settings](const auto& table) {
-        for (const auto& column : table) {
-            settings.push_back({column.setting, column.name});
+std::vector<known_group> groups_of_all_kinds() {
+    std::vector<known_group> groups;
+    for (const inventory_kind* kind : kinds::all) {
+        known_group& group = groups.emplace_back(known_group{kind->record.group, kind, {}});
+        for (const cds_parser::column& column : recorded_columns(*kind)) {
+            group.settings.push_back({column.setting, column.name});
         }
-    };
-    (add(tables), ...);
-    return settings;
+    }
+    return groups;
 }
 
 template <class Named>
@@ -46,13 +48,7 @@ const Named* find_named(const std::vector<Named>& all, const std::string& name) 
 }  // namespace
 
 const std::vector<known_group>& known_groups() {
-    using namespace cds_parser;
-    static const std::vector<known_group> groups = {
-        {processor_group, &kinds::processors, settings_of(processor_columns)},
-        {memory_group, &kinds::memory, settings_of(memory_columns, persistent_memory_columns)},
-        {bridge_group, &kinds::bridges, settings_of(bridge_address_columns, bridge_columns)},
-        {device_group, &kinds::devices, settings_of(device_place_columns, device_kind_columns, device_columns)},
-    };
+    static const std::vector<known_group> groups = groups_of_all_kinds();
     return groups;
 }
 

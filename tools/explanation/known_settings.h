@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The setting groups that the loader records, and the settings in them that it knows.
 #ifndef TOOLS_EXPLANATION_KNOWN_SETTINGS_H
 #define TOOLS_EXPLANATION_KNOWN_SETTINGS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Names that somebody may have meant.
 #ifndef TOOLS_EXPLANATION_SIMILAR_NAME_H
 #define TOOLS_EXPLANATION_SIMILAR_NAME_H

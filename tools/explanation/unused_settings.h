@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The settings of a component that no column takes.
 #ifndef TOOLS_EXPLANATION_UNUSED_SETTINGS_H
 #define TOOLS_EXPLANATION_UNUSED_SETTINGS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What became of a component, and why.
 #ifndef TOOLS_EXPLANATION_VERDICT_H
 #define TOOLS_EXPLANATION_VERDICT_H

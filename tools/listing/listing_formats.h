@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The forms in which an inventory is printed.
 #ifndef TOOLS_LISTING_LISTING_FORMATS_H
 #define TOOLS_LISTING_LISTING_FORMATS_H

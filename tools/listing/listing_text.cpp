@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Which columns people want to see, and in which order.
 
 #include <algorithm>

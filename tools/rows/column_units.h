@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// How the values of a column are written for people. "-" stands for what there is not.
 #ifndef TOOLS_ROWS_COLUMN_UNITS_H
 #define TOOLS_ROWS_COLUMN_UNITS_H

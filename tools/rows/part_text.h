@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// How one part of an inventory is called and described for people.
 #ifndef TOOLS_ROWS_PART_TEXT_H
 #define TOOLS_ROWS_PART_TEXT_H

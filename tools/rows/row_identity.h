@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What makes two rows of a kind the same, whatever their row ids.
 #ifndef TOOLS_ROWS_ROW_IDENTITY_H
 #define TOOLS_ROWS_ROW_IDENTITY_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// How the columns of an inventory row are written for people. "-" stands for what there is not.
 #ifndef TOOLS_ROWS_ROW_TEXT_H
 #define TOOLS_ROWS_ROW_TEXT_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Serial numbers as a means to recognise a part.
 #ifndef TOOLS_ROWS_SERIAL_NUMBER_H
 #define TOOLS_ROWS_SERIAL_NUMBER_H

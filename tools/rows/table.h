@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The rows of an inventory.
 #ifndef TOOLS_ROWS_TABLE_H
 #define TOOLS_ROWS_TABLE_H

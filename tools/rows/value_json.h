@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// How an inventory row is written in JSON.
 #ifndef TOOLS_ROWS_VALUE_JSON_H
 #define TOOLS_ROWS_VALUE_JSON_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Reading CDS files that are named on the command line.
 #ifndef TOOLS_SOURCES_CDS_FILE_H
 #define TOOLS_SOURCES_CDS_FILE_H

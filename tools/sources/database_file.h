@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The file that an inventory database is.
 #ifndef TOOLS_SOURCES_DATABASE_FILE_H
 #define TOOLS_SOURCES_DATABASE_FILE_H

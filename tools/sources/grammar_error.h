@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Where a CDS file breaks the grammar; the library says only how.
 #ifndef TOOLS_SOURCES_GRAMMAR_ERROR_H
 #define TOOLS_SOURCES_GRAMMAR_ERROR_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// A CDS file named on the command line.
 #ifndef TOOLS_SOURCES_INPUT_FILE_H
 #define TOOLS_SOURCES_INPUT_FILE_H

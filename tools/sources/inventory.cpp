@@ -1,19 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sources/inventory.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <zeb_db_workstation.h>
 
+#include "cds_parser/record_columns.h"
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/utf8.h"
 #include "rows/kinds.h"
+#include "rows/recorded_columns.h"
 #include "rows/table.h"
 #include "sources/database_file.h"
 
@@ -21,12 +25,11 @@ namespace {
 
 constexpr int busy_timeout_ms = 5000;
 
-constexpr const char* unsigned_columns[] = {
-    "ProcId", "Capacity", "MemCapacity", "AppDirCap", "UnconfigCap", "InaccCap", "ReservedCap",
-};
-
-bool is_unsigned(const std::string& column) {
-    return std::find(std::begin(unsigned_columns), std::end(unsigned_columns), column) != std::end(unsigned_columns);
+bool is_unsigned(const inventory_kind& kind, const std::string& name) {
+    const std::vector<cds_parser::column>& columns = recorded_columns(kind);
+    return std::any_of(columns.begin(), columns.end(), [&name](const cds_parser::column& column) {
+        return column.name == name && column.type == cds_parser::column_type::uint64;
+    });
 }
 
 std::string text_at(sqlite3_stmt* row, int column) {
@@ -35,16 +38,13 @@ std::string text_at(sqlite3_stmt* row, int column) {
     return length == 0 ? std::string() : std::string(bytes, length);
 }
 
-inventory_value value_at(sqlite3_stmt* row, int column) {
+inventory_value value_at(sqlite3_stmt* row, int column, bool is_unsigned) {
     switch (sqlite3_column_type(row, column)) {
         case SQLITE_NULL:
             return {};
         case SQLITE_INTEGER: {
             const std::int64_t number = sqlite3_column_int64(row, column);
-            if (is_unsigned(sqlite3_column_name(row, column))) {
-                return static_cast<std::uint64_t>(number);
-            }
-            return number;
+            return is_unsigned ? inventory_value(static_cast<std::uint64_t>(number)) : number;
         }
         default:
             return repaired_utf8(text_at(row, column));
@@ -108,10 +108,10 @@ int inventory::open() {
 // Their values are worked out for each row that is read, which may take any time and any memory.
 void inventory::refuse_computed_columns(const inventory_kind& kind) const {
     const statement_ptr rows =
-        prepare(std::string("SELECT name FROM pragma_table_xinfo('") + kind.table + "') WHERE hidden <> 0");
+        prepare(std::string("SELECT name FROM pragma_table_xinfo('") + kind.record.table + "') WHERE hidden <> 0");
     if (step(rows)) {
         throw failure("cannot read " + title_ + ": the column " + in_quotes(text_at(rows.get(), 0)) + " of its table " +
-                      kind.table + " holds nothing but is computed; it holds no inventory");
+                      kind.record.table + " holds nothing but is computed; it holds no inventory");
     }
 }
 
@@ -134,14 +134,16 @@ inventory_table inventory::read_after(const inventory_kind& kind, std::int64_t i
 
 inventory_table inventory::table_of(const inventory_kind& kind, const statement_ptr& rows) const {
     inventory_table table{&kind, {}, {}};
+    std::vector<bool> unsigned_columns;
     const int columns = sqlite3_column_count(rows.get());
     for (int column = 0; column < columns; ++column) {
         table.columns.push_back(repaired_utf8(sqlite3_column_name(rows.get(), column)));
+        unsigned_columns.push_back(is_unsigned(kind, table.columns.back()));
     }
     while (step(rows)) {
         std::vector<inventory_value>& row = table.rows.emplace_back();
         for (int column = 0; column < columns; ++column) {
-            row.push_back(value_at(rows.get(), column));
+            row.push_back(value_at(rows.get(), column, unsigned_columns[static_cast<std::size_t>(column)]));
         }
     }
     return table;
@@ -154,7 +156,7 @@ std::int64_t inventory::count(const inventory_kind& kind) const {
 
 inventory::statement_ptr inventory::select(const std::string& what, const inventory_kind& kind,
                                            const std::string& condition) const {
-    return prepare("SELECT " + what + " FROM " + kind.table + condition + " ORDER BY rowid");
+    return prepare("SELECT " + what + " FROM " + kind.record.table + condition + " ORDER BY rowid");
 }
 
 inventory::statement_ptr inventory::prepare(const std::string& sql) const {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The rows of an inventory database.
 #ifndef TOOLS_SOURCES_INVENTORY_H
 #define TOOLS_SOURCES_INVENTORY_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What the library and the platform log while they work for a subcommand.
 #ifndef TOOLS_SOURCES_LIBRARY_LOG_H
 #define TOOLS_SOURCES_LIBRARY_LOG_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// An inventory that nobody keeps.
 #ifndef TOOLS_SOURCES_MEMORY_DATABASE_H
 #define TOOLS_SOURCES_MEMORY_DATABASE_H

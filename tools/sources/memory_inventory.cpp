@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sources/memory_inventory.h"
 
 #include <sqlite3.h>

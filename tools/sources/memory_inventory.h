@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Inventories in memory, for subcommands that ask something about a file and keep nothing.
 #ifndef TOOLS_SOURCES_MEMORY_INVENTORY_H
 #define TOOLS_SOURCES_MEMORY_INVENTORY_H

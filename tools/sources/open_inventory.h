@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// An inventory named on the command line, whatever it is kept in.
 #ifndef TOOLS_SOURCES_OPEN_INVENTORY_H
 #define TOOLS_SOURCES_OPEN_INVENTORY_H

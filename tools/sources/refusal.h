@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Why the library refused a CDS file.
 #ifndef TOOLS_SOURCES_REFUSAL_H
 #define TOOLS_SOURCES_REFUSAL_H

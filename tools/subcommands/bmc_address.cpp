@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds bmc-address: records the PCI address of the controller's own bridge and prints it.
 
 #include <memory>

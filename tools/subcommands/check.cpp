@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds check: says whether the inventory may have changed since the last refresh, and why.
 
 #include <memory>

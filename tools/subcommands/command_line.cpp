@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "subcommands/command_line.h"
 
 #include <CLI/CLI.hpp>

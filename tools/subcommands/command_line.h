@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The arguments and options of a subcommand.
 #ifndef TOOLS_SUBCOMMANDS_COMMAND_LINE_H
 #define TOOLS_SUBCOMMANDS_COMMAND_LINE_H

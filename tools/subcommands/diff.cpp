@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds diff: prints what differs between two inventories.
 
 #include <memory>

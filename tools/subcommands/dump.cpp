@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds dump: prints the normalised text of a CDS file.
 
 #include <ios>

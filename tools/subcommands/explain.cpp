@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds explain: tells for every component of a CDS file what row it leaves, or why it leaves none.
 
 #include <algorithm>

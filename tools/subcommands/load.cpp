@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds load: replaces the inventory by what a CDS file describes, or leaves it as it was.
 
 #include <unistd.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The arguments and options that several subcommands share.
 #ifndef TOOLS_SUBCOMMANDS_OPTIONS_H
 #define TOOLS_SUBCOMMANDS_OPTIONS_H

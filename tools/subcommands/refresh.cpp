@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds refresh: takes the inventory to what a CDS file describes and says what changed.
 
 #include <iomanip>

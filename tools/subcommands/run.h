@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Reading the command line and doing what it says.
 #ifndef TOOLS_SUBCOMMANDS_RUN_H
 #define TOOLS_SUBCOMMANDS_RUN_H

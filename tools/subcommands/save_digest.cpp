@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds save-digest: saves the digests of the two files that a check compares.
 
 #include <memory>

@@ -1,6 +1,9 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds show: prints what an inventory database holds.
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -40,6 +43,16 @@ std::vector<std::string> names_of_kinds() {
     return names;
 }
 
+// As in "processors, memory, bridges or devices".
+std::string choice_of_kinds() {
+    const std::vector<std::string> names = names_of_kinds();
+    std::string choice = names.front();
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        choice += (i + 1 == names.size() ? " or " : ", ") + names[i];
+    }
+    return choice;
+}
+
 std::vector<inventory_table> read_tables(const show_options& options) {
     const inventory shown(options.database);
     std::vector<inventory_table> tables;
@@ -54,7 +67,7 @@ std::vector<inventory_table> read_tables(const show_options& options) {
 int show(const show_options& options) {
     const auto write = options.format.writer();
     if (write == listing_csv && options.kind.empty()) {
-        throw failure("CSV holds one table: name processors, memory, bridges or devices; see 'zebdb-cds show --help'");
+        throw failure("CSV holds one table: name " + choice_of_kinds() + "; see 'zebdb-cds show --help'");
     }
     std::vector<inventory_table> tables = read_tables(options);
     if (options.redact) {
@@ -68,8 +81,7 @@ int show(const show_options& options) {
 
 action define_show(command_line& arguments) {
     const auto options = std::make_shared<show_options>();
-    arguments.optional_argument("KIND", options->kind,
-                                "processors, memory, bridges or devices; all of them if none is named",
+    arguments.optional_argument("KIND", options->kind, choice_of_kinds() + "; all of them if none is named",
                                 names_of_kinds());
     options->format.add_option(arguments);
     add_redact_flag(arguments, options->redact);

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The subcommands.
 #ifndef TOOLS_SUBCOMMANDS_SUBCOMMAND_H
 #define TOOLS_SUBCOMMANDS_SUBCOMMAND_H
@@ -6,13 +8,7 @@
 #include <vector>
 
 #include "subcommands/command_line.h"
-
-/// Exit status: the work is done.
-constexpr int status_done = 0;
-/// Exit status: the answer is no: changed, different, nothing found.
-constexpr int status_no = 1;
-/// Exit status: there is no answer, see failure.
-constexpr int status_failed = 2;
+#include "subcommands/exit_status.h"  // IWYU pragma: export
 
 /// Does the work once the command line is read; gives the exit status.
 using action = std::function<int()>;

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // zebdb-cds tree: prints the PCI bridges and functions of an inventory as a tree.
 
 #include <ios>

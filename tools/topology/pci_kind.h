@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// What a PCI function is for, in words.
 #ifndef TOOLS_TOPOLOGY_PCI_KIND_H
 #define TOOLS_TOPOLOGY_PCI_KIND_H

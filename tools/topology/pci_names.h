@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The names of PCI vendors and devices, from the list of PCI ids that ZEBDB_PCI_IDS names, else from the one that the
 /// distribution installs.
 #ifndef TOOLS_TOPOLOGY_PCI_NAMES_H

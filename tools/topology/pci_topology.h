@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The PCI bridges and functions of an inventory as the tree that they form.
 #ifndef TOOLS_TOPOLOGY_PCI_TOPOLOGY_H
 #define TOOLS_TOPOLOGY_PCI_TOPOLOGY_H

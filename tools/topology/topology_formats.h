@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// The forms in which a topology is printed.
 #ifndef TOOLS_TOPOLOGY_TOPOLOGY_FORMATS_H
 #define TOOLS_TOPOLOGY_TOPOLOGY_FORMATS_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -95,7 +97,7 @@ std::vector<std::string> inventory() {
     sqlite_database opened(database);
     EXPECT_THAT(opened.run("PRAGMA integrity_check"), ElementsAre("ok"));
     std::vector<std::string> rows;
-    for (const std::string table : inventory_tables) {
+    for (const std::string& table : inventory_tables()) {
         for (const std::string& row : opened.run("SELECT * FROM " + table + " ORDER BY Id")) {
             rows.push_back(table + ' ' + row);
         }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <inventory_service_workstation.h>
@@ -217,12 +219,12 @@ protected:
 };
 
 TEST_F(MemoryTables, HoldTheRowsOfEveryInventoryTable) {
-    for (const std::string table : inventory_tables) {
+    for (const std::string& table : inventory_tables()) {
         seen->run("INSERT INTO " + table + " (Id) VALUES (7), (9)");
     }
     seen->run("UPDATE Processor SET Socket = 'CPU 1', ProcId = -1");
     EXPECT_EQ(rebuild_tables_in_memory(handle), 0);
-    for (const std::string table : inventory_tables) {
+    for (const std::string& table : inventory_tables()) {
         EXPECT_THAT(in_memory(table), testing::SizeIs(2));
         EXPECT_EQ(in_memory(table), in_file(table));
     }
@@ -233,7 +235,7 @@ TEST_F(MemoryTables, AreRebuiltWhole) {
     ASSERT_EQ(rebuild_tables_in_memory(handle), 0);
     seen->run("DELETE FROM PCIs WHERE FunKey = 7; UPDATE PCIs SET FunKey = 10; INSERT INTO Memory (SlotNo) VALUES (1)");
     EXPECT_EQ(rebuild_tables_in_memory(handle), 0);
-    for (const std::string table : inventory_tables) {
+    for (const std::string& table : inventory_tables()) {
         EXPECT_EQ(in_memory(table), in_file(table));
     }
 }

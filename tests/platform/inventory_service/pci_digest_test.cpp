@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <zeb_db_workstation.h>
@@ -39,7 +41,7 @@ protected:
     }
 
     void add_two_rows_to_each_table() {
-        for (const std::string table : inventory_tables) {
+        for (const std::string& table : inventory_tables()) {
             for (const std::string row : {"1", "2"}) {
                 std::string names;
                 std::string values;
@@ -144,7 +146,7 @@ TEST_F(PciDigest, DoesNotDependOnTheOrderOfTheRows) {
 TEST_F(PciDigest, DoesNotDependOnRowIds) {
     add_two_rows_to_each_table();
     update();
-    for (const std::string table : inventory_tables) {
+    for (const std::string& table : inventory_tables()) {
         for (const std::string& id :
              hardware->run("SELECT name FROM pragma_table_info('" + table + "') WHERE name IN " + row_ids)) {
             expect_change(table, id, false, false);
@@ -152,10 +154,10 @@ TEST_F(PciDigest, DoesNotDependOnRowIds) {
     }
 }
 
-class EveryValue : public PciDigest, public testing::WithParamInterface<const char*> {};
+class EveryValue : public PciDigest, public testing::WithParamInterface<std::string> {};
 
 TEST_P(EveryValue, ChangesTheDigestOfItsHalfAlone) {
-    const std::string table = GetParam();
+    const std::string& table = GetParam();
     const bool of_system = table == "Processor" || table == "Memory";
     add_two_rows_to_each_table();
     update();
@@ -164,8 +166,8 @@ TEST_P(EveryValue, ChangesTheDigestOfItsHalfAlone) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, EveryValue, testing::ValuesIn(inventory_tables),
-                         [](const auto& table) { return std::string(table.param); });
+INSTANTIATE_TEST_SUITE_P(Of, EveryValue, testing::ValuesIn(inventory_tables()),
+                         [](const auto& table) { return table.param; });
 
 TEST_F(PciDigest, TellsNullEmptyZeroAndTheirTextsApart) {
     hardware->run("INSERT INTO PCIs (FunKey) VALUES (1)");

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // usage: refresh CDS-FILE
 //
 // One refresh in a process of its own, for tests that kill it or make it fail. 0 when it was committed, else 1.

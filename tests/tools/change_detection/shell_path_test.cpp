@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "change_detection/shell_path.h"
 
 #include <gtest/gtest.h>

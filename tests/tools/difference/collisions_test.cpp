@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Several records of one place.
 
 #include <gmock/gmock.h>

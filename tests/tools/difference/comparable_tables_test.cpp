@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "difference/comparable_tables.h"
 
 #include <gmock/gmock.h>

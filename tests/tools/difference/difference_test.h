@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tests that compare two inventories.
 #ifndef TESTS_TOOLS_DIFFERENCE_DIFFERENCE_TEST_H
 #define TESTS_TOOLS_DIFFERENCE_DIFFERENCE_TEST_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Parts that are recognised in another place.
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The rows that an explanation tells of are those of a load.
 
 #include <gmock/gmock.h>

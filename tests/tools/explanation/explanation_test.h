@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tests that explain what became of components.
 #ifndef TESTS_TOOLS_EXPLANATION_EXPLANATION_TEST_H
 #define TESTS_TOOLS_EXPLANATION_EXPLANATION_TEST_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "explanation/known_settings.h"
 
 #include <gmock/gmock.h>

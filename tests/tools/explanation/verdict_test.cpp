@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "explanation/verdict.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tests that list the rows of one inventory.
 #ifndef TESTS_TOOLS_LISTING_LISTING_TEST_H
 #define TESTS_TOOLS_LISTING_LISTING_TEST_H
@@ -24,7 +26,7 @@ protected:
     /// Replaces the rows by those of a CDS file.
     void load(const std::string& cds_text) const {
         for (const inventory_kind* kind : kinds::all) {
-            execute(std::string("DELETE FROM ") + kind->table);
+            execute(std::string("DELETE FROM ") + kind->record.table);
         }
         const library_log log(log_display::hidden);
         cds_parser::document document;

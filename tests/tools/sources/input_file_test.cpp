@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sources/input_file.h"
 
 #include <gtest/gtest.h>

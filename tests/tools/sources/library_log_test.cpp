@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 #include "sources/library_log.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Runs the command zebdb-cds as a user would: by a shell, in a folder of its own, without touching the machine.
 #ifndef TESTS_TOOLS_SUBCOMMANDS_COMMAND_TEST_H
 #define TESTS_TOOLS_SUBCOMMANDS_COMMAND_TEST_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tests that compare two inventories by the command.
 #ifndef TESTS_TOOLS_SUBCOMMANDS_DIFF_TEST_H
 #define TESTS_TOOLS_SUBCOMMANDS_DIFF_TEST_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // The command itself says which subcommands, options and values there are; the manual page and the completion of a
 // shell have to name them, and no others.
 
@@ -13,6 +15,7 @@
 #include "tools/subcommands/command_test.h"
 
 using testing::Contains;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
@@ -191,6 +194,30 @@ TEST_F(ManPage, IsWellFormed) {
         GTEST_SKIP() << "install mandoc";
     }
     EXPECT_EQ(output("mandoc -T lint -W warning " + quoted(man_page)), "");
+}
+
+class Readme : public documentation_test {
+protected:
+    Readme() : text_(output("cat " + quoted(SOURCE_DIR "/README.md"))) {}
+
+    const std::string& text() const { return text_; }
+
+private:
+    std::string text_;
+};
+
+TEST_F(Readme, ShowsEverySubcommand) {
+    for (const auto& [subcommand, options] : usage_of_command()) {
+        if (!subcommand.empty()) {
+            EXPECT_THAT(text(), HasSubstr("\n    $ zebdb-cds " + subcommand + " "));
+        }
+    }
+}
+
+TEST_F(Readme, NamesEveryKind) {
+    for (const std::string& kind : values_of("show")) {
+        EXPECT_THAT(text(), ContainsRegex("`zebdb-cds show \\[[a-z|]*" + kind));
+    }
 }
 
 class Completion : public documentation_test {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tests that have the command explain what became of components.
 #ifndef TESTS_TOOLS_SUBCOMMANDS_EXPLAIN_TEST_H
 #define TESTS_TOOLS_SUBCOMMANDS_EXPLAIN_TEST_H

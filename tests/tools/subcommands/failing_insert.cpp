@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // Preloaded into a program, refuses to insert rows into the table that FAILING_TABLE names.
 
 #include <dlfcn.h>

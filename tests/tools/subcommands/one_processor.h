@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// A CDS file that is loaded whole, for tests.
 #ifndef TESTS_TOOLS_SUBCOMMANDS_ONE_PROCESSOR_H
 #define TESTS_TOOLS_SUBCOMMANDS_ONE_PROCESSOR_H

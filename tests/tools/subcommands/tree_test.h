@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tests that print the PCI topology of a database whose rows they write themselves.
 #ifndef TESTS_TOOLS_SUBCOMMANDS_TREE_TEST_H
 #define TESTS_TOOLS_SUBCOMMANDS_TREE_TEST_H

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 // A day in the life of an inventory, told through the command alone.
 
 #include <gmock/gmock.h>

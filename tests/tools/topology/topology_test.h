@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// Tests of the PCI topology of rows that they write themselves.
 #ifndef TESTS_TOOLS_TOPOLOGY_TOPOLOGY_TEST_H
 #define TESTS_TOOLS_TOPOLOGY_TOPOLOGY_TEST_H
