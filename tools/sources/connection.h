@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: Apache-2.0
+
 /// A connection to a database by SQLite itself.
 #ifndef TOOLS_SOURCES_CONNECTION_H
 #define TOOLS_SOURCES_CONNECTION_H

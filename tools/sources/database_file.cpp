@@ -16,6 +16,7 @@
 #include <string>
 #include <system_error>
 
+#include "cds_parser/record_columns.h"
 #include "console/failure.h"
 #include "console/output.h"
 #include "rows/kinds.h"
@@ -111,7 +112,7 @@ bool holds_rows(const connection_ptr& connection) {
     };
     bool rows = false;
     for (const inventory_kind* kind : kinds::all) {
-        const std::string sql = std::string("SELECT 1 FROM ") + kind->table + " LIMIT 1";
+        const std::string sql = std::string("SELECT 1 FROM ") + kind->record.table + " LIMIT 1";
         sqlite3_exec(connection.get(), sql.c_str(), found, &rows, nullptr);
     }
     return rows;
