@@ -25,7 +25,7 @@ namespace {
 bool empty_table(_zeb_db_handle_t* handle, const record_kind& kind) {
     const int rc = zeb_db_delete(handle, kind.table, nullptr, nullptr, 0, 0);
     if (rc != 0) {
-        vonk_log::logErr("CDS PARSER: failed to delete %s, rc=%d", kind.rows, rc);
+        vonk_log::logErr(kind.deletion_failed, rc);
     }
     return rc == 0;
 }

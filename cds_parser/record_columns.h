@@ -11,15 +11,19 @@ namespace cds_parser {
 
 /// A kind of record.
 struct record_kind {
-    const char* group;  ///< the setting group that makes a component one of the kind
-    const char* table;  ///< where its rows are
-    const char* rows;   ///< what messages call them
+    const char* group;            ///< the setting group that makes a component one of the kind
+    const char* table;            ///< where its rows are
+    const char* deletion_failed;  ///< what is logged when they cannot be deleted, a format of the code
 };
 
-inline constexpr record_kind processor_record = {"cpu_info", "Processor", "Processors"};
-inline constexpr record_kind memory_record = {"memory_info", "Memory", "Memory Devices"};
-inline constexpr record_kind bridge_record = {"pci_bridge_info", "PCIBridge", "PCI Bridges"};
-inline constexpr record_kind device_record = {"pci_device_info", "PCIs", "PCI devices"};
+inline constexpr record_kind processor_record = {"cpu_info", "Processor",
+                                                 "CDS PARSER: failed to delete Processors, rc=%d"};
+inline constexpr record_kind memory_record = {"memory_info", "Memory",
+                                              "CDS PARSER: failed to delete Memory Devices, rc=%d"};
+inline constexpr record_kind bridge_record = {"pci_bridge_info", "PCIBridge",
+                                              "CDS PARSER: failed to delete PCI Bridges, rc=%d"};
+inline constexpr record_kind device_record = {"pci_device_info", "PCIs",
+                                              "CDS PARSER: failed to delete PCI devices, rc=%d"};
 
 /// All of them, in the order in which their tables are emptied before a load.
 inline constexpr const record_kind* record_kinds[] = {&processor_record, &memory_record, &bridge_record,
