@@ -27,7 +27,9 @@ std::ostream& end_line(std::ostream& out) {
 class line_writer {
 public:
     line_writer(std::ostream& out, std::uint32_t level, unsigned indent_width)
-        : out_(out), level_(level), indent_width_(indent_width) {}
+        : out_(out), level_(level), indent_width_(indent_width) {
+        out_.width(0);  // the caller's would pad the first text that is written
+    }
 
     void opening(const char* tag) { indent(level_) << '<' << tag << '>' << end_line; }
     void closing(const char* tag) { indent(level_) << "</" << tag << '>' << end_line; }
@@ -92,6 +94,7 @@ void component::dump(std::ostream& out, unsigned int indent_width) const {
 }
 
 void document::dump(std::ostream& out, unsigned int indent_width) const {
+    out.width(0);
     out << R"(<?xml version="1.0" encoding="UTF-8"?>)" << end_line;
     root.dump(out, indent_width);
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <zebdb_cds_parser.h>
 
+#include <iomanip>
 #include <memory>
 #include <sstream>
 #include <streambuf>
@@ -363,6 +364,19 @@ TEST(Dump, LosesTheRestSilentlyOnceTheStreamFails) {
         EXPECT_TRUE(out.fail());
         EXPECT_EQ(buffer.taken, example.substr(0, room));
     }
+}
+
+TEST(Dump, IsNotPaddedToTheFieldWidthOfTheStream) {
+    component root(1);
+    std::ostringstream out;
+    out << std::setw(30) << std::setfill('*');
+    root.dump(out, 2);
+    EXPECT_EQ(out.str(), "  <component>\n  </component>\n");
+    document doc;
+    fill_with_example(doc);
+    out.str("");
+    out << std::setw(100) << doc;
+    EXPECT_EQ(out.str(), example);
 }
 
 TEST(Dump, WritesNothingToAFailedStream) {
