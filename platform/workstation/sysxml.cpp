@@ -39,7 +39,8 @@ struct reading {
     xmlParserCtxtPtr parser = nullptr;  // of the stream; an entity's text is read by a parser of its own
     int stream_error = 0;               // of the system, when the stream failed
     bool stream_failed = false;         // the stream itself, not the text in it
-    std::string problem;                // the first one
+    std::string problem;                // the first one, or the first one that a document is refused for
+    bool is_refused = false;            // for that problem
     place where;                        // of the problem
 };
 
@@ -66,18 +67,20 @@ place current_place(const reading& state) {
     return {input.line, input.col};
 }
 
-void keep_first_problem(reading& state, const std::string& problem) {
-    if (state.problem.empty()) {
+void keep_first_problem(reading& state, const std::string& problem, bool is_refused) {
+    if (state.problem.empty() || (is_refused && !state.is_refused)) {
         state.problem = problem;
+        state.is_refused = is_refused;
         state.where = current_place(state);
     }
 }
 
+// What is wrong with namespaces alone is accepted.
 void take_error(void* context, xmlErrorPtr error) {
     if (error->level >= XML_ERR_ERROR) {
         std::string text = error->message == nullptr ? "unknown error" : error->message;
         text.erase(text.find_last_not_of("\r\n") + 1);
-        keep_first_problem(reading_of(context), text);
+        keep_first_problem(reading_of(context), text, error->domain != XML_FROM_NAMESPACE);
     }
 }
 
@@ -89,7 +92,8 @@ void declare_entity(void* context, const xmlChar* name, int type, const xmlChar*
         return;
     }
     reading& state = reading_of(context);
-    keep_first_problem(state, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused");
+    keep_first_problem(state, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused",
+                       true);
     auto* parser = static_cast<xmlParserCtxtPtr>(context);
     parser->wellFormed = 0;
     xmlStopParser(parser);

@@ -154,6 +154,11 @@ TEST(XmlDocument, NamesThePlaceWhereTheInputEnds) {
     EXPECT_EQ(outcome("<a>\n<b>"), "line 2, column 4: Premature end of data in tag b line 2");
 }
 
+TEST(XmlDocument, TellsTheErrorThatItIsRefusedForAndNoneThatIsAcceptedAlone) {
+    EXPECT_EQ(outcome("<a><x:b/></a>"), outcome("<a/>"));
+    EXPECT_EQ(outcome("<a>\n<x:b/>\n<c>"), "line 3, column 4: Premature end of data in tag c line 3");
+}
+
 TEST(XmlDocument, NamesThePlaceOfAnEntityAndNotThatInItsText) {
     EXPECT_EQ(outcome("<!DOCTYPE a [\n<!ENTITY e '<b>'>\n]>\n<a>\n\n   &e;</a>"),
               "line 6, column 7: Premature end of data in tag b line 1");
