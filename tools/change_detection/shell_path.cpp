@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "console/failure.h"
 
@@ -48,5 +50,9 @@ void require_shell_path(const std::string& path, std::size_t longest) {
     }
     if (::access(path.c_str(), R_OK) != 0) {
         throw failure("cannot read '" + path + "': " + std::strerror(errno));
+    }
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) {
+        throw failure("cannot read '" + path + "': it is a folder; name a file");
     }
 }

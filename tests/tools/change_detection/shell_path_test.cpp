@@ -72,3 +72,7 @@ TEST(ShellPath, IsNoLongerThanTheLibraryTakes) {
 TEST(ShellPath, NamesAFile) {
     EXPECT_EQ(refusal_of("missing.bin"), "cannot read 'missing.bin': No such file or directory");
 }
+
+TEST(ShellPath, LeadsToNoFolder) {
+    EXPECT_EQ(refusal_of("."), "cannot read '.': it is a folder; name a file");
+}
