@@ -56,6 +56,34 @@ __attribute__((format(printf, 2, 0))) void log(level at, const char* format, va_
     }
 }
 
+bool is_control(unsigned char byte) {
+    return (byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7F;
+}
+
+// The control characters of the upper half, as UTF-8 has them.
+bool is_upper_control(const std::string& text, std::size_t place) {
+    const auto byte_at = [&text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    return byte_at(place) == 0xC2 && place + 1 < text.size() && byte_at(place + 1) >= 0x80 && byte_at(place + 1) < 0xA0;
+}
+
+// Texts come from files that anybody may have written: none of them steers a terminal.
+std::string harmless(const std::string& text) {
+    std::string shown;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        const bool upper = is_upper_control(text, place);
+        place += upper ? 1 : 0;
+        const auto byte = static_cast<unsigned char>(text[place]);
+        if (upper || is_control(byte)) {
+            char escape[5];
+            std::snprintf(escape, sizeof escape, "\\x%02x", static_cast<unsigned>(byte));
+            shown += escape;
+        } else {
+            shown += text[place];
+        }
+    }
+    return shown;
+}
+
 }  // namespace
 
 void set_sink(sink taken_by, void* context) {
@@ -69,7 +97,7 @@ void write(level at, const char* text) {
         syslog(LOG_USER | name.priority, "%s", text);
         return;
     }
-    std::string line = std::string(name.prefix) + text;
+    std::string line = name.prefix + harmless(text);
     if (line.back() != '\n') {
         line += '\n';
     }

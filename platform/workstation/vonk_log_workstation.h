@@ -19,7 +19,8 @@ using sink = void (*)(void* context, level at, const char* text);
 /// thread logs.
 void set_sink(sink taken_by, void* context);
 
-/// Writes a line to the usual place, whatever the sink.
+/// Writes a line to the usual place, whatever the sink. On standard error control characters but tabs and line ends are
+/// written as \x1b.
 void write(level at, const char* text);
 
 }  // namespace vonk_log

@@ -39,6 +39,11 @@ TEST_F(VonkLog, WritesErrorsWithTheirLevel) {
     EXPECT_EQ(standard_error.text(), "ERROR: no memory\n");
 }
 
+TEST_F(VonkLog, WritesControlCharactersAsEscapes) {
+    vonk_log::logErr("%s", "a\x1b[2J\r\x7F\u009bz\t\u00e9");
+    EXPECT_EQ(standard_error.text(), "ERROR: a\\x1b[2J\\x0d\\x7f\\x9bz\t\u00e9\n");
+}
+
 TEST_F(VonkLog, WritesWarningsWithTheirLevel) {
     vonk_log::logWarn("no location");
     EXPECT_EQ(standard_error.text(), "WARNING: no location\n");

@@ -75,13 +75,16 @@ std::string escaped(std::uint32_t control) {
             return "\\r";
         default:
             char text[8];
-            std::snprintf(text, sizeof text, "\\x%02x", static_cast<unsigned>(control));
+            std::snprintf(text, sizeof text, control < 0x100 ? "\\x%02x" : "\\u%04x", static_cast<unsigned>(control));
             return text;
     }
 }
 
+// Those that turn the direction of writing make a text look like another one.
 bool is_control(std::uint32_t character) {
-    return character < 0x20 || (character >= 0x7F && character < 0xA0);
+    const bool turns_direction =
+        (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
+    return character < 0x20 || (character >= 0x7F && character < 0xA0) || turns_direction;
 }
 
 }  // namespace

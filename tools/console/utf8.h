@@ -10,8 +10,8 @@
 /// `text` with a replacement character (U+FFFD) for every part that is not UTF-8.
 std::string repaired_utf8(const std::string& text);
 
-/// UTF-8 `text` with its control characters written as \n, \t or \x1b, so that it stays on its line and cannot steer
-/// a terminal.
+/// `text` as UTF-8 with its control characters, and those that turn the direction of writing, written as \n, \t, \x1b
+/// or \u202e, so that it stays on its line, cannot steer a terminal and looks like what it is.
 std::string printable(const std::string& text);
 
 /// How many characters UTF-8 `text` has.

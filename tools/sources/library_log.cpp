@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <sstream>
 #include <string>
 
 #include <vonk_log_workstation.h>
@@ -14,6 +15,16 @@
 #include "sources/database_file.h"
 
 namespace {
+
+// Its lines stay lines.
+std::string printable_lines(const std::string& text) {
+    std::string shown;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        shown += (shown.empty() ? "" : "\n") + printable(line);
+    }
+    return shown;
+}
 
 std::string on_one_line(std::string text) {
     std::replace(text.begin(), text.end(), '\n', ' ');
@@ -58,7 +69,8 @@ void library_log::take(void* log, vonk_log::level at, const char* text) {
     if (self.display_ == log_display::hidden) {
         return;
     }
-    const auto write = [at, text] { vonk_log::write(at, text); };
+    const std::string shown = printable_lines(text);
+    const auto write = [at, &shown] { vonk_log::write(at, shown.c_str()); };
     if (self.progress_ == nullptr) {
         write();
     } else {

@@ -37,6 +37,11 @@ TEST(Printable, WritesTheControlCharactersOfTheUpperHalfAsEscapes) {
     EXPECT_EQ(printable("a\u0085b\u009bc"), "a\\x85b\\x9bc");
 }
 
+TEST(Printable, WritesWhatTurnsTheDirectionOfWritingAsEscapes) {
+    EXPECT_EQ(printable("a\u202ab\u202ec\u2066d\u2069e"), "a\\u202ab\\u202ec\\u2066d\\u2069e");
+    EXPECT_EQ(printable("\u2029\u202f\u2065\u206a"), "\u2029\u202f\u2065\u206a");
+}
+
 TEST(Printable, LeavesEverythingElse) {
     EXPECT_EQ(printable("a \u00a0\u00e9\u2028'\"\\"), "a \u00a0\u00e9\u2028'\"\\");
 }

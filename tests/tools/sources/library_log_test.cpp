@@ -6,6 +6,7 @@
 #include <vonk_log.h>
 
 #include "sources/memory_database.h"
+#include "support/captured_stderr.h"
 
 using testing::HasSubstr;
 
@@ -31,6 +32,13 @@ TEST(LibraryLog, IsUtf8) {
     const library_log log(log_display::hidden);
     vonk_log::logErr("a\xFF");
     EXPECT_EQ(log.lines().front().text, "a\uFFFD");
+}
+
+TEST(LibraryLog, ShowsNothingThatSteersATerminalOrTurnsTheDirectionOfWriting) {
+    const captured_stderr standard_error;
+    const library_log log;
+    vonk_log::logErr("first\u202e\nsecond\x1b[2J");
+    EXPECT_EQ(standard_error.text(), "ERROR: first\\u202e\nsecond\\x1b[2J\n");
 }
 
 TEST(LibraryLog, HasNoProblemWithoutAnError) {
