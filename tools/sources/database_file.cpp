@@ -13,6 +13,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
+#include <new>
 #include <string>
 #include <system_error>
 
@@ -37,6 +38,8 @@ constexpr advice advices[] = {
     {SQLITE_CORRUPT, "name another file with --database or load into a new one"},
 };
 
+constexpr int lock_timeout_ms = 1000;
+
 // On a terminal that closes, for Ctrl-C, and for a plain kill.
 constexpr int interruptions[] = {SIGHUP, SIGINT, SIGTERM};
 
@@ -45,8 +48,8 @@ std::string made_path;
 std::string made_journal;
 
 void unlink_made_files() {
-    ::unlink(made_path.c_str());
     ::unlink(made_journal.c_str());
+    ::unlink(made_path.c_str());
 }
 
 void unlink_and_die(int signal) {
@@ -90,11 +93,6 @@ file_identity identity_of(const std::string& path) {
     return ::stat(path.c_str(), &status) == 0 ? file_identity{status.st_dev, status.st_ino} : file_identity{};
 }
 
-bool is_empty_file(const std::string& path) {
-    struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size == 0;
-}
-
 connection_ptr open_for_writing(const std::string& path) {
     sqlite3* connection = nullptr;
     sqlite3_open_v2(sqlite_name(path).c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
@@ -105,6 +103,7 @@ bool run(const connection_ptr& connection, const std::string& sql) {
     return sqlite3_exec(connection.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
+// Also where that cannot be told. A table that is missing has none.
 bool holds_rows(const connection_ptr& connection) {
     const auto found = [](void* rows, int, char**, char**) {
         *static_cast<bool*>(rows) = true;
@@ -113,7 +112,8 @@ bool holds_rows(const connection_ptr& connection) {
     bool rows = false;
     for (const inventory_kind* kind : kinds::all) {
         const std::string sql = std::string("SELECT 1 FROM ") + kind->record.table + " LIMIT 1";
-        sqlite3_exec(connection.get(), sql.c_str(), found, &rows, nullptr);
+        const int rc = sqlite3_exec(connection.get(), sql.c_str(), found, &rows, nullptr);
+        rows = rows || (rc != SQLITE_OK && rc != SQLITE_ERROR);
     }
     return rows;
 }
@@ -159,10 +159,9 @@ new_database_file::new_database_file(const std::string& path) : path_(target_of(
     }
     if (file == -1) {
         refuse_folder(path);
-        origin_ = is_empty_file(path_) ? origin::empty : origin::filled;
     } else {
         ::close(file);
-        origin_ = origin::made;
+        made_ = true;
         made_path = path_;
         made_journal = path_ + "-journal";
         on_interruption(unlink_and_die);
@@ -171,31 +170,31 @@ new_database_file::new_database_file(const std::string& path) : path_(target_of(
 }
 
 new_database_file::~new_database_file() {
-    take_away();
+    try {
+        take_away();
+    } catch (const std::bad_alloc&) {
+        keep();  // with its empty tables
+    }
 }
 
 // Whoever waits for the lock finds a database that is gone.
 void new_database_file::take_away() {
-    if (origin_ == origin::filled) {
+    if (!made_) {
         return;
     }
     const connection_ptr connection = open_for_writing(path_);
-    if (run(connection, "BEGIN EXCLUSIVE") && !holds_rows(connection)) {
-        if (origin_ == origin::empty) {
-            std::error_code ignored;
-            std::filesystem::resize_file(path_, 0, ignored);
-        } else {
-            unlink_made_files();
-        }
+    sqlite3_busy_timeout(connection.get(), lock_timeout_ms);
+    if (run(connection, "BEGIN EXCLUSIVE") && !was_replaced() && !holds_rows(connection)) {
+        unlink_made_files();
     }
     keep();
 }
 
 void new_database_file::keep() {
-    if (origin_ == origin::made) {
+    if (made_) {
         on_interruption(SIG_DFL);
     }
-    origin_ = origin::filled;
+    made_ = false;
 }
 
 bool new_database_file::was_replaced() const {

@@ -28,8 +28,8 @@ void roll_back_interrupted_write(const std::string& path);
 std::string with_advice(int code, const std::string& problem);
 
 /// Makes the file of a database that is about to be filled, when there is none. Unless it is kept, a file that was made
-/// is taken away again with its journal, also when the program is interrupted, and one that was empty is so again; but
-/// not where another program has filled it meanwhile. One at a time; connections to it are closed before.
+/// is taken away again with its journal; but not where another program has filled it meanwhile, unless this one is
+/// interrupted. One at a time; no connection of this process may be in a transaction on it then.
 class new_database_file {
 public:
     /// Throws failure when there is no file at `path` and none can be made.
@@ -44,13 +44,11 @@ public:
     bool was_replaced() const;
 
 private:
-    enum class origin { made, empty, filled };
-
     void take_away();
 
     std::string path_;
     file_identity identity_;
-    origin origin_ = origin::filled;
+    bool made_ = false;
 };
 
 #endif

@@ -2,18 +2,17 @@
 
 // zebdb-cds load: replaces the inventory by what a CDS file describes, or leaves it as it was.
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstring>
-#include <filesystem>
 #include <iomanip>
 #include <ios>
 #include <memory>
 #include <new>
 #include <sstream>
 #include <string>
-#include <system_error>
 
 #include <zeb_db.h>
 #include <zeb_db_workstation.h>
@@ -75,24 +74,20 @@ attempt try_to_load(const std::string& database, const char* path) {
     return file.was_replaced() ? attempt::database_went_away : attempt::failed;
 }
 
-// Another load that made the database and was refused takes it away, whoever waits for it.
-bool load_into(const std::string& database, const char* path) {
-    std::error_code ignored;
-    const bool can_be_read_again = std::filesystem::is_regular_file(path, ignored);
-    attempt result = attempt::failed;
-    do {
-        result = try_to_load(database, path);
-    } while (result == attempt::database_went_away && can_be_read_again);
-    return result == attempt::done;
-}
-
+// Another load that made the database and was refused takes it away, whoever waits for it; then this one begins anew.
 // Throws failure with the cause alone.
 void replace_inventory(const load_options& options) {
     const input_file input(options.file);
     progress line(input.status());
-    const library_log log(line);
-    if (!load_into(options.database, input.path().c_str())) {
-        throw failure(cause_of_refusal(input, log));
+    for (;;) {
+        const library_log log(line);
+        const attempt result = try_to_load(options.database, input.path().c_str());
+        if (result == attempt::done) {
+            return;
+        }
+        if (result == attempt::failed || !S_ISREG(input.status().st_mode)) {
+            throw failure(cause_of_refusal(input, log));
+        }
     }
 }
 

@@ -74,15 +74,6 @@ TEST_F(NewDatabaseFile, IsMadeAndTakenAwayWhereALinkLeads) {
     EXPECT_TRUE(fs::is_symlink(path_));
 }
 
-TEST_F(NewDatabaseFile, ThatWasEmptyIsSoAgain) {
-    std::ofstream(path_).close();
-    {
-        const new_database_file file(path_);
-        sqlite_database(path_).run("CREATE TABLE Processor (Id INTEGER)");
-    }
-    EXPECT_EQ(fs::file_size(path_), 0u);
-}
-
 TEST_F(NewDatabaseFile, IsReplacedWhenAnotherProgramTookItAway) {
     std::ofstream(path_) << "something";
     const new_database_file file(path_);
