@@ -75,12 +75,17 @@ void keep_first_problem(reading& state, const std::string& problem, bool is_refu
     }
 }
 
-// What is wrong with namespaces alone is accepted.
+// A document may have other errors, in its namespaces say, and be accepted.
+bool refuses_document(const xmlError& error) {
+    return error.level == XML_ERR_FATAL || error.code == XML_ERR_NO_MEMORY || error.domain == XML_FROM_IO ||
+           error.domain == XML_FROM_I18N;
+}
+
 void take_error(void* context, xmlErrorPtr error) {
     if (error->level >= XML_ERR_ERROR) {
         std::string text = error->message == nullptr ? "unknown error" : error->message;
         text.erase(text.find_last_not_of("\r\n") + 1);
-        keep_first_problem(reading_of(context), text, error->domain != XML_FROM_NAMESPACE);
+        keep_first_problem(reading_of(context), text, refuses_document(*error));
     }
 }
 
