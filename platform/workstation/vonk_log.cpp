@@ -66,7 +66,7 @@ bool is_upper_control(const std::string& text, std::size_t place) {
     return byte_at(place) == 0xC2 && place + 1 < text.size() && byte_at(place + 1) >= 0x80 && byte_at(place + 1) < 0xA0;
 }
 
-// Texts come from files that anybody may have written: none of them steers a terminal.
+// Texts come from files that anybody may have written: none of them steers a terminal that shows UTF-8.
 std::string harmless(const std::string& text) {
     std::string shown;
     for (std::size_t place = 0; place < text.size(); ++place) {

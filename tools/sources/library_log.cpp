@@ -21,7 +21,7 @@ std::string printable_lines(const std::string& text) {
     std::string shown;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        shown += (shown.empty() ? "" : "\n") + printable(line);
+        shown += printable(line) + '\n';
     }
     return shown;
 }
