@@ -25,12 +25,12 @@ _zebdb_cds_candidates() {
     esac
 
     if [[ $word == -* ]]; then
-        _zebdb_cds_help ${subcommand:+"$subcommand"} | sed -n 's/^  \(-.,\)\{0,1\}\(--[a-z-]*\).*/\2/p'
+        _zebdb_cds_help ${subcommand:+"$subcommand"} | sed -n 's/^ *\(-.,\)\{0,1\} *\(--[a-z-]*\).*/\2/p'
         return
     fi
 
     case $subcommand in
-    '') _zebdb_cds_help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p' ;;
+    '') _zebdb_cds_help | sed -n '/^Subcommands:/I,/^$/s/^  *\([a-z-][a-z-]*\)  *.*/\1/p' ;;
     show) echo processors memory bridges devices ;;
     bmc-address) ;;
     *) echo files ;;
