@@ -69,6 +69,13 @@ TEST_F(OpenDatabase, TellsThatTheFolderIsMissing) {
                                        "': unable to open database file (No such file or directory)"));
 }
 
+TEST_F(OpenDatabase, RunsNothingUnsafeThatASchemaNames) {
+    sqlite_database(path).run(
+        "CREATE TRIGGER hostile BEFORE INSERT ON Processor BEGIN SELECT name FROM pragma_table_list; END");
+    EXPECT_NE(insert("CPU 1", 8), 0);
+    EXPECT_THAT(log.lines, ElementsAre(testing::HasSubstr("unsafe use of virtual table")));
+}
+
 TEST_F(OpenDatabase, TellsThatTheFileIsNoDatabase) {
     const std::string text = folder.file("text");
     std::ofstream(text) << std::string(4096, 'x');
