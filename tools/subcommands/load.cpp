@@ -60,6 +60,9 @@ bool load_in_transaction(_zeb_db_handle_t* handle, const char* path) {
 
 enum class attempt { done, failed, database_went_away };
 
+// On some file systems a file never seems to be the same one.
+constexpr int most_attempts = 100;
+
 attempt try_to_load(const std::string& database, const char* path) {
     new_database_file file(database);
     _zeb_db_handle_t* opened = nullptr;
@@ -79,13 +82,13 @@ attempt try_to_load(const std::string& database, const char* path) {
 void replace_inventory(const load_options& options) {
     const input_file input(options.file);
     progress line(input.status());
-    for (;;) {
+    for (int attempts_left = most_attempts;; --attempts_left) {
         const library_log log(line);
         const attempt result = try_to_load(options.database, input.path().c_str());
         if (result == attempt::done) {
             return;
         }
-        if (result == attempt::failed || !S_ISREG(input.status().st_mode)) {
+        if (result == attempt::failed || attempts_left == 1 || !S_ISREG(input.status().st_mode)) {
             throw failure(cause_of_refusal(input, log));
         }
     }
