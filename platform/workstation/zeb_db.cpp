@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "content_values.h"
 #include "database_failure.h"
 #include "zeb_db_handle.h"
 
@@ -21,22 +21,7 @@ constexpr int row_available = 9;
 // Far more than the column sets of any real file; beyond it the statements are made anew.
 constexpr std::size_t most_statements = 64;
 
-enum class value_type { text, integer };
-
-struct column_value {
-    value_type type = value_type::integer;
-    sqlite3_int64 integer = 0;
-    std::string text;
-};
-
 }  // namespace
-
-// Cleared values keep their memory: one buffer is refilled for every row of a load.
-struct zeb_db_content_values_t {
-    std::string columns;  // the names in put order, each with its NUL: what an insert statement is known by
-    std::vector<column_value> values;
-    std::size_t count = 0;
-};
 
 struct zeb_db_result_t {
     statement_ptr statement;
@@ -125,10 +110,13 @@ int find_insert(_zeb_db_handle_t& handle, const char* table, const zeb_db_conten
 
 int bind_value(sqlite3_stmt* statement, int place, const column_value& value) {
     if (value.type == value_type::text) {
-        return sqlite3_bind_text(statement, place, value.text.data(), static_cast<int>(value.text.size()),
-                                 SQLITE_STATIC);
+        return sqlite3_bind_text64(statement, place, value.text.data(), value.text.size(), SQLITE_STATIC, SQLITE_UTF8);
     }
     return sqlite3_bind_int64(statement, place, value.integer);
+}
+
+std::string inserting_into(const char* table) {
+    return std::string("insert into ") + table;
 }
 
 int insert_row(_zeb_db_handle_t& handle, const char* table, const zeb_db_content_values_t& content,
@@ -150,39 +138,6 @@ int insert_row(_zeb_db_handle_t& handle, const char* table, const zeb_db_content
         *row_id = sqlite3_last_insert_rowid(handle.connection.get());
     }
     return SQLITE_OK;
-}
-
-column_value& next_value(zeb_db_content_values_t& content) {
-    if (content.count == content.values.size()) {
-        content.values.emplace_back();
-    }
-    return content.values[content.count];
-}
-
-// Counts the next value in, once it is complete.
-void add_value(zeb_db_content_values_t& content, const char* column) {
-    content.columns.append(column, std::strlen(column) + 1);
-    ++content.count;
-}
-
-int put_integer(zeb_db_content_values_t* content, const char* column, sqlite3_int64 integer) {
-    if (content == nullptr || column == nullptr) {
-        return SQLITE_MISUSE;
-    }
-    return guarded([&] {
-        column_value& value = next_value(*content);
-        value.type = value_type::integer;
-        value.integer = integer;
-        add_value(*content, column);
-        return SQLITE_OK;
-    });
-}
-
-sqlite3_int64 same_bits(std::uint64_t value) {
-    sqlite3_int64 integer = 0;
-    static_assert(sizeof integer == sizeof value);
-    std::memcpy(&integer, &value, sizeof integer);
-    return integer;
 }
 
 std::string query_sql(const char* table, const char* const* columns, unsigned column_count, const char* condition,
@@ -236,10 +191,13 @@ int zeb_db_insert(_zeb_db_handle_t* handle, const char* table, zeb_db_content_va
     }
     return guarded([&]() -> int {
         if (transaction_was_lost(*handle)) {
-            return refuse_without_transaction(std::string("insert into ") + table);
+            return refuse_without_transaction(inserting_into(table));
+        }
+        if (values->failure != SQLITE_OK) {
+            return report_failure(values->failure, inserting_into(table) + ": no memory for one of the values");
         }
         const int rc = insert_row(*handle, table, *values, row_id);
-        return rc == SQLITE_OK ? rc : report_failure(handle->connection.get(), rc, std::string("insert into ") + table);
+        return rc == SQLITE_OK ? rc : report_failure(handle->connection.get(), rc, inserting_into(table));
     });
 }
 
@@ -302,42 +260,6 @@ int zeb_db_result_column_uint(zeb_db_result_t* result, unsigned column, std::uin
 
 void zeb_db_free_result(zeb_db_result_t* result) {
     delete result;
-}
-
-zeb_db_content_values_t* zeb_db_get_content_values(void) {
-    return new (std::nothrow) zeb_db_content_values_t;
-}
-
-void zeb_db_content_clear(zeb_db_content_values_t* values) {
-    if (values != nullptr) {
-        values->columns.clear();
-        values->count = 0;
-    }
-}
-
-int zeb_db_content_put_text(zeb_db_content_values_t* values, const char* column, const char* text) {
-    if (values == nullptr || column == nullptr || text == nullptr) {
-        return SQLITE_MISUSE;
-    }
-    return guarded([&] {
-        column_value& value = next_value(*values);
-        value.type = value_type::text;
-        value.text = text;
-        add_value(*values, column);
-        return SQLITE_OK;
-    });
-}
-
-int zeb_db_content_put_uint(zeb_db_content_values_t* values, const char* column, std::uint32_t value) {
-    return put_integer(values, column, sqlite3_int64{value});
-}
-
-int zeb_db_content_put_uint64(zeb_db_content_values_t* values, const char* column, std::uint64_t value) {
-    return put_integer(values, column, same_bits(value));
-}
-
-void zeb_db_free_content_values(zeb_db_content_values_t* values) {
-    delete values;
 }
 
 int zeb_db_begin_transaction(_zeb_db_handle_t* handle) {

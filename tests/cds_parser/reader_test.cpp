@@ -15,8 +15,8 @@
 #include <sstream>
 #include <type_traits>
 
-#include "cds_parser/live_allocations.h"
 #include "cds_parser/setting_names.h"
+#include "support/allocations.h"
 #include "support/changed_tag.h"
 #include "support/noted_element.h"
 #include "support/scratch_file.h"

@@ -3,9 +3,11 @@
 #include <limits>
 
 #include "platform/database_test.h"
+#include "support/allocations.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -182,6 +184,26 @@ TEST_F(WriteDatabase, LogsWhyARowIsRefused) {
     insert("CPU 1", 8);
     EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: insert into Processor: UNIQUE constraint failed: "
                                        "Processor.Socket"));
+}
+
+TEST_F(WriteDatabase, RefusesARowThatLacksAValueForWantOfMemory) {
+    for (long n = 1;; ++n) {
+        {
+            const failing_allocation memory(n);
+            const int put = zeb_db_content_put_text(content.get(), "Socket", "longer than what fits in a string itself");
+            if (!memory.fired()) {
+                break;
+            }
+            EXPECT_EQ(put, SQLITE_NOMEM) << n;
+        }
+        EXPECT_EQ(insert_content(), SQLITE_NOMEM) << n;
+        EXPECT_EQ(log.lines.back(),
+                  "ERROR: inventory database: insert into Processor: no memory for one of the values");
+        zeb_db_content_clear(content.get());
+    }
+    EXPECT_THAT(log.lines, Not(IsEmpty()));
+    EXPECT_EQ(insert_content(), 0);
+    EXPECT_THAT(sockets(), ElementsAre("longer than what fits in a string itself"));
 }
 
 TEST_F(WriteDatabase, RefusesAnUnknownTable) {

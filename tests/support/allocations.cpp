@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "live_allocations.h"
+#include "support/allocations.h"
 
 #include <dlfcn.h>
 
@@ -14,6 +14,9 @@
 namespace {
 
 std::atomic<long> live{0};
+
+// The allocations of this thread until the one that fails; none fails at 0 and below.
+thread_local long until_failure = 0;
 
 template <class Function>
 Function* hidden_by_ours(const char* symbol) {
@@ -31,6 +34,9 @@ void release(void* memory) noexcept {
 void* operator new(std::size_t size) {
     constexpr bool size_is_long = std::is_same_v<std::size_t, unsigned long>;
     static auto* const hidden_new = hidden_by_ours<void*(std::size_t)>(size_is_long ? "_Znwm" : "_Znwj");
+    if (until_failure > 0 && --until_failure == 0) {
+        throw std::bad_alloc();
+    }
     void* const memory = hidden_new(size);
     ++live;
     return memory;
@@ -42,6 +48,18 @@ void operator delete(void* memory) noexcept {
 
 void operator delete(void* memory, std::size_t) noexcept {
     release(memory);
+}
+
+failing_allocation::failing_allocation(long n) {
+    until_failure = n;
+}
+
+failing_allocation::~failing_allocation() {
+    until_failure = 0;
+}
+
+bool failing_allocation::fired() const {
+    return until_failure == 0;
 }
 
 long live_allocations() {
