@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "inventory/input_files.h"
+#include "inventory/short_reads.h"
 #include "support/recording_platform.h"
 #include "support/sandboxed_test.h"
 
@@ -210,7 +211,8 @@ TEST_F(CheckPci, GoesOnWithAnEmptyPciKeyFile) {
 }
 
 TEST_F(CheckPci, GoesOnWhenThePciKeyFileCannotBeRead) {
-    make_shorter_than_its_size(place::pci_keys);
+    write_file(place::pci_keys, words({2, 7, 9}));
+    const short_reads reads(place::pci_keys);
     write_file(place::adapter_keys, words({1, 7}));
     EXPECT_EQ(check(), 0);
     EXPECT_EQ(changed, 0);
@@ -245,7 +247,8 @@ TEST_F(CheckPci, ReleasesTheResultOfAFailedPciQuery) {
 }
 
 TEST_F(CheckPci, DoesNotReadThePciKeyFileWhenThePciQueryFails) {
-    make_shorter_than_its_size(place::pci_keys);
+    write_file(place::pci_keys, words({2, 7, 9}));
+    const short_reads reads(place::pci_keys);
     write_file(place::adapter_keys, words({1, 7}));
     platform.fail_once("zeb_db_query", 1);
     EXPECT_EQ(check(), 0);
@@ -278,7 +281,8 @@ TEST_F(CheckPci, ReleasesTheResultOfAFailedAdapterQuery) {
 }
 
 TEST_F(CheckPci, DoesNotReadTheAdapterKeyFileWhenTheAdapterQueryFails) {
-    make_shorter_than_its_size(place::adapter_keys);
+    write_file(place::adapter_keys, words({1, 7}));
+    const short_reads reads(place::adapter_keys);
     platform.fail_once("zeb_db_query", 2);
     EXPECT_EQ(check(), -1);
     EXPECT_THAT(platform.log, IsEmpty());

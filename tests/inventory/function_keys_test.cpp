@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "inventory/failing_calloc.h"
+#include "inventory/short_reads.h"
 #include "support/recording_platform.h"
 #include "support/sandboxed_test.h"
 
@@ -306,8 +307,8 @@ TEST_F(ReadFunctionKeys, ReadsAReadOnlyFile) {
 }
 
 TEST_F(ReadFunctionKeys, LogsAFileThatGivesFewerBytesThanItsSize) {
-    std::filesystem::remove(place::adapter_keys);
-    make_shorter_than_its_size(place::adapter_keys);
+    write_file(place::adapter_keys, words({3, 1, 2, 3}));
+    const short_reads reads(place::adapter_keys);
     EXPECT_EQ(check(), -1);
     EXPECT_THAT(platform.log, ElementsAre("ERROR: read_fkeys_fromFile: reading /var/DS/inventory.fkey failed!"));
 }

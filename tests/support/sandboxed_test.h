@@ -111,13 +111,6 @@ protected:
 
     static void make_directory(const std::string& path) { std::filesystem::create_directory(path); }
 
-    /// Reading the file gives fewer bytes than its size promises, as files of the kernel's own do.
-    static void make_shorter_than_its_size(const std::string& path) {
-        const std::string kernel_file = "/sys/devices/system/cpu/online";
-        ASSERT_LT(content_of(kernel_file).size(), std::filesystem::file_size(kernel_file));
-        std::filesystem::create_symlink(kernel_file, path);
-    }
-
 private:
     static long open_files() { return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}); }
 
