@@ -2,6 +2,8 @@
 
 #include "database_failure.h"
 
+#include <cstddef>
+#include <cstring>
 #include <string>
 
 #include <vonk_log.h>
@@ -10,30 +12,36 @@
 
 namespace {
 
+constexpr std::size_t longest_text = 1023;
+
+// Of this thread. It has nothing to be destroyed: where memory is out, the C library ends a process in which a thread
+// begins to have something.
 struct first_failure {
-    std::string text;
-    zeb_db_failure_t failure = {SQLITE_OK, nullptr};
+    char text[longest_text + 1];
+    zeb_db_failure_t failure;
 };
 
-thread_local first_failure first;
+thread_local first_failure first = {};
 
 }  // namespace
 
-int note_failure(int code, const std::string& text) {
+int note_failure(int code, const char* text) {
     if (zeb_db_first_failure() == nullptr) {
-        first.text = text;
-        first.failure = {code, first.text.c_str()};
+        first.text[0] = '\0';
+        std::strncat(first.text, text, longest_text);
+        first.failure = {code, first.text};
     }
     return code;
 }
 
-int note_lack_of_memory() {
-    return note_failure(SQLITE_NOMEM, "out of memory");  // short enough to stand in the string itself
+int report_lack_of_memory() {
+    vonk_log::logErr("inventory database: out of memory");
+    return note_failure(SQLITE_NOMEM, "out of memory");
 }
 
 int report_failure(int code, const std::string& text) {
     vonk_log::logErr("inventory database: %s", text.c_str());
-    return note_failure(code, text);
+    return note_failure(code, text.c_str());
 }
 
 int report_failure(sqlite3* connection, int code, const std::string& action) {

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -44,9 +45,14 @@ int prepare_pending_query(_zeb_db_handle_t& handle, statement_ptr& statement) {
     return rc;
 }
 
+// The columns are never null; SQLite gives no text for want of memory.
 template <std::size_t Size>
 void copy_text(sqlite3_stmt* row, int column, char (&target)[Size]) {
-    std::snprintf(target, Size, "%s", reinterpret_cast<const char*>(sqlite3_column_text(row, column)));
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
+    if (text == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::snprintf(target, Size, "%s", text);
 }
 
 int read_pending(_zeb_db_handle_t& handle, std::vector<zebdb_pldm_firmware_pending_entry>& entries) {
@@ -70,6 +76,29 @@ int attach_memory(_zeb_db_handle_t& handle) {
     const int rc = execute(handle, "ATTACH ':memory:' AS memory", "attach the in-memory tables");
     handle.has_memory_tables = rc == SQLITE_OK;
     return rc;
+}
+
+int give_pending(_zeb_db_handle_t& handle, zebdb_pldm_firmware_pending_list& list) {
+    std::vector<zebdb_pldm_firmware_pending_entry> entries;
+    const int rc = read_pending(handle, entries);
+    if (rc != SQLITE_OK) {
+        const std::string text =
+            std::string("cannot read the pending firmware: ") + sqlite3_errmsg(handle.connection.get());
+        vonk_log::logErr("inventory service: %s", text.c_str());
+        return note_failure(rc, text.c_str());
+    }
+    void* copy = nullptr;
+    if (!entries.empty()) {
+        const std::size_t size = entries.size() * sizeof entries.front();
+        copy = std::malloc(size);
+        if (copy == nullptr) {
+            return report_lack_of_memory();
+        }
+        std::memcpy(copy, entries.data(), size);
+    }
+    list.count = static_cast<std::uint32_t>(entries.size());
+    list.entries = copy;
+    return SQLITE_OK;
 }
 
 std::string copy_statements() {
@@ -99,11 +128,13 @@ int parse_aim(_zeb_db_handle_t* handle, unsigned aim_argument) {
     if (handle == nullptr) {
         return SQLITE_MISUSE;
     }
-    const std::string sql =
-        "DELETE FROM PCIAdapter;"
-        "INSERT INTO PCIAdapter (DevKey, PCIFuncKey, AimArgument) SELECT DevKey, MIN(FunKey), " +
-        std::to_string(aim_argument) + " FROM PCIs GROUP BY DevKey ORDER BY DevKey";
-    return execute(*handle, sql.c_str(), "fill PCIAdapter");
+    return guarded([&] {
+        const std::string sql =
+            "DELETE FROM PCIAdapter;"
+            "INSERT INTO PCIAdapter (DevKey, PCIFuncKey, AimArgument) SELECT DevKey, MIN(FunKey), " +
+            std::to_string(aim_argument) + " FROM PCIs GROUP BY DevKey ORDER BY DevKey";
+        return execute(*handle, sql.c_str(), "fill PCIAdapter");
+    });
 }
 
 int agentless_update_inventory_sequence(int kind) {
@@ -115,9 +146,11 @@ int agentless_update_inventory_sequence(int kind) {
     if (handle == nullptr) {
         return SQLITE_CANTOPEN;
     }
-    const std::string sql = "INSERT INTO InventorySequence (Kind, Sequence) VALUES (" + std::to_string(kind) +
-                            ", 1) ON CONFLICT (Kind) DO UPDATE SET Sequence = Sequence + 1";
-    return execute(*handle, sql.c_str(), "raise the inventory sequence");
+    return guarded([&] {
+        const std::string sql = "INSERT INTO InventorySequence (Kind, Sequence) VALUES (" + std::to_string(kind) +
+                                ", 1) ON CONFLICT (Kind) DO UPDATE SET Sequence = Sequence + 1";
+        return execute(*handle, sql.c_str(), "raise the inventory sequence");
+    });
 }
 
 int rebuild_tables_in_memory(_zeb_db_handle_t* handle) {
@@ -128,7 +161,7 @@ int rebuild_tables_in_memory(_zeb_db_handle_t* handle) {
     if (rc != SQLITE_OK) {
         return rc;
     }
-    rc = execute(*handle, copy_statements().c_str(), "rebuild the in-memory tables");
+    rc = guarded([&] { return execute(*handle, copy_statements().c_str(), "rebuild the in-memory tables"); });
     if (rc != SQLITE_OK) {
         execute(*handle, "ROLLBACK TO rebuild; RELEASE rebuild", "keep the in-memory tables");
     }
@@ -140,24 +173,5 @@ int zebdb_get_pldm_firmware_pending_list(zebdb_pldm_firmware_pending_list* list)
     if (list == nullptr || handle == nullptr) {
         return SQLITE_MISUSE;
     }
-    std::vector<zebdb_pldm_firmware_pending_entry> entries;
-    const int rc = read_pending(*handle, entries);
-    if (rc != SQLITE_OK) {
-        const std::string text =
-            std::string("cannot read the pending firmware: ") + sqlite3_errmsg(handle->connection.get());
-        vonk_log::logErr("inventory service: %s", text.c_str());
-        return note_failure(rc, text);
-    }
-    void* copy = nullptr;
-    if (!entries.empty()) {
-        const std::size_t size = entries.size() * sizeof entries.front();
-        copy = std::malloc(size);
-        if (copy == nullptr) {
-            return note_lack_of_memory();
-        }
-        std::memcpy(copy, entries.data(), size);
-    }
-    list->count = static_cast<std::uint32_t>(entries.size());
-    list->entries = copy;
-    return SQLITE_OK;
+    return guarded([&] { return give_pending(*handle, *list); });
 }

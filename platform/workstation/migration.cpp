@@ -2,12 +2,12 @@
 
 #include "migration.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
 
 #include "schema.h"
+#include "zeb_db_handle.h"
 #include "zeb_db_workstation.h"
 
 namespace {
@@ -18,12 +18,14 @@ std::optional<refusal> run(sqlite3* connection, const std::string& sql) {
 }
 
 std::optional<refusal> read_version(sqlite3* connection, int& version) {
-    const auto keep = [](void* kept, int, char** values, char**) {
-        *static_cast<int*>(kept) = static_cast<int>(std::strtol(values[0], nullptr, 10));
-        return 0;
-    };
-    const int rc = sqlite3_exec(connection, "PRAGMA user_version", keep, &version, nullptr);
-    return rc == SQLITE_OK ? std::nullopt : std::optional(refused_by_sqlite(connection, rc));
+    sqlite3_stmt* prepared = nullptr;
+    sqlite3_prepare_v2(connection, "PRAGMA user_version", -1, &prepared, nullptr);
+    const statement_ptr row(prepared);
+    if (sqlite3_step(row.get()) != SQLITE_ROW) {
+        return refused_by_sqlite(connection, sqlite3_errcode(connection));
+    }
+    version = sqlite3_column_int(row.get(), 0);
+    return std::nullopt;
 }
 
 bool lacks_steps(const database_schema& schema, int version) {

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 
 namespace vonk_log {
@@ -48,11 +49,14 @@ __attribute__((format(printf, 1, 0))) std::string formatted(const char* format, 
 }
 
 __attribute__((format(printf, 2, 0))) void log(level at, const char* format, va_list arguments) {
-    const std::string text = formatted(format, arguments);
     if (current_sink != nullptr) {
-        current_sink(current_context, at, text.c_str());
-    } else {
-        write(at, text.c_str());
+        current_sink(current_context, at, formatted(format, arguments).c_str());
+        return;
+    }
+    try {
+        write(at, formatted(format, arguments).c_str());
+    } catch (const std::bad_alloc&) {
+        std::fputs("ERROR: no memory for a line of the log\n", stderr);
     }
 }
 

@@ -54,7 +54,7 @@ int zeb_db_open(const char* path, _zeb_db_handle_t** handle) {
         if (const auto problem = open_connection(path, *opened)) {
             const std::string text = std::string("cannot open inventory database '") + path + "': " + problem->reason;
             vonk_log::logErr("%s", text.c_str());
-            return note_failure(problem->code, text);
+            return note_failure(problem->code, text.c_str());
         }
         *handle = opened.release();
         return SQLITE_OK;

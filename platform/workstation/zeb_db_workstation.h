@@ -31,7 +31,7 @@ void zeb_db_close(_zeb_db_handle_t* handle);
 /// Something that a database could not do.
 struct zeb_db_failure_t {
     int code;          ///< what the call returned
-    const char* text;  ///< for people, in one line or more: "insert into PCIs: database or disk is full"
+    const char* text;  ///< for people, at most 1023 bytes, maybe lines: "insert into PCIs: database or disk is full"
 };
 
 /// The first failure in this thread since the last call of zeb_db_forget_failure(), or null; those that follow are its

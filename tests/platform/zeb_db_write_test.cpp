@@ -190,7 +190,8 @@ TEST_F(WriteDatabase, RefusesARowThatLacksAValueForWantOfMemory) {
     for (long n = 1;; ++n) {
         {
             const failing_allocation memory(n);
-            const int put = zeb_db_content_put_text(content.get(), "Socket", "longer than what fits in a string itself");
+            const int put =
+                zeb_db_content_put_text(content.get(), "Socket", "longer than what fits in a string itself");
             if (!memory.fired()) {
                 break;
             }
