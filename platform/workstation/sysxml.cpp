@@ -39,6 +39,7 @@ struct reading {
     xmlParserCtxtPtr parser = nullptr;  // of the stream; an entity's text is read by a parser of its own
     int stream_error = 0;               // of the system, when the stream failed
     bool stream_failed = false;         // the stream itself, not the text in it
+    bool lacked_memory = false;         // for something that the document would have
     std::string problem;                // the first one, or the first one that a document is refused for
     bool is_refused = false;            // for that problem
     place where;                        // of the problem
@@ -81,11 +82,19 @@ bool refuses_document(const xmlError& error) {
            error.domain == XML_FROM_I18N;
 }
 
+// No exception passes through libxml2.
 void take_error(void* context, xmlErrorPtr error) {
-    if (error->level >= XML_ERR_ERROR) {
+    reading& state = reading_of(context);
+    state.lacked_memory = state.lacked_memory || error->code == XML_ERR_NO_MEMORY;
+    if (error->level < XML_ERR_ERROR) {
+        return;
+    }
+    try {
         std::string text = error->message == nullptr ? "unknown error" : error->message;
         text.erase(text.find_last_not_of("\r\n") + 1);
-        keep_first_problem(reading_of(context), text, refuses_document(*error));
+        keep_first_problem(state, text, refuses_document(*error));
+    } catch (const std::bad_alloc&) {
+        state.lacked_memory = true;
     }
 }
 
@@ -97,8 +106,12 @@ void declare_entity(void* context, const xmlChar* name, int type, const xmlChar*
         return;
     }
     reading& state = reading_of(context);
-    keep_first_problem(state, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused",
-                       true);
+    try {
+        keep_first_problem(
+            state, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused", true);
+    } catch (const std::bad_alloc&) {
+        state.lacked_memory = true;
+    }
     auto* parser = static_cast<xmlParserCtxtPtr>(context);
     parser->wellFormed = 0;
     xmlStopParser(parser);
@@ -161,9 +174,10 @@ context_ptr make_context(reading& state) {
                      0, 0);
 }
 
-[[noreturn]] void throw_problem(const reading& state) {
+// `otherwise` stands for a problem that libxml2 does not tell.
+[[noreturn]] void throw_problem(const reading& state, const char* otherwise) {
     const auto [line, column] = state.where;
-    const std::string problem = state.problem.empty() ? "the input is no XML document" : state.problem;
+    const std::string problem = state.problem.empty() ? otherwise : state.problem;
     const std::string prefix =
         line == 0 ? "" : "line " + std::to_string(line) + ", column " + std::to_string(column) + ": ";
     throw read_error(prefix + problem, line, column);
@@ -182,8 +196,9 @@ doc_ptr read_document(std::istream& in, bool recover) {
         throw_unreadable(state.stream_error);
     }
     in.clear(in.rdstate() & ~std::ios::failbit);  // the last block is shorter than what was asked for
-    if (doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
-        throw_problem(state);
+    const bool lacked_memory = state.lacked_memory || context->errNo == XML_ERR_NO_MEMORY;  // then it may lack a part
+    if (lacked_memory || doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
+        throw_problem(state, lacked_memory ? "out of memory" : "the input is no XML document");
     }
     return doc;
 }
