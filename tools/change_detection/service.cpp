@@ -35,6 +35,9 @@ void read_sequences(_zeb_db_handle_t* handle, inventory_marks& marks) {
         zeb_db_result_column_uint(rows.get(), 1, &sequence);
         (kind == 0 ? marks.system : marks.pci).sequence = sequence;
     }
+    if (log.database_failure()) {
+        throw failure(log.problem());
+    }
 }
 
 // An inventory whose digest is what it was is reported as changed only for want of a new one.

@@ -6,9 +6,11 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -49,7 +51,16 @@ std::string megabytes(off_t bytes) {
 
 progress::progress(const struct stat& file) : file_(file) {
     if (S_ISREG(file.st_mode) && file.st_size >= large_file && is_terminal(STDERR_FILENO)) {
+        start();
+    }
+}
+
+// Without a thread there is no line.
+void progress::start() {
+    try {
         thread_ = std::thread([this] { run(); });
+    } catch (const std::exception&) {
+        return;
     }
 }
 
@@ -66,11 +77,16 @@ progress::~progress() {
     clear();
 }
 
+// The line goes no further when memory is out.
 void progress::run() {
     std::unique_lock<std::mutex> lock(mutex_);
-    do {
-        draw();
-    } while (!wake_.wait_for(lock, redraw_interval, [this] { return done_; }));
+    try {
+        do {
+            draw();
+        } while (!wake_.wait_for(lock, redraw_interval, [this] { return done_; }));
+    } catch (const std::bad_alloc&) {
+        return;
+    }
 }
 
 void progress::draw() {

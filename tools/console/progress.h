@@ -29,6 +29,7 @@ public:
     }
 
 private:
+    void start();
     void run();
     void draw();
     void clear();

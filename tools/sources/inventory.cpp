@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -32,10 +33,22 @@ bool is_unsigned(const inventory_kind& kind, const std::string& name) {
     });
 }
 
+// SQLite gives no text for nothing, and for want of memory.
 std::string text_at(sqlite3_stmt* row, int column) {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(row, column));
     const auto length = static_cast<std::size_t>(sqlite3_column_bytes(row, column));
-    return length == 0 ? std::string() : std::string(bytes, length);
+    if (bytes == nullptr && sqlite3_errcode(sqlite3_db_handle(row)) == SQLITE_NOMEM) {
+        throw std::bad_alloc();
+    }
+    return bytes == nullptr ? std::string() : std::string(bytes, length);
+}
+
+std::string name_of(sqlite3_stmt* row, int column) {
+    const char* name = sqlite3_column_name(row, column);
+    if (name == nullptr) {
+        throw std::bad_alloc();
+    }
+    return repaired_utf8(name);
 }
 
 inventory_value value_at(sqlite3_stmt* row, int column, bool is_unsigned) {
@@ -137,7 +150,7 @@ inventory_table inventory::table_of(const inventory_kind& kind, const statement_
     std::vector<bool> unsigned_columns;
     const int columns = sqlite3_column_count(rows.get());
     for (int column = 0; column < columns; ++column) {
-        table.columns.push_back(repaired_utf8(sqlite3_column_name(rows.get(), column)));
+        table.columns.push_back(name_of(rows.get(), column));
         unsigned_columns.push_back(is_unsigned(kind, table.columns.back()));
     }
     while (step(rows)) {

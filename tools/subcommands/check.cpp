@@ -49,7 +49,8 @@ int check(const check_options& options) {
     int changed = 0;
     {
         const library_log log;
-        if (check_pci(options.first.c_str(), options.second.c_str(), &changed) != 0) {
+        const int result = check_pci(options.first.c_str(), options.second.c_str(), &changed);
+        if (result != 0 || log.database_failure()) {  // else keys that were not read count as vanished
             throw failure("cannot tell whether the inventory changed: " +
                           reason_for_no_answer(options.first, options.second, log));
         }

@@ -2,10 +2,12 @@
 
 #include "topology/pci_names.h"
 
+#include <cerrno>
 #include <csetjmp>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -73,8 +75,12 @@ std::optional<std::string> pci_names::look_up(int what, id vendor, id device) {
     }
     char buffer[longest_name];
     bool failed = false;
+    errno = 0;
     const char* name =
         look_up_in(access_.get(), buffer, what, static_cast<int>(*vendor), static_cast<int>(*device), failed);
+    if (failed && errno == ENOMEM) {
+        throw std::bad_alloc();
+    }
     if (failed) {
         access_.reset();  // the names that were read before the error are not all there are
     }
