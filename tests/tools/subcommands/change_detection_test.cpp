@@ -51,6 +51,13 @@ TEST_F(ChangeDetection, CheckNamesTheSecondFileWhenThatChanged) {
     EXPECT_EQ(result.out, "changed\n  'other.bin' differs from its saved digest\n");
 }
 
+TEST_F(ChangeDetection, CheckHasNoAnswerWhenATableCannotBeRead) {
+    refresh_and_save();
+    execute("inventory.db", "DROP TABLE PCIs");
+    expect_refused("check server.xml other.bin",
+                   "cannot tell whether the inventory changed: query PCIs: no such table: PCIs");
+}
+
 TEST_F(ChangeDetection, CheckNamesTheKeyThatHasVanished) {
     refresh_and_save();
     execute("inventory.db", "DELETE FROM PCIs WHERE BusNo = 2");
