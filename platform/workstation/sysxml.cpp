@@ -25,6 +25,11 @@
 namespace sysxml {
 namespace {
 
+// Of one element, and of the namespaces that an element can name: libxml2 compares each with all others.
+constexpr int most_attributes = 1000;
+// That the document declares: those with defaults are added to every element of their name.
+constexpr int most_declared_attributes = 20;
+
 // In the stream, counted from 1; zeros are none.
 struct place {
     int line = 0;
@@ -40,9 +45,11 @@ struct reading {
     int stream_error = 0;               // of the system, when the stream failed
     bool stream_failed = false;         // the stream itself, not the text in it
     bool lacked_memory = false;         // for something that the document would have
-    std::string problem;                // the first one, or the first one that a document is refused for
-    bool is_refused = false;            // for that problem
-    place where;                        // of the problem
+    bool is_stopped = false;            // before its end, for what stands in it
+    int declared_attributes = 0;
+    std::string problem;      // the first one, or the first one that a document is refused for
+    bool is_refused = false;  // for that problem
+    place where;              // of the problem
 };
 
 struct context_deleter {
@@ -82,20 +89,39 @@ bool refuses_document(const xmlError& error) {
            error.domain == XML_FROM_I18N;
 }
 
+// Reads no further.
+void stop(reading& state, const std::string& problem) {
+    keep_first_problem(state, problem, true);
+    state.is_stopped = true;
+}
+
+// The same for what the parser has found; it may be that of an entity's text.
+void stop(xmlParserCtxtPtr parser, const std::string& problem) {
+    stop(reading_of(parser), problem);
+    parser->wellFormed = 0;
+    xmlStopParser(parser);
+}
+
 // No exception passes through libxml2.
-void take_error(void* context, xmlErrorPtr error) {
-    reading& state = reading_of(context);
-    state.lacked_memory = state.lacked_memory || error->code == XML_ERR_NO_MEMORY;
-    if (error->level < XML_ERR_ERROR) {
-        return;
-    }
+template <class Body>
+void guarded(void* context, Body body) {
     try {
-        std::string text = error->message == nullptr ? "unknown error" : error->message;
-        text.erase(text.find_last_not_of("\r\n") + 1);
-        keep_first_problem(state, text, refuses_document(*error));
+        body(static_cast<xmlParserCtxtPtr>(context));
     } catch (const std::bad_alloc&) {
-        state.lacked_memory = true;
+        reading_of(context).lacked_memory = true;
     }
+}
+
+void take_error(void* context, xmlErrorPtr error) {
+    guarded(context, [error](xmlParserCtxtPtr parser) {
+        reading& state = reading_of(parser);
+        state.lacked_memory = state.lacked_memory || error->code == XML_ERR_NO_MEMORY;
+        if (error->level >= XML_ERR_ERROR) {
+            std::string text = error->message == nullptr ? "unknown error" : error->message;
+            text.erase(text.find_last_not_of("\r\n") + 1);
+            keep_first_problem(state, text, refuses_document(*error));
+        }
+    });
 }
 
 // An entity that stands in another file would be read from there; a document is the text of its stream alone.
@@ -105,16 +131,44 @@ void declare_entity(void* context, const xmlChar* name, int type, const xmlChar*
         xmlSAX2EntityDecl(context, name, type, public_id, system_id, content);
         return;
     }
-    reading& state = reading_of(context);
-    try {
-        keep_first_problem(
-            state, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused", true);
-    } catch (const std::bad_alloc&) {
-        state.lacked_memory = true;
+    guarded(context, [name](xmlParserCtxtPtr parser) {
+        stop(parser, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused");
+    });
+}
+
+void declare_attribute(void* context, const xmlChar* element, const xmlChar* name, int type, int default_type,
+                       const xmlChar* default_value, xmlEnumerationPtr values) {
+    xmlSAX2AttributeDecl(context, element, name, type, default_type, default_value, values);
+    guarded(context, [](xmlParserCtxtPtr parser) {
+        if (++reading_of(parser).declared_attributes > most_declared_attributes) {
+            stop(parser, "more than " + std::to_string(most_declared_attributes) + " attributes are declared");
+        }
+    });
+}
+
+bool has_too_many_attributes(const xmlParserCtxt& parser, int attributes) {
+    return attributes > most_attributes || parser.nsNr / 2 > most_attributes;
+}
+
+std::string too_many_attributes() {
+    return "an element has more than " + std::to_string(most_attributes) + " attributes or namespaces";
+}
+
+void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespace_count,
+                   const xmlChar** namespaces, int attribute_count, int defaulted_count, const xmlChar** attributes) {
+    if (!has_too_many_attributes(*static_cast<xmlParserCtxtPtr>(context), attribute_count)) {
+        xmlSAX2StartElementNs(context, name, prefix, uri, namespace_count, namespaces, attribute_count, defaulted_count,
+                              attributes);
+        return;
     }
-    auto* parser = static_cast<xmlParserCtxtPtr>(context);
-    parser->wellFormed = 0;
-    xmlStopParser(parser);
+    guarded(context, [](xmlParserCtxtPtr parser) { stop(parser, too_many_attributes()); });
+}
+
+// The tag that is being read, which its start has not been told of. Of its attributes the parser has room for twice as
+// many as there were when it needed more, five places for each.
+bool grows_beyond_limits(const xmlParserCtxt& parser) {
+    const int least = parser.maxatts / 5 / 2 - 1;
+    return has_too_many_attributes(parser, least);
 }
 
 // Whether the stream is sound after reading on, also at its end. One that was told to throw passes on whatever its
@@ -131,6 +185,10 @@ bool read_on(std::istream& in, char* buffer, int size) {
 // A stream that fails ends the input here; it is reported once libxml2 is done.
 int read_block(void* opaque, char* buffer, int size) {
     auto& state = *static_cast<reading*>(opaque);
+    if (grows_beyond_limits(*state.parser)) {
+        guarded(state.parser, [&state](xmlParserCtxtPtr) { stop(state, too_many_attributes()); });
+        return 0;
+    }
     errno = 0;
     if (!read_on(state.in, buffer, size)) {
         state.stream_error = errno;
@@ -165,6 +223,8 @@ context_ptr make_context(reading& state) {
     state.parser = context.get();
     context->sax->serror = take_error;
     context->sax->entityDecl = declare_entity;
+    context->sax->attributeDecl = declare_attribute;
+    context->sax->startElementNs = start_element;
     return context;
 }
 
@@ -197,7 +257,7 @@ doc_ptr read_document(std::istream& in, bool recover) {
     }
     in.clear(in.rdstate() & ~std::ios::failbit);  // the last block is shorter than what was asked for
     const bool lacked_memory = state.lacked_memory || context->errNo == XML_ERR_NO_MEMORY;  // then it may lack a part
-    if (lacked_memory || doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
+    if (lacked_memory || state.is_stopped || doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
         throw_problem(state, lacked_memory ? "out of memory" : "the input is no XML document");
     }
     return doc;

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <ctime>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -22,7 +23,9 @@
 #include "support/captured_stderr.h"
 #include "support/scratch_folder.h"
 
+using testing::AllOf;
 using testing::Each;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Le;
 using testing::Not;
@@ -67,6 +70,15 @@ std::string nested(int levels) {
         xml += "</a>";
     }
     return xml;
+}
+
+/// `name` with a number behind it and then `rest`, so many times.
+std::string numbered(int times, const std::string& name, const std::string& rest) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += name + std::to_string(i) + rest;
+    }
+    return text;
 }
 
 /// A stream buffer over a text that notes how much is asked of it at a time, and may fail where the text ends.
@@ -473,6 +485,50 @@ const char* const broken_japanese = "<?xml version='1.0' encoding='EUC-JP'?>\n<a
 TEST(XmlDocument, RefusesBytesThatAreNoTextOfTheDeclaredEncoding) {
     EXPECT_EQ(outcome(broken_japanese),
               "line 1, column 38: input conversion failed due to input error, bytes 0xFF 0x3C 0x2F 0x61");
+}
+
+TEST(XmlDocument, TakesAThousandAttributes) {
+    EXPECT_EQ(outcome("<a" + numbered(1000, " b", "=''") + "/>"), "read");
+}
+
+TEST(XmlDocument, TakesElementsWithAThousandAttributesOneAfterTheOther) {
+    const std::string element = "<a" + numbered(1000, " b", "=''") + "/>";
+    EXPECT_EQ(outcome("<r>" + element + element + element + "</r>"), "read");
+}
+
+TEST(XmlDocument, RefusesMoreAttributesOfAnElement) {
+    EXPECT_THAT(
+        outcome("<a" + numbered(1001, " b", "=''") + "/>"),
+        AllOf(StartsWith("line 1, column "), EndsWith(": an element has more than 1000 attributes or namespaces")));
+}
+
+TEST(XmlDocument, RefusesMoreAttributesOfAnElementWhenItRecovers) {
+    EXPECT_THAT(outcome("<r>text<a" + numbered(1001, " b", "=''") + "/></r>", true),
+                HasSubstr("an element has more than 1000 attributes"));
+}
+
+TEST(XmlDocument, RefusesMoreNamespacesThatAnElementCanName) {
+    std::string xml;
+    for (int depth = 0; depth < 11; ++depth) {
+        xml += "<a" + numbered(100, " xmlns:b" + std::to_string(depth) + '_', "='n'") + '>';
+    }
+    EXPECT_THAT(outcome(xml), HasSubstr("an element has more than 1000 attributes or namespaces"));
+}
+
+TEST(XmlDocument, RefusesMoreThanTwentyDeclaredAttributes) {
+    const auto document = [](int attributes) {
+        return "<!DOCTYPE a [<!ATTLIST a" + numbered(attributes, " b", " CDATA 'c'") + ">]><a/>";
+    };
+    EXPECT_EQ(outcome(document(20)), "read");
+    EXPECT_THAT(outcome(document(21)), HasSubstr("more than 20 attributes are declared"));
+}
+
+// With the time that it takes, of a processor, for libxml2 compares each attribute with all others.
+TEST(XmlDocument, RefusesElementsOfManyAttributesAtOnce) {
+    const std::string element = "<a" + numbered(200000, " b", "=''");
+    const std::clock_t start = std::clock();
+    EXPECT_THAT(outcome(element), HasSubstr("an element has more than 1000 attributes"));
+    EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC);
 }
 
 TEST(XmlDocument, KeepsWhatCouldBeReadWhenItRecovers) {
