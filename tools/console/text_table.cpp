@@ -19,18 +19,20 @@ namespace {
 constexpr const char* gap = "  ";
 constexpr std::size_t gap_width = 2;
 constexpr std::size_t narrowest = 8;
+constexpr std::size_t longest_aligned = 100;  // longer cells stand out, or one of them would make every line as long
 
-std::size_t width_of(const text_column& column) {
+std::size_t width_of(const text_column& column, std::size_t limit) {
     std::size_t width = length_of(column.heading);
     for (const std::string& cell : column.cells) {
-        width = std::max(width, length_of(cell));
+        width = std::max(width, std::min(length_of(cell), limit));
     }
     return width;
 }
 
-std::vector<std::size_t> natural_widths(const std::vector<text_column>& columns) {
+std::vector<std::size_t> natural_widths(const std::vector<text_column>& columns, std::size_t limit) {
     std::vector<std::size_t> widths;
-    std::transform(columns.begin(), columns.end(), std::back_inserter(widths), width_of);
+    std::transform(columns.begin(), columns.end(), std::back_inserter(widths),
+                   [limit](const text_column& column) { return width_of(column, limit); });
     return widths;
 }
 
@@ -59,7 +61,7 @@ void fit(std::vector<std::size_t>& widths, const std::vector<text_column>& colum
 }
 
 std::string padded(const std::string& cell, std::size_t width, alignment aligned) {
-    const std::string blanks(width - length_of(cell), ' ');
+    const std::string blanks(width - std::min(width, length_of(cell)), ' ');
     return aligned == alignment::left ? cell + blanks : blanks + cell;
 }
 
@@ -68,8 +70,10 @@ std::string line(const std::vector<text_column>& columns, const std::vector<std:
                  const text_style& style, CellOf cell_of) {
     std::string text;
     for (std::size_t i = 0; i < columns.size(); ++i) {
+        const std::string cell = cell_of(columns[i]);
+        const bool may_be_cut = style.width != 0 && columns[i].may_shrink;
         text += (i == 0 ? "" : gap) +
-                padded(cut_text(cell_of(columns[i]), widths[i], style), widths[i], columns[i].aligned);
+                padded(may_be_cut ? cut_text(cell, widths[i], style) : cell, widths[i], columns[i].aligned);
     }
     return text.erase(text.find_last_not_of(' ') + 1);
 }
@@ -95,7 +99,7 @@ std::string heading_text(const std::string& heading, const text_style& style) {
 }
 
 std::string table_text(const std::vector<text_column>& columns, const text_style& style) {
-    std::vector<std::size_t> widths = natural_widths(columns);
+    std::vector<std::size_t> widths = natural_widths(columns, std::max(longest_aligned, style.width));
     if (style.width != 0) {
         fit(widths, columns, style.width);
     }

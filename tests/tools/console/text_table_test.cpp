@@ -32,6 +32,19 @@ TEST(TextTable, CountsCharactersAndNotBytes) {
               "x   2\n");
 }
 
+TEST(TextTable, AlignsCellsOfAHundredCharactersAndLetsLongerOnesStandOut) {
+    const std::string aligned(100, 'a');
+    const std::string longer(101, 'b');
+    EXPECT_EQ(
+        table_text({{"A", left, false, {"1", aligned, longer}}, {"B", left, false, {"2", "3", "4"}}}, {}),
+        "A" + std::string(101, ' ') + "B\n1" + std::string(101, ' ') + "2\n" + aligned + "  3\n" + longer + "  4\n");
+}
+
+TEST(TextTable, CutsNoColumnThatMayNotShrink) {
+    const std::string longer(101, 'b');
+    EXPECT_EQ(table_text({{"A", left, false, {longer}}}, of_width(50)), "A\n" + longer + '\n');
+}
+
 TEST(TextTable, EndsLinesWithoutBlanks) {
     EXPECT_EQ(table_text({{"A", left, false, {"1"}}, {"B", left, false, {""}}}, {}), "A  B\n1\n");
 }
