@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <sstream>
 #include <string>
 
 namespace {
@@ -65,6 +66,12 @@ decoded decode(const std::string& text, std::size_t place) {
     return {0, 0};
 }
 
+__attribute__((format(printf, 1, 0))) std::string hexadecimal(const char* format, std::uint32_t number) {
+    char text[8];
+    std::snprintf(text, sizeof text, format, static_cast<unsigned>(number));
+    return text;
+}
+
 std::string escaped(std::uint32_t control) {
     switch (control) {
         case '\t':
@@ -74,9 +81,7 @@ std::string escaped(std::uint32_t control) {
         case '\r':
             return "\\r";
         default:
-            char text[8];
-            std::snprintf(text, sizeof text, control < 0x100 ? "\\x%02x" : "\\u%04x", static_cast<unsigned>(control));
-            return text;
+            return hexadecimal(control < 0x100 ? "\\x%02x" : "\\u%04x", control);
     }
 }
 
@@ -85,6 +90,22 @@ bool is_control(std::uint32_t character) {
     const bool turns_direction =
         (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
     return character < 0x20 || (character >= 0x7F && character < 0xA0) || turns_direction;
+}
+
+// UTF-8 `text` with those characters that `is_written` chooses as `write` writes them.
+template <class Choose, class Write>
+std::string with_characters(const std::string& text, Choose is_written, Write write) {
+    std::string result;
+    for (std::size_t place = 0; place < text.size();) {
+        const decoded next = decode(text, place);
+        if (is_written(next.character)) {
+            result += write(next.character);
+        } else {
+            result.append(text, place, next.length);
+        }
+        place += next.length;
+    }
+    return result;
 }
 
 }  // namespace
@@ -105,18 +126,23 @@ std::string repaired_utf8(const std::string& text) {
 }
 
 std::string printable(const std::string& text) {
-    const std::string repaired = repaired_utf8(text);
+    return with_characters(
+        repaired_utf8(text), [](std::uint32_t character) { return is_control(character); }, escaped);
+}
+
+std::string printable_lines(const std::string& text) {
     std::string shown;
-    for (std::size_t place = 0; place < repaired.size();) {
-        const decoded next = decode(repaired, place);
-        if (is_control(next.character)) {
-            shown += escaped(next.character);
-        } else {
-            shown.append(repaired, place, next.length);
-        }
-        place += next.length;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        shown += printable(line) + '\n';
     }
     return shown;
+}
+
+std::string harmless_json(const std::string& text) {
+    const auto is_left_by_json = [](std::uint32_t character) { return character >= 0x20 && is_control(character); };
+    return with_characters(text, is_left_by_json,
+                           [](std::uint32_t control) { return hexadecimal("\\u%04x", control); });
 }
 
 std::size_t length_of(const std::string& text) {

@@ -14,6 +14,13 @@ std::string repaired_utf8(const std::string& text);
 /// or \u202e, so that it stays on its line, cannot steer a terminal and looks like what it is.
 std::string printable(const std::string& text);
 
+/// The same for each line of `text`. The last one ends, too.
+std::string printable_lines(const std::string& text);
+
+/// JSON `text` with those characters of its strings that printable() would write otherwise as \u009b or \u202e, which
+/// means the same.
+std::string harmless_json(const std::string& text);
+
 /// How many characters UTF-8 `text` has.
 std::size_t length_of(const std::string& text);
 

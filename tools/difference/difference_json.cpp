@@ -111,5 +111,5 @@ std::string difference_json(const std::vector<table_difference>& differences) {
     for (const table_difference& difference : differences) {
         document[difference.new_table.kind->name] = difference_of_kind_json(difference);
     }
-    return document.dump(2) + '\n';
+    return json_text(document);
 }

@@ -118,5 +118,5 @@ std::string explanation_json(const std::vector<explanation>& explanations) {
     for (const explanation& told : explanations) {
         document["components"].push_back(explanation_object(told));
     }
-    return document.dump(2) + '\n';
+    return json_text(document);
 }

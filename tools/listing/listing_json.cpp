@@ -25,5 +25,5 @@ std::string listing_json(const std::vector<inventory_table>& tables) {
             rows.push_back(row_json(table, row));
         }
     }
-    return document.dump(2) + '\n';
+    return json_text(document);
 }

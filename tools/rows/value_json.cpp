@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "console/utf8.h"
 #include "rows/table.h"
 
 using json = nlohmann::ordered_json;
@@ -29,4 +30,8 @@ json row_json(const inventory_table& table, std::size_t place) {
         object[table.columns[column]] = value_json(row[column]);
     }
     return object;
+}
+
+std::string json_text(const json& document) {
+    return harmless_json(document.dump(2, ' ', false, json::error_handler_t::replace)) + '\n';
 }

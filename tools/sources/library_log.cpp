@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <sstream>
 #include <string>
 
 #include <vonk_log_workstation.h>
@@ -15,16 +14,6 @@
 #include "sources/database_file.h"
 
 namespace {
-
-// Its lines stay lines.
-std::string printable_lines(const std::string& text) {
-    std::string shown;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        shown += printable(line) + '\n';
-    }
-    return shown;
-}
 
 std::string on_one_line(std::string text) {
     std::replace(text.begin(), text.end(), '\n', ' ');

@@ -2,16 +2,20 @@
 
 // zebdb-cds show: prints what an inventory database holds.
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <memory>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/text_table.h"
+#include "console/utf8.h"
 #include "listing/listing_formats.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
@@ -64,6 +68,17 @@ std::vector<inventory_table> read_tables(const show_options& options) {
     return tables;
 }
 
+// CSV has no escapes.
+void make_printable(inventory_table& table) {
+    for (std::vector<inventory_value>& row : table.rows) {
+        for (inventory_value& value : row) {
+            if (auto* text = std::get_if<std::string>(&value)) {
+                *text = printable(*text);
+            }
+        }
+    }
+}
+
 int show(const show_options& options) {
     const auto write = options.format.writer();
     if (write == listing_csv && options.kind.empty()) {
@@ -72,6 +87,9 @@ int show(const show_options& options) {
     std::vector<inventory_table> tables = read_tables(options);
     if (options.redact) {
         std::for_each(tables.begin(), tables.end(), redact);
+    }
+    if (write == listing_csv && is_terminal(STDOUT_FILENO)) {
+        std::for_each(tables.begin(), tables.end(), make_printable);
     }
     print(write(tables));
     return status_done;

@@ -114,5 +114,5 @@ void write_topology_json(const std::vector<pci_part>& parts, std::ostream& out) 
     for (const pci_part& part : parts) {
         document["parts"].push_back(part_json(part));
     }
-    out << document.dump(2) << '\n';
+    out << json_text(document);
 }

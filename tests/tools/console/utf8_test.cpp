@@ -65,3 +65,15 @@ TEST(FirstCharacters, CutsBetweenCharacters) {
 TEST(FirstCharacters, TakesAStrayByteForACharacter) {
     EXPECT_EQ(first_characters("a\xFFz", 2), "a\xFF");
 }
+
+TEST(PrintableLines, AreThoseOfTheText) {
+    EXPECT_EQ(printable_lines("a\x1b\n\nb\r\n"), "a\\x1b\n\nb\\r\n");
+}
+
+TEST(HarmlessJson, EscapesWhatJsonLeaves) {
+    EXPECT_EQ(harmless_json("\"\u202e\u009b\x7f\u00e9\u2069\""), "\"\\u202e\\u009b\\u007f\u00e9\\u2069\"");
+}
+
+TEST(HarmlessJson, KeepsItsLines) {
+    EXPECT_EQ(harmless_json("{\n  \"a\": 1\n}"), "{\n  \"a\": 1\n}");
+}

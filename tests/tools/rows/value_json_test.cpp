@@ -18,3 +18,7 @@ TEST(RowJson, HasEveryColumnInTheOrderOfTheTable) {
     const inventory_table table = {&kinds::memory, {"Id", "DevLocator", "ArrayId"}, {{std::int64_t{1}, "A1", {}}}};
     EXPECT_EQ(row_json(table, 0).dump(), R"({"Id":1,"DevLocator":"A1","ArrayId":null})");
 }
+
+TEST(JsonText, IsHarmlessWhateverIsInIt) {
+    EXPECT_EQ(json_text("\u202e\x1b\xff"), "\"\\u202e\\u001b\uFFFD\"\n");
+}

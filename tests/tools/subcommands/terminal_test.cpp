@@ -129,3 +129,23 @@ TEST_F(Terminal, GetsTheSameJsonAsAFile) {
     ASSERT_EQ(run("zebdb-cds load processor.xml").status, 0);
     EXPECT_EQ(on_terminal("zebdb-cds show --format json"), run("zebdb-cds show --format json").out);
 }
+
+TEST_F(Terminal, IsNotSteeredByCsvAndDumps) {
+    write("steering.xml", cds_file(cds_component("cpu_info", {text("Socket Designation", "a\u202eb\u009bc"),
+                                                              integer("Core Count", "1")})));
+    const std::string shown = on_terminal(
+        "zebdb-cds load steering.xml >/dev/null 2>&1; zebdb-cds dump steering.xml; "
+        "zebdb-cds show processors --format csv");
+    EXPECT_THAT(shown, HasSubstr("<text_value>a\\u202eb\\x9bc</text_value>\n"));
+    EXPECT_THAT(shown, HasSubstr(",a\\u202eb\\x9bc,"));
+    EXPECT_EQ(shown.find("\u202e"), std::string::npos);
+}
+
+TEST_F(Terminal, IsTheOnlyPlaceWhereCsvAndDumpsHaveEscapes) {
+    write("steering.xml", cds_file(cds_component("cpu_info", {text("Socket Designation", "a\u202eb")})));
+    const std::string printed = run("zebdb-cds load steering.xml >/dev/null; zebdb-cds dump steering.xml; zebdb-cds "
+                                    "show processors --format csv")
+                                    .out;
+    EXPECT_THAT(printed, HasSubstr("<text_value>a\u202eb</text_value>\n"));
+    EXPECT_THAT(printed, HasSubstr(",a\u202eb,"));
+}
