@@ -52,7 +52,11 @@ void require_shell_path(const std::string& path, std::size_t longest) {
         throw failure("cannot read '" + path + "': " + std::strerror(errno));
     }
     std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) {
+    const std::filesystem::file_status file = std::filesystem::status(path, ignored);
+    if (std::filesystem::is_directory(file)) {
         throw failure("cannot read '" + path + "': it is a folder; name a file");
+    }
+    if (!std::filesystem::is_regular_file(file)) {
+        throw failure("cannot read '" + path + "': it is a pipe or a device, which may have no end; name a file");
     }
 }

@@ -118,10 +118,12 @@ bool holds_rows(const connection_ptr& connection) {
     return rows;
 }
 
-void refuse_folder(const std::string& path) {
+// SQLite would wait for a pipe to be written to, and a device may have no end.
+void refuse_what_is_no_file(const std::string& path) {
     struct stat status = {};
-    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
-        throw failure("database " + in_quotes(path) + " is a folder; name a file with --database");
+    if (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        const char* kind = S_ISDIR(status.st_mode) ? "a folder" : "a pipe or a device";
+        throw failure("database " + in_quotes(path) + " is " + kind + "; name a file with --database");
     }
 }
 
@@ -139,7 +141,7 @@ void require_database_file(const std::string& path) {
         throw failure(error == ENOENT ? problem + "; make it with 'zebdb-cds load' or name another with --database"
                                       : problem);
     }
-    refuse_folder(path);
+    refuse_what_is_no_file(path);
 }
 
 void roll_back_interrupted_write(const std::string& path) {
@@ -158,7 +160,7 @@ new_database_file::new_database_file(const std::string& path) : path_(target_of(
         fail_to_make(path, errno);
     }
     if (file == -1) {
-        refuse_folder(path);
+        refuse_what_is_no_file(path);
     } else {
         ::close(file);
         made_ = true;

@@ -25,6 +25,9 @@ namespace {
 constexpr const char* standard_input = "-";
 constexpr const char* standard_input_path = "/dev/stdin";
 
+// Of what can be read only once and is kept in memory for another look; it may have no end.
+constexpr std::size_t most_passed_bytes = std::size_t{256} << 20;
+
 [[noreturn]] void fail(int error) {
     throw failure(std::strerror(error));
 }
@@ -107,10 +110,11 @@ void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>&
         const std::string bytes(block, count < 0 ? 0 : static_cast<std::size_t>(count));
         {
             const std::lock_guard<std::mutex> lock(passed->mutex);
-            passed->read_error = error;
             passed->content += bytes;
+            passed->read_error = passed->content.size() > most_passed_bytes ? EFBIG : error;
+            wanted = !bytes.empty() && passed->read_error == 0;
         }
-        wanted = !bytes.empty() && write_all(sink, bytes) == 0;
+        wanted = wanted && write_all(sink, bytes) == 0;
     }
     ::close(sink);
 }

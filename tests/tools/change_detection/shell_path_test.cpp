@@ -76,3 +76,8 @@ TEST(ShellPath, NamesAFile) {
 TEST(ShellPath, LeadsToNoFolder) {
     EXPECT_EQ(refusal_of("."), "cannot read '.': it is a folder; name a file");
 }
+
+TEST(ShellPath, LeadsToNothingThatMayHaveNoEnd) {
+    EXPECT_EQ(refusal_of("/dev/zero"),
+              "cannot read '/dev/zero': it is a pipe or a device, which may have no end; name a file");
+}

@@ -134,3 +134,7 @@ TEST_F(DiffSources, AreRefusedWhenTheyAreDamagedDatabases) {
 TEST_F(DiffSources, AreRefusedWhenOneIsNotNamed) {
     expect_refused("old.xml", "NEW is required; see 'zebdb-cds diff --help'");
 }
+
+TEST_F(DiffSources, WithoutAnEndAreRefused) {
+    expect_refused("old.xml /dev/zero", "cannot read '/dev/zero': File too large");
+}

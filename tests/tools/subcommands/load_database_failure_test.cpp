@@ -45,6 +45,12 @@ TEST_F(LoadDatabaseFailure, InPlaceOfAFolder) {
                    "database 'x.db' is a folder; name a file with --database; 'x.db' is unchanged");
 }
 
+TEST_F(LoadDatabaseFailure, InPlaceOfAPipe) {
+    ASSERT_EQ(run("mkfifo pipe").status, 0);
+    expect_failure(run("zebdb-cds load x.xml --database pipe"),
+                   "database 'pipe' is a pipe or a device; name a file with --database; 'pipe' is unchanged");
+}
+
 TEST_F(LoadDatabaseFailure, InAFileThatIsNoDatabase) {
     const std::string letter(1000, 'a');
     write("letter.txt", letter);

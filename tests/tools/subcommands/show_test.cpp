@@ -182,6 +182,11 @@ TEST_F(ShowFailure, OfAFolder) {
     expect_failure(".", "database '.' is a folder; name a file with --database");
 }
 
+TEST_F(ShowFailure, OfAPipe) {
+    ASSERT_EQ(run("mkfifo pipe").status, 0);
+    expect_failure("pipe", "database 'pipe' is a pipe or a device; name a file with --database");
+}
+
 TEST_F(ShowFailure, OfAFileThatIsNoDatabase) {
     write("letter.txt", std::string(1000, 'a'));
     expect_failure("letter.txt", "cannot read 'letter.txt': file is not a database; name another file with --database");
