@@ -2,6 +2,9 @@
 
 #include "zebdb_cds_parser/setting_node.h"
 
+#include <locale.h>
+#include <stdlib.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
@@ -19,6 +22,12 @@ constexpr const char* value_tags[] = {
 
 bool is_true(const std::string& text) {
     return text == "true" || text == "1";
+}
+
+// In the C locale's form, whatever locale the process has set.
+double decimal_in(const std::string& text) {
+    static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(text.c_str(), nullptr, c_locale);
 }
 
 // Converting a double that does not fit an integer is undefined; like strtoll() this saturates, and NaN is no number.
@@ -57,7 +66,7 @@ long long setting_node::get_int64(long long default_value) const {
         case integer_value:
             return std::strtoll(value.c_str(), nullptr, 0);
         case decimal_value:
-            return truncated(std::strtod(value.c_str(), nullptr));
+            return truncated(decimal_in(value));
         case bool_value:
             return is_true(value) ? 1 : 0;
         default:
@@ -68,7 +77,7 @@ long long setting_node::get_int64(long long default_value) const {
 double setting_node::get_double(double default_value) const {
     switch (value_type) {
         case decimal_value:
-            return std::strtod(value.c_str(), nullptr);
+            return decimal_in(value);
         case hex_value:
         case integer_value:
         case bool_value:

@@ -6,6 +6,7 @@
 #include <limits>
 #include <type_traits>
 
+#include "support/comma_locale.h"
 #include "support/tree_builder.h"
 
 using cds_parser::element;
@@ -201,6 +202,12 @@ TEST(DecimalValue, IsADouble) {
     EXPECT_EQ(to_double(setting_node::decimal_value, "-3.7"), -3.7);
     EXPECT_EQ(to_double(setting_node::decimal_value, "1e3"), 1000.0);
     EXPECT_EQ(to_double(setting_node::decimal_value, " .5V"), 0.5);
+}
+
+TEST(DecimalValue, IsTheSameWhereNumbersHaveADecimalComma) {
+    const comma_locale numbers;
+    EXPECT_EQ(to_double(setting_node::decimal_value, "12.9"), 12.9);
+    EXPECT_EQ(to_double(setting_node::decimal_value, "12,9"), 12.0);
 }
 
 TEST(DecimalValue, AsAnIntegerIsCutTowardZero) {
