@@ -26,7 +26,7 @@ bool is_true(const std::string& text) {
 
 // In the C locale's form, whatever locale the process has set.
 double decimal_in(const std::string& text) {
-    static const locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    static const auto c_locale = newlocale(LC_ALL_MASK, "C", nullptr);
     return strtod_l(text.c_str(), nullptr, c_locale);
 }
 
