@@ -126,8 +126,7 @@ std::string repaired_utf8(const std::string& text) {
 }
 
 std::string printable(const std::string& text) {
-    return with_characters(
-        repaired_utf8(text), [](std::uint32_t character) { return is_control(character); }, escaped);
+    return with_characters(repaired_utf8(text), is_control, escaped);
 }
 
 std::string printable_lines(const std::string& text) {
@@ -141,8 +140,8 @@ std::string printable_lines(const std::string& text) {
 
 std::string harmless_json(const std::string& text) {
     const auto is_left_by_json = [](std::uint32_t character) { return character >= 0x20 && is_control(character); };
-    return with_characters(text, is_left_by_json,
-                           [](std::uint32_t control) { return hexadecimal("\\u%04x", control); });
+    const auto escaped_for_json = [](std::uint32_t control) { return hexadecimal("\\u%04x", control); };
+    return with_characters(text, is_left_by_json, escaped_for_json);
 }
 
 std::size_t length_of(const std::string& text) {
