@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <iterator>
 #include <new>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -127,6 +128,32 @@ void refuse_what_is_no_file(const std::string& path) {
     }
 }
 
+struct table_counts {
+    int inventory = 0;
+    int others = 0;
+};
+
+void count_table(table_counts& counts, const std::string& name) {
+    const bool is_inventory = std::any_of(std::begin(kinds::all), std::end(kinds::all),
+                                          [&name](const auto* kind) { return name == kind->record.table; });
+    ++(is_inventory ? counts.inventory : counts.others);
+}
+
+// Of a database that can be read.
+std::optional<table_counts> tables_of(const std::string& path) {
+    sqlite3* opened = nullptr;
+    sqlite3_open_v2(sqlite_name(path).c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    const connection_ptr connection(opened);
+    const auto count = [](void* counts, int, char** names, char**) {
+        count_table(*static_cast<table_counts*>(counts), names[0] == nullptr ? "" : names[0]);
+        return 0;
+    };
+    table_counts counts;
+    const int rc =
+        sqlite3_exec(opened, "SELECT name FROM sqlite_master WHERE type IN ('table', 'view')", count, &counts, nullptr);
+    return rc == SQLITE_OK ? std::optional(counts) : std::nullopt;
+}
+
 }  // namespace
 
 std::string sqlite_name(const std::string& path) {
@@ -142,6 +169,24 @@ void require_database_file(const std::string& path) {
                                       : problem);
     }
     refuse_what_is_no_file(path);
+}
+
+void refuse_foreign_database(const std::string& path) {
+    const auto tables = tables_of(path);
+    if (tables && tables->inventory == 0 && tables->others != 0) {
+        throw failure("database " + in_quotes(path) +
+                      " is another program's: it has tables, but no inventory; name another with --database");
+    }
+}
+
+void require_inventory(const std::string& path) {
+    require_database_file(path);
+    refuse_foreign_database(path);
+    const auto tables = tables_of(path);
+    if (tables && tables->inventory == 0) {
+        throw failure("database " + in_quotes(path) +
+                      " holds no inventory; load one with 'zebdb-cds load' or name another with --database");
+    }
 }
 
 void roll_back_interrupted_write(const std::string& path) {

@@ -20,6 +20,13 @@ std::string sqlite_name(const std::string& path);
 /// Throws failure when there is no database to read at `path`.
 void require_database_file(const std::string& path);
 
+/// Throws failure when the database at `path` is another program's: it has tables, and none of an inventory. One that
+/// cannot be read, or is still to be made, is nobody's.
+void refuse_foreign_database(const std::string& path);
+
+/// Throws failure when there is no database with an inventory at `path`. Whoever opens it to write would make one.
+void require_inventory(const std::string& path);
+
 /// Undoes what a writer that was killed, or that ran out of disk, left half done in the database at `path`. Whoever
 /// opens the database next does the same, but a read-only connection cannot.
 void roll_back_interrupted_write(const std::string& path);

@@ -23,7 +23,7 @@ struct bmc_options {
 
 int bmc_address(const bmc_options& options) {
     enter_private_view(options.root, {options.database});
-    require_database_file(options.database);
+    require_inventory(options.database);
     const auto address = record_own_bridge(open_service(options.database));
     if (!address) {
         complain("'" + options.database + "' holds no bridge " + own_bridge_id() + ", which is the controller's own");

@@ -43,7 +43,7 @@ int check(const check_options& options) {
     for (const std::string& path : {options.first, options.second}) {
         require_shell_path(path, longest_path_to_check);
     }
-    require_database_file(options.database);
+    require_inventory(options.database);
     _zeb_db_handle_t* handle = open_service(options.database);
 
     int changed = 0;

@@ -65,6 +65,7 @@ constexpr int most_attempts = 100;
 
 attempt try_to_load(const std::string& database, const char* path) {
     new_database_file file(database);
+    refuse_foreign_database(database);
     _zeb_db_handle_t* opened = nullptr;
     zeb_db_open(sqlite_name(database).c_str(), &opened);
     handle_ptr handle(opened);

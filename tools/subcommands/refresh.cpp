@@ -61,6 +61,7 @@ void run_refresh(const input_file& input, unsigned aim_argument) {
 std::string refresh_database(const refresh_options& options) {
     const input_file input(options.file);
     new_database_file file(options.database);
+    refuse_foreign_database(options.database);
     _zeb_db_handle_t* handle = open_service(options.database);
     const inventory_marks before = read_marks(handle);
     run_refresh(input, options.aim_argument);

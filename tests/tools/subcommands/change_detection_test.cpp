@@ -222,3 +222,23 @@ TEST_F(ChangeDetection, RootThatCannotBeMadeIsAFailure) {
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "sandbox: cannot make the folder file/below: Not a directory\n");
 }
+
+TEST_F(ChangeDetection, WritesNothingIntoADatabaseOfAnotherProgram) {
+    execute("other.db", "CREATE TABLE Fans (Id INTEGER)");
+    const std::string before = read("other.db");
+    const std::string problem =
+        "database 'other.db' is another program's: it has tables, but no inventory; name another with --database";
+    expect_refused("refresh server.xml --database other.db", "cannot refresh 'other.db' from 'server.xml': " + problem);
+    expect_refused("check server.xml other.bin --database other.db", problem);
+    expect_refused("bmc-address --database other.db", problem);
+    EXPECT_EQ(read("other.db"), before);
+}
+
+TEST_F(ChangeDetection, MakesNoInventoryOnlyToReadIt) {
+    write("empty.db", "");
+    const std::string problem =
+        "database 'empty.db' holds no inventory; load one with 'zebdb-cds load' or name another with --database";
+    expect_refused("check server.xml other.bin --database empty.db", problem);
+    expect_refused("bmc-address --database empty.db", problem);
+    EXPECT_EQ(read("empty.db"), "");
+}

@@ -51,6 +51,15 @@ TEST_F(LoadDatabaseFailure, InPlaceOfAPipe) {
                    "database 'pipe' is a pipe or a device; name a file with --database; 'pipe' is unchanged");
 }
 
+TEST_F(LoadDatabaseFailure, InADatabaseOfAnotherProgram) {
+    execute("other.db", "CREATE TABLE Fans (Id INTEGER)");
+    const std::string before = read("other.db");
+    expect_failure(run("zebdb-cds load x.xml --database other.db"),
+                   "database 'other.db' is another program's: it has tables, but no inventory; name another with "
+                   "--database; 'other.db' is unchanged");
+    EXPECT_EQ(read("other.db"), before);
+}
+
 TEST_F(LoadDatabaseFailure, InAFileThatIsNoDatabase) {
     const std::string letter(1000, 'a');
     write("letter.txt", letter);
