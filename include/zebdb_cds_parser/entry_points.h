@@ -3,6 +3,10 @@
 /// The entry points that the controller's inventory service calls.
 ///
 /// None of them locks anything: the caller serialises calls that touch the same database or the same files.
+///
+/// Where memory is out, std::bad_alloc may pass each of them; no other exception does, if none passes the platform's
+/// functions. Nothing is left open then but what the caller has opened: parse_pci() rolls its transaction back first,
+/// and the next call finds what a failed one leaves.
 #ifndef ZEBDB_CDS_PARSER_ENTRY_POINTS_H
 #define ZEBDB_CDS_PARSER_ENTRY_POINTS_H
 

@@ -9,6 +9,7 @@
 #include <new>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include <zeb_db_workstation.h>
@@ -64,6 +65,11 @@ inventory_value value_at(sqlite3_stmt* row, int column, bool is_unsigned) {
     }
 }
 
+std::size_t bytes_of(const inventory_value& value) {
+    const auto* text = std::get_if<std::string>(&value);
+    return sizeof value + (text == nullptr ? 0 : text->size());
+}
+
 // Whoever made it: what stands in it runs no functions but harmless ones, and a table is no view, which may be without
 // end.
 void distrust_schema(sqlite3* connection) {
@@ -73,8 +79,8 @@ void distrust_schema(sqlite3* connection) {
 
 }  // namespace
 
-inventory::inventory(const std::string& path, database_naming naming)
-    : path_(path), title_(in_quotes(path)), naming_(naming) {
+inventory::inventory(const std::string& path, database_naming naming, std::size_t largest_table)
+    : path_(path), title_(in_quotes(path)), naming_(naming), largest_table_(largest_table) {
     require_database_file(path);
     if (open() == SQLITE_READONLY_ROLLBACK) {
         roll_back_interrupted_write(path);
@@ -153,10 +159,16 @@ inventory_table inventory::table_of(const inventory_kind& kind, const statement_
         table.columns.push_back(name_of(rows.get(), column));
         unsigned_columns.push_back(is_unsigned(kind, table.columns.back()));
     }
+    std::size_t bytes = 0;
     while (step(rows)) {
         std::vector<inventory_value>& row = table.rows.emplace_back();
         for (int column = 0; column < columns; ++column) {
             row.push_back(value_at(rows.get(), column, unsigned_columns[static_cast<std::size_t>(column)]));
+            bytes += bytes_of(row.back());
+        }
+        if (bytes > largest_table_) {
+            throw failure("cannot read " + title_ + ": its table " + kind.record.table + " holds more than " +
+                          std::to_string(largest_table_ >> 20) + " MiB; it holds no inventory");
         }
     }
     return table;

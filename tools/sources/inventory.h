@@ -6,6 +6,7 @@
 
 #include <sqlite3.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -21,8 +22,13 @@ enum class database_naming { option, argument };
 /// A database as it is at the moment of opening; it is never written to.
 class inventory {
 public:
-    /// Throws failure when there is no readable inventory at `path`.
-    explicit inventory(const std::string& path, database_naming naming = database_naming::option);
+    /// The memory that the rows of one table may take, far more than those of any server. A damaged database may lead
+    /// from any of its pages to any other, and so to rows without end.
+    static constexpr std::size_t most_bytes = std::size_t{512} << 20;
+
+    /// Throws failure when there is no readable inventory at `path`, as do the readers below, also for larger tables.
+    explicit inventory(const std::string& path, database_naming naming = database_naming::option,
+                       std::size_t largest_table = most_bytes);
 
     /// Takes over an open connection; messages call the inventory `title`.
     inventory(std::string title, sqlite3* connection);
@@ -52,6 +58,7 @@ private:
     std::string path_;
     std::string title_;
     database_naming naming_;
+    std::size_t largest_table_ = most_bytes;
     connection_ptr connection_;
 };
 

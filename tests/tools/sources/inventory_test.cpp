@@ -6,9 +6,12 @@
 #include <zeb_db_workstation.h>
 
 #include "console/failure.h"
+#include "support/scratch_folder.h"
+#include "support/sqlite_database.h"
 #include "tools/memory_rows.h"
 
 using testing::ElementsAre;
+using testing::ThrowsMessage;
 
 class Inventory : public testing::Test {
 protected:
@@ -103,4 +106,18 @@ TEST_F(Inventory, WithAComputedColumnIsRefused) {
             "cannot read the inventory: the column 'Big' of its table Memory holds nothing but is computed; it "
             "holds no inventory");
     }
+}
+
+TEST(LargeInventory, IsReadAsFarAsItsTablesMayTakeMemory) {
+    const scratch_folder folder;
+    const std::string path = folder.file("x.db");
+    _zeb_db_handle_t* handle = nullptr;
+    ASSERT_EQ(zeb_db_open(path.c_str(), &handle), 0);
+    zeb_db_close(handle);
+    sqlite_database(path).run("INSERT INTO Memory (PartNo) VALUES (CAST(zeroblob(700000) AS TEXT))");
+    EXPECT_EQ(inventory(path, database_naming::argument, std::size_t{1} << 20).read(kinds::memory).rows.size(), 1u);
+    sqlite_database(path).run("INSERT INTO Memory (PartNo) VALUES (CAST(zeroblob(700000) AS TEXT))");
+    EXPECT_THAT([&] { inventory(path, database_naming::argument, std::size_t{1} << 20).read(kinds::memory); },
+                ThrowsMessage<failure>("cannot read '" + path +
+                                       "': its table Memory holds more than 1 MiB; it holds no inventory"));
 }
