@@ -52,7 +52,7 @@ inventory read_memory(const memory_database& database, const std::string& title)
 
 inventory open_in_memory(const std::string& bytes, const std::string& title) {
     connection_ptr connection = open_connection(":memory:");
-    auto* copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size()));
+    auto* copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size() + 1));  // none is given for none
     if (copy == nullptr) {
         throw std::bad_alloc();
     }
