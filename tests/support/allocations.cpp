@@ -2,15 +2,12 @@
 
 #include "support/allocations.h"
 
-#include <dlfcn.h>
-
 #include <atomic>
 #include <cstddef>
+#include <cstdlib>
 #include <new>
-#include <type_traits>
 
-// A program's own operators stand in for those of its libraries. They pass everything on to the ones they hide, so that
-// a sanitizer goes on seeing it.
+// A program's own operators stand in for those of its libraries. A sanitizer goes on seeing what is behind them.
 namespace {
 
 std::atomic<long> live{0};
@@ -18,28 +15,29 @@ std::atomic<long> live{0};
 // The allocations of this thread until the one that fails; none fails at 0 and below.
 thread_local long until_failure = 0;
 
-template <class Function>
-Function* hidden_by_ours(const char* symbol) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, symbol));
+void* allocate(std::size_t size) noexcept {
+    void* const memory = until_failure > 0 && --until_failure == 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
+    live += memory == nullptr ? 0 : 1;
+    return memory;
 }
 
 void release(void* memory) noexcept {
-    static auto* const hidden_delete = hidden_by_ours<void(void*)>("_ZdlPv");
     live -= memory == nullptr ? 0 : 1;
-    hidden_delete(memory);
+    std::free(memory);
 }
 
 }  // namespace
 
 void* operator new(std::size_t size) {
-    constexpr bool size_is_long = std::is_same_v<std::size_t, unsigned long>;
-    static auto* const hidden_new = hidden_by_ours<void*(std::size_t)>(size_is_long ? "_Znwm" : "_Znwj");
-    if (until_failure > 0 && --until_failure == 0) {
+    void* const memory = allocate(size);
+    if (memory == nullptr) {
         throw std::bad_alloc();
     }
-    void* const memory = hidden_new(size);
-    ++live;
     return memory;
+}
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
 }
 
 void operator delete(void* memory) noexcept {
@@ -47,6 +45,10 @@ void operator delete(void* memory) noexcept {
 }
 
 void operator delete(void* memory, std::size_t) noexcept {
+    release(memory);
+}
+
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
     release(memory);
 }
 
