@@ -124,9 +124,32 @@ void take_error(void* context, xmlErrorPtr error) {
     });
 }
 
+// What a reference to an entity puts in its place is read by a parser of its own, which asks for no more input. In a
+// tag each attribute has one of these signs at least, and a tag holds no other '<'.
+bool has_tag_of_too_many_attributes(const xmlChar* text) {
+    bool in_tag = false;
+    int attributes = 0;
+    for (; text != nullptr && *text != '\0'; ++text) {
+        in_tag = in_tag || *text == '<';
+        attributes = *text == '<' ? 0 : attributes + (in_tag && *text == '=' ? 1 : 0);
+        if (attributes > most_attributes) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string too_many_attributes() {
+    return "an element has more than " + std::to_string(most_attributes) + " attributes or namespaces";
+}
+
 // An entity that stands in another file would be read from there; a document is the text of its stream alone.
 void declare_entity(void* context, const xmlChar* name, int type, const xmlChar* public_id, const xmlChar* system_id,
                     xmlChar* content) {
+    if (has_tag_of_too_many_attributes(content)) {
+        guarded(context, [](xmlParserCtxtPtr parser) { stop(parser, too_many_attributes()); });
+        return;
+    }
     if (type != XML_EXTERNAL_GENERAL_PARSED_ENTITY && type != XML_EXTERNAL_PARAMETER_ENTITY) {
         xmlSAX2EntityDecl(context, name, type, public_id, system_id, content);
         return;
@@ -148,10 +171,6 @@ void declare_attribute(void* context, const xmlChar* element, const xmlChar* nam
 
 bool has_too_many_attributes(const xmlParserCtxt& parser, int attributes) {
     return attributes > most_attributes || parser.nsNr / 2 > most_attributes;
-}
-
-std::string too_many_attributes() {
-    return "an element has more than " + std::to_string(most_attributes) + " attributes or namespaces";
 }
 
 void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespace_count,

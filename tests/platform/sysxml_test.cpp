@@ -523,6 +523,18 @@ TEST(XmlDocument, RefusesMoreThanTwentyDeclaredAttributes) {
     EXPECT_THAT(outcome(document(21)), HasSubstr("more than 20 attributes are declared"));
 }
 
+TEST(XmlDocument, RefusesMoreAttributesOfAnElementInAnEntity) {
+    const auto document = [](int attributes) {
+        return "<!DOCTYPE a [<!ENTITY e \"<b" + numbered(attributes, " c", "='='") + "/>\">]><a>&e;</a>";
+    };
+    EXPECT_EQ(outcome(document(500)), "read");
+    EXPECT_THAT(outcome(document(1001)), HasSubstr("an element has more than 1000 attributes"));
+}
+
+TEST(XmlDocument, TakesAnEntityOfManyEqualsSigns) {
+    EXPECT_EQ(outcome("<!DOCTYPE a [<!ENTITY e \"" + std::string(2000, '=') + "\">]><a>&e;</a>"), "read");
+}
+
 // With the time that it takes, of a processor, for libxml2 compares each attribute with all others.
 TEST(XmlDocument, RefusesElementsOfManyAttributesAtOnce) {
     const std::string element = "<a" + numbered(200000, " b", "=''");
