@@ -128,29 +128,40 @@ void refuse_what_is_no_file(const std::string& path) {
     }
 }
 
+// What the inventory service keeps beside the records.
+constexpr const char* service_tables[] = {"PCIAdapter", "InventorySequence", "PendingFirmware"};
+
+bool is_inventory_table(const char* name) {
+    const auto has_name = [name](const char* table) { return sqlite3_stricmp(name, table) == 0; };
+    return std::any_of(std::begin(service_tables), std::end(service_tables), has_name) ||
+           std::any_of(std::begin(kinds::all), std::end(kinds::all),
+                       [has_name](const inventory_kind* kind) { return has_name(kind->record.table); });
+}
+
 struct table_counts {
     int inventory = 0;
     int others = 0;
 };
-
-void count_table(table_counts& counts, const std::string& name) {
-    const bool is_inventory = std::any_of(std::begin(kinds::all), std::end(kinds::all),
-                                          [&name](const auto* kind) { return name == kind->record.table; });
-    ++(is_inventory ? counts.inventory : counts.others);
-}
 
 // Of a database that can be read.
 std::optional<table_counts> tables_of(const std::string& path) {
     sqlite3* opened = nullptr;
     sqlite3_open_v2(sqlite_name(path).c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
     const connection_ptr connection(opened);
+    sqlite3_busy_timeout(opened, lock_timeout_ms);
     const auto count = [](void* counts, int, char** names, char**) {
-        count_table(*static_cast<table_counts*>(counts), names[0] == nullptr ? "" : names[0]);
+        auto& [inventory, others] = *static_cast<table_counts*>(counts);
+        ++(names[0] != nullptr && is_inventory_table(names[0]) ? inventory : others);
         return 0;
     };
     table_counts counts;
-    const int rc =
-        sqlite3_exec(opened, "SELECT name FROM sqlite_master WHERE type IN ('table', 'view')", count, &counts, nullptr);
+    const int rc = sqlite3_exec(
+        opened,
+        "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite!_%' ESCAPE '!'",
+        count, &counts, nullptr);
+    if (rc == SQLITE_NOMEM) {
+        throw std::bad_alloc();
+    }
     return rc == SQLITE_OK ? std::optional(counts) : std::nullopt;
 }
 
