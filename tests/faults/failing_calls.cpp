@@ -3,8 +3,13 @@
 // Preloaded into a program, makes calls of the C library fail as a fault_plan tells: there is no memory, the disk fails
 // or is full. Standard error never fails, so that the program's message can be read.
 
+// Each function of the C library has the name that it is called by.
+#undef _FILE_OFFSET_BITS
+#undef _TIME_BITS
+
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <stdio.h>
 #include <sys/mman.h>
 #include <sys/types.h>
@@ -39,6 +44,7 @@ __attribute__((constructor)) void take_plan() {
     void* shared = mmap(nullptr, sizeof(fault_plan), PROT_READ | PROT_WRITE, MAP_SHARED, std::atoi(descriptor), 0);
     if (shared != MAP_FAILED && static_cast<fault_plan*>(shared)->process == getpid()) {
         plan = static_cast<fault_plan*>(shared);
+        plan->is_known = true;
     }
 }
 

@@ -15,6 +15,7 @@ struct fault_plan {
     long first;       ///< to fail, counted from 1; 0 for none
     bool also_after;  ///< whether those behind it fail, too
     long calls;       ///< that were made so far
+    bool is_known;    ///< to the process
 };
 
 /// The variable that tells a process the descriptor of the file that holds its plan.

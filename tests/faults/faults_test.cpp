@@ -154,6 +154,7 @@ class Faults : public sandboxed_test, public testing::WithParamInterface<named_s
 protected:
     // An inventory that is refreshed and unchanged.
     static void SetUpTestSuite() {
+        ASSERT_NE(std::getenv("ZEBDB_SANDBOX"), nullptr) << "run this through ctest or tests/support/in-sandbox";
         fs::create_directory(folder);
         ASSERT_EQ(chdir(folder), 0);
         setenv("ZEBDB_DATABASE", database, 1);
@@ -169,6 +170,7 @@ protected:
     }
 
     static void TearDownTestSuite() {
+        ASSERT_NE(std::getenv("ZEBDB_SANDBOX"), nullptr);
         ASSERT_EQ(chdir("/"), 0);
         fs::remove_all(folder);
     }

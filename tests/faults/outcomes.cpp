@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -78,11 +79,18 @@ std::string environment(const char* name) {
     return value == nullptr ? "" : value;
 }
 
+void put_first(const char* variable, const std::string& first) {
+    const std::string others = environment(variable);
+    setenv(variable, (first + (others.empty() ? "" : ':' + others)).c_str(), 1);
+}
+
 // In the new process.
 [[noreturn]] void start(const std::vector<std::string>& command, const shared_plan& plan, const nameless_file& out,
                         const nameless_file& err) {
-    const std::string others = environment("LD_PRELOAD");
-    setenv("LD_PRELOAD", (built::failing_calls + (others.empty() ? "" : ':' + others)).c_str(), 1);
+    // By its name: what is preloaded is told apart by blanks, which its folder may have.
+    const std::filesystem::path library = built::failing_calls;
+    put_first("LD_PRELOAD", library.filename());
+    put_first("LD_LIBRARY_PATH", library.parent_path());
     setenv(fault_plan_variable, std::to_string(plan.descriptor()).c_str(), 1);
     dup2(out.descriptor(), STDOUT_FILENO);
     dup2(err.descriptor(), STDERR_FILENO);
@@ -108,6 +116,7 @@ run_result run(const subject& tried, const fault_plan& faults) {
     }
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(plan->is_known) << built::failing_calls << " was not preloaded";
     return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), out.content(), err.content(),
             plan->calls};
 }
@@ -173,7 +182,7 @@ long step(long calls) {
         return 1;
     }
     const long places = wanted.empty() ? usual_places : std::stol(wanted);
-    return std::max(1L, (calls + places - 1) / places);
+    return std::max(1L, (calls + places - 1) / std::max(1L, places));
 }
 
 const char* name_of(call_kind kind) {
@@ -195,15 +204,16 @@ void expect_outcomes(const subject& tried, int status, call_kind kind) {
     tried.prepare();
     reference undisturbed;
     undisturbed.old_rows = rows_of(tried.database);
-    const run_result usual = run(tried, {0, kind, 0, false, 0});
+    const run_result usual = run(tried, {0, kind, 0, false, 0, false});
     ASSERT_EQ(usual.status, status) << usual.out << usual.err;
     undisturbed.new_rows = rows_of(tried.database);
     undisturbed.out = usual.out;
+    ASSERT_TRUE(undisturbed.new_rows != undisturbed.old_rows || tried.database.empty());
 
     std::map<std::string, int> counts;
     for (const bool also_after : {false, true}) {
         for (long first = 1;; first += step(usual.calls)) {
-            const run_result result = run(tried, {0, kind, first, also_after, 0});
+            const run_result result = run(tried, {0, kind, first, also_after, 0, false});
             if (result.calls < first) {
                 break;
             }
