@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include <vonk_log.h>
@@ -35,8 +36,13 @@ int note_failure(int code, const char* text) {
 }
 
 int report_lack_of_memory() {
-    vonk_log::logErr("inventory database: out of memory");
-    return note_failure(SQLITE_NOMEM, "out of memory");
+    note_failure(SQLITE_NOMEM, "out of memory");
+    try {
+        vonk_log::logErr("inventory database: out of memory");
+    } catch (const std::bad_alloc&) {
+        return SQLITE_NOMEM;  // whoever takes the lines has no memory either
+    }
+    return SQLITE_NOMEM;
 }
 
 int report_failure(int code, const std::string& text) {
