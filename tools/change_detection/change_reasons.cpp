@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "change_detection/private_view.h"
+#include "console/output.h"
 #include "inventory/digest_file.h"
 #include "inventory/function_keys.h"
 #include "sources/library_log.h"
@@ -63,7 +64,7 @@ std::vector<std::string> change_reasons(const std::string& first_file, const std
                                         _zeb_db_handle_t* handle) {
     for (const std::string& path : {first_file, second_file}) {
         if (differs_from_digest(path)) {
-            return {"'" + path + "' differs from its saved digest"};
+            return {in_quotes(path) + " differs from its saved digest"};
         }
     }
     std::vector<std::string> reasons;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <sstream>
 #include <string>
 
 namespace {
@@ -98,12 +97,13 @@ std::string with_characters(const std::string& text, Choose is_written, Write wr
     std::string result;
     for (std::size_t place = 0; place < text.size();) {
         const decoded next = decode(text, place);
-        if (is_written(next.character)) {
+        const std::size_t length = std::max<std::size_t>(next.length, 1);
+        if (next.length != 0 && is_written(next.character)) {
             result += write(next.character);
         } else {
-            result.append(text, place, next.length);
+            result.append(text, place, length);
         }
-        place += next.length;
+        place += length;
     }
     return result;
 }
@@ -131,9 +131,10 @@ std::string printable(const std::string& text) {
 
 std::string printable_lines(const std::string& text) {
     std::string shown;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        shown += printable(line) + '\n';
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find('\n', start), text.size());
+        shown += printable(text.substr(start, end - start)) + '\n';
+        start = end + 1;
     }
     return shown;
 }

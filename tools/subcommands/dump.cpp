@@ -44,8 +44,9 @@ void print_as_it_is(const cds_parser::document& document, const dump_options& op
 int dump(const dump_options& options) {
     cds_parser::document document;
     read_cds_file(options.file, document);
-    if (is_terminal(STDOUT_FILENO)) {
+    if (::isatty(STDOUT_FILENO) == 1) {
         std::ostringstream text;
+        text.exceptions(std::ios::badbit);
         document.dump(text, options.indent);
         print(printable_lines(text.str()));
     } else {

@@ -34,7 +34,7 @@ int save_digest(const save_options& options) {
     if (save_pci_digest(options.first.c_str(), options.second.c_str()) != 0) {
         throw failure("cannot save the digests: " + log.problem() + "; make their folders writable");
     }
-    print("Saved '" + options.first + ".digest' and '" + options.second + ".digest'\n");
+    print("Saved " + in_quotes(options.first + ".digest") + " and " + in_quotes(options.second + ".digest") + '\n');
     return status_done;
 }
 

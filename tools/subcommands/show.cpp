@@ -70,6 +70,7 @@ std::vector<inventory_table> read_tables(const show_options& options) {
 
 // CSV has no escapes.
 void make_printable(inventory_table& table) {
+    std::transform(table.columns.begin(), table.columns.end(), table.columns.begin(), printable);
     for (std::vector<inventory_value>& row : table.rows) {
         for (inventory_value& value : row) {
             if (auto* text = std::get_if<std::string>(&value)) {
@@ -88,7 +89,7 @@ int show(const show_options& options) {
     if (options.redact) {
         std::for_each(tables.begin(), tables.end(), redact);
     }
-    if (write == listing_csv && is_terminal(STDOUT_FILENO)) {
+    if (write == listing_csv && ::isatty(STDOUT_FILENO) == 1) {
         std::for_each(tables.begin(), tables.end(), make_printable);
     }
     print(write(tables));
