@@ -41,7 +41,7 @@ std::string line(const char* inventory, const inventory_mark& before, const inve
 }
 
 std::string report(const refresh_options& options, const inventory_marks& before, const inventory_marks& now) {
-    std::string text = "Refreshed '" + options.database + "' from " + input_title(options.file) + ":\n" +
+    std::string text = "Refreshed " + in_quotes(options.database) + " from " + input_title(options.file) + ":\n" +
                        line("system inventory", before.system, now.system) + line("PCI inventory", before.pci, now.pci);
     if (digests_failed(before, now)) {
         text += "  The digest script failed: every inventory that had a digest counts as changed.\n";
@@ -58,24 +58,31 @@ void run_refresh(const input_file& input, unsigned aim_argument) {
     }
 }
 
-std::string refresh_database(const refresh_options& options) {
+// What there was before. Throws failure with the cause alone.
+inventory_marks refresh_database(const refresh_options& options) {
     const input_file input(options.file);
     new_database_file file(options.database);
     refuse_foreign_database(options.database);
-    _zeb_db_handle_t* handle = open_service(options.database);
-    const inventory_marks before = read_marks(handle);
+    inventory_marks before = read_marks(open_service(options.database));
     run_refresh(input, options.aim_argument);
     file.keep();
-    return report(options, before, read_marks(handle));
+    return before;
 }
 
 int refresh(const refresh_options& options) {
     enter_private_view(options.root, {options.file, options.database});
+    inventory_marks before;
     try {
-        print(refresh_database(options));
+        before = refresh_database(options);
     } catch (const failure& problem) {
-        throw failure("cannot refresh '" + options.database + "' from " + input_title(options.file) + ": " +
+        throw failure("cannot refresh " + in_quotes(options.database) + " from " + input_title(options.file) + ": " +
                       problem.what());
+    }
+    try {
+        print(report(options, before, read_marks(open_service(options.database))));
+    } catch (const failure& problem) {
+        throw failure(std::string(problem.what()) + "; the rows of " + input_title(options.file) + " are in " +
+                      in_quotes(options.database) + " all the same");
     }
     return status_done;
 }
