@@ -10,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <mutex>
-#include <new>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -77,14 +76,14 @@ progress::~progress() {
     clear();
 }
 
-// The line goes no further when memory is out.
+// The line goes no further when memory is out, or the process's own files cannot be listed.
 void progress::run() {
     std::unique_lock<std::mutex> lock(mutex_);
     try {
         do {
             draw();
         } while (!wake_.wait_for(lock, redraw_interval, [this] { return done_; }));
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) {
         return;
     }
 }

@@ -13,6 +13,7 @@
 #include <istream>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -102,19 +103,30 @@ int input_file::pass_on(int source) {
     return ends[0];
 }
 
-void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed) {
+// Whether there is more to read and somebody to read it.
+bool input_file::pass_block(int source, int sink, passed_bytes& passed) {
     char block[1 << 16];
-    for (bool wanted = true; wanted;) {
-        const ssize_t count = ::read(source, block, sizeof block);
-        const int error = count < 0 ? errno : 0;
-        const std::string bytes(block, count < 0 ? 0 : static_cast<std::size_t>(count));
-        {
-            const std::lock_guard<std::mutex> lock(passed->mutex);
-            passed->content += bytes;
-            passed->read_error = passed->content.size() > most_passed_bytes ? EFBIG : error;
-            wanted = !bytes.empty() && passed->read_error == 0;
+    const ssize_t count = ::read(source, block, sizeof block);
+    const int error = count < 0 ? errno : 0;
+    const std::string bytes(block, count < 0 ? 0 : static_cast<std::size_t>(count));
+    {
+        const std::lock_guard<std::mutex> lock(passed.mutex);
+        passed.content += bytes;
+        passed.read_error = passed.content.size() > most_passed_bytes ? EFBIG : error;
+        if (bytes.empty() || passed.read_error != 0) {
+            return false;
         }
-        wanted = wanted && write_all(sink, bytes) == 0;
+    }
+    return write_all(sink, bytes) == 0;
+}
+
+void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed) {
+    try {
+        while (pass_block(source, sink, *passed)) {
+        }
+    } catch (const std::bad_alloc&) {
+        const std::lock_guard<std::mutex> lock(passed->mutex);
+        passed->read_error = ENOMEM;
     }
     ::close(sink);
 }

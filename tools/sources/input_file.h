@@ -34,6 +34,7 @@ public:
 
 private:
     struct passed_bytes;
+    static bool pass_block(int source, int sink, passed_bytes& passed);
     static void pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed);
     int pass_on(int source);
 
