@@ -242,3 +242,12 @@ TEST_F(ChangeDetection, MakesNoInventoryOnlyToReadIt) {
     expect_refused("bmc-address --database empty.db", problem);
     EXPECT_EQ(read("empty.db"), "");
 }
+
+TEST_F(ChangeDetection, RefreshSaysWhereTheRowsAreWhenItsReportCannotBePrinted) {
+    const command_result result = run("zebdb-cds refresh server.xml --root r >/dev/full");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.last_error_line(),
+              "zebdb-cds: cannot write to standard output: No space left on device; the rows of 'server.xml' are in "
+              "'inventory.db' all the same");
+    EXPECT_EQ(query("inventory.db", "SELECT count(*) FROM PCIs"), "3");
+}

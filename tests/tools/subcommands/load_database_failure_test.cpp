@@ -60,6 +60,11 @@ TEST_F(LoadDatabaseFailure, InADatabaseOfAnotherProgram) {
     EXPECT_EQ(read("other.db"), before);
 }
 
+TEST_F(LoadDatabaseFailure, IsNoneWhereOnlyTheServiceHasTables) {
+    execute("early.db", "CREATE TABLE pciadapter (Id INTEGER PRIMARY KEY); CREATE TABLE Fans (Id INTEGER)");
+    EXPECT_EQ(run("zebdb-cds load x.xml --database early.db").status, 0);
+}
+
 TEST_F(LoadDatabaseFailure, InAFileThatIsNoDatabase) {
     const std::string letter(1000, 'a');
     write("letter.txt", letter);
