@@ -8,7 +8,6 @@
 #include <sstream>
 #include <string>
 
-#include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
 #include "change_detection/private_view.h"
