@@ -2,12 +2,12 @@
 
 #include "sources/open_inventory.h"
 
+#include <cstddef>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <ios>
 #include <istream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <system_error>
@@ -46,7 +46,12 @@ bool is_database_file(const std::string& name) {
 
 std::string content_of(const input_file& input) {
     std::ifstream file(input.path(), std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(file), {}};
+    std::string content;
+    char block[1 << 16];
+    do {
+        file.read(block, sizeof block);
+        content.append(block, static_cast<std::size_t>(file.gcount()));
+    } while (file);
     if (input.read_error() != 0) {
         throw failure(std::strerror(input.read_error()));
     }
