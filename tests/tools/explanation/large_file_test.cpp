@@ -44,7 +44,7 @@ TEST_F(LargeFile, TakesTimeInProportionToItsSize) {
         return seconds_for(cds_file(repeated(count, module("A1", "S1")) + repeated(count / 2, cds_component(""))),
                            std::to_string(count) + " components to record: " + std::to_string(count) + " rows");
     };
-    expect_proportion(seconds(2'500), seconds(10'000));
+    expect_proportion(seconds(750), seconds(3'000));
 }
 
 TEST_F(LargeFile, OfIncompleteFunctionsTakesTimeInProportionToItsSize) {
@@ -53,7 +53,7 @@ TEST_F(LargeFile, OfIncompleteFunctionsTakesTimeInProportionToItsSize) {
         return seconds_for(cds_file(repeated(count, function)),
                            std::to_string(count) + " components to record: 0 rows");
     };
-    expect_proportion(seconds(1'250), seconds(5'000));
+    expect_proportion(seconds(500), seconds(2'000));
 }
 
 TEST_F(LargeFile, IsNotRepeatedInTheExplanation) {

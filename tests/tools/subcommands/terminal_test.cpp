@@ -58,19 +58,22 @@ protected:
                            " zebdb-cds show processors");
     }
 
-    // A file of some twenty megabytes, which is read and stored in more than one look at it.
-    void write_large_file() const { write("large.xml", cds_file(cds_functions(60'000, 10))); }
+    // Of twenty thousand functions, some seven megabytes, whose progress is shown; three times as many are read and stored
+    // in more than one look at it.
+    void write_large_file(int functions = 20'000) const {
+        write("large.xml", cds_file(cds_functions(functions, 10)));
+    }
 };
 
 TEST_F(Terminal, SeesHowMuchOfALargeFileIsReadAndThatItsRowsAreStored) {
-    write_large_file();
+    write_large_file(60'000);
     const std::string shown = on_terminal("zebdb-cds load large.xml");
     EXPECT_THAT(shown, ContainsRegex("\r\033\\[Kreading 2[0-9] MiB: [0-9]+ %"));
     EXPECT_THAT(shown, HasSubstr(erase_line + std::string("storing rows ...")));
 }
 
 TEST_F(Terminal, SeesTheSameOfALargeFileOnStandardInput) {
-    write_large_file();
+    write_large_file(60'000);
     const std::string shown = on_terminal("zebdb-cds load - <large.xml");
     EXPECT_THAT(shown, ContainsRegex("reading 2[0-9] MiB: [1-9][0-9]* %"));
     EXPECT_THAT(shown, HasSubstr("storing rows ..."));
