@@ -58,11 +58,9 @@ protected:
                            " zebdb-cds show processors");
     }
 
-    // Of twenty thousand functions, some seven megabytes, whose progress is shown; three times as many are read and stored
-    // in more than one look at it.
-    void write_large_file(int functions = 20'000) const {
-        write("large.xml", cds_file(cds_functions(functions, 10)));
-    }
+    // Of twenty thousand functions, some seven megabytes, whose progress is shown; three times as many are read and
+    // stored in more than one look at it.
+    void write_large_file(int functions = 20'000) const { write("large.xml", cds_file(cds_functions(functions, 10))); }
 };
 
 TEST_F(Terminal, SeesHowMuchOfALargeFileIsReadAndThatItsRowsAreStored) {
