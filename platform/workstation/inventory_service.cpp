@@ -13,7 +13,6 @@
 #include <cstring>
 #include <memory>
 #include <new>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -89,12 +88,11 @@ int give_pending(_zeb_db_handle_t& handle, zebdb_pldm_firmware_pending_list& lis
     }
     void* copy = nullptr;
     if (!entries.empty()) {
-        const std::size_t size = entries.size() * sizeof entries.front();
-        copy = std::malloc(size);
+        copy = std::calloc(entries.size(), sizeof entries.front());
         if (copy == nullptr) {
             return report_lack_of_memory();
         }
-        std::memcpy(copy, entries.data(), size);
+        std::memcpy(copy, entries.data(), entries.size() * sizeof entries.front());
     }
     list.count = static_cast<std::uint32_t>(entries.size());
     list.entries = copy;
@@ -102,14 +100,12 @@ int give_pending(_zeb_db_handle_t& handle, zebdb_pldm_firmware_pending_list& lis
 }
 
 std::string copy_statements() {
-    std::ostringstream sql;
-    sql << "SAVEPOINT rebuild;";
-    for (const char* table : inventory_tables) {
-        sql << "DROP TABLE IF EXISTS memory." << table << ";CREATE TABLE memory." << table << " AS SELECT * FROM main."
-            << table << ';';
+    std::string sql = "SAVEPOINT rebuild;";
+    for (const std::string table : inventory_tables) {
+        sql += "DROP TABLE IF EXISTS memory." + table + ";CREATE TABLE memory." + table + " AS SELECT * FROM main." +
+               table + ';';
     }
-    sql << "RELEASE rebuild;";
-    return sql.str();
+    return sql + "RELEASE rebuild;";
 }
 
 }  // namespace

@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
-#include "inventory/failing_calloc.h"
 #include "inventory/short_reads.h"
+#include "support/failing_calloc.h"
 #include "support/recording_platform.h"
 #include "support/sandboxed_test.h"
 

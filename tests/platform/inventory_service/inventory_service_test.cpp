@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "platform/inventory_service/service_database.h"
+#include "platform/lack_of_memory.h"
 #include "support/captured_log.h"
+#include "support/failing_calloc.h"
 #include "support/sandboxed_test.h"
 #include "support/sqlite_database.h"
 
@@ -196,6 +198,11 @@ TEST_F(InventorySequence, IsRaisedBy1AtEachNoticeOfItsKind) {
     EXPECT_THAT(sequences(), ElementsAre("0|1", "1|3"));
 }
 
+TEST_F(InventorySequence, IsNotRaisedWithoutMemory) {
+    expect_lack_of_memory_told(SQLITE_OK, [] { return agentless_update_inventory_sequence(0); });
+    EXPECT_THAT(sequences(), ElementsAre("0|1"));
+}
+
 TEST_F(InventorySequence, HasNoOtherKinds) {
     EXPECT_NE(agentless_update_inventory_sequence(2), 0);
     EXPECT_NE(agentless_update_inventory_sequence(-1), 0);
@@ -279,6 +286,13 @@ TEST_F(MemoryTables, CanBeRebuiltAfterAFailure) {
     EXPECT_EQ(in_memory("Processor"), in_file("Processor"));
 }
 
+TEST_F(MemoryTables, AreNotRebuiltWhereThereIsNoPlaceForThem) {
+    sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
+    EXPECT_EQ(rebuild_tables_in_memory(handle), SQLITE_ERROR);
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: attach the in-memory tables: too many attached "
+                                       "databases - max 0"));
+}
+
 TEST_F(MemoryTables, AreNotRebuiltForANullHandle) {
     EXPECT_NE(rebuild_tables_in_memory(nullptr), 0);
 }
@@ -337,4 +351,73 @@ TEST_F(PendingFirmware, LeavesTheListAloneWhenItCannotBeRead) {
 
 TEST_F(PendingFirmware, RefusesANullList) {
     EXPECT_NE(zebdb_get_pldm_firmware_pending_list(nullptr), 0);
+}
+
+TEST_F(InventoryService, ListsNoPendingFirmwareWithoutADatabase) {
+    setenv("ZEBDB_DATABASE", "/missing/inventory.db", 1);
+    zebdb_pldm_firmware_pending_list list = {77, nullptr};
+    EXPECT_NE(zebdb_get_pldm_firmware_pending_list(&list), 0);
+    EXPECT_EQ(list.count, 77u);
+}
+
+TEST_F(PendingFirmware, IsNotListedWithoutMemory) {
+    seen->run("INSERT INTO PendingFirmware (Component, Version) VALUES ('NIC 1', '2.0'), ('GPU 1', '1.5')");
+    expect_lack_of_memory_told(SQLITE_OK, [this] { return zebdb_get_pldm_firmware_pending_list(&list); });
+    EXPECT_EQ(list.count, 2u);
+}
+
+TEST_F(PendingFirmware, IsNotListedWithoutMemoryForTheReason) {
+    seen->run("DROP TABLE PendingFirmware");
+    expect_lack_of_memory_told(SQLITE_ERROR, [this] { return zebdb_get_pldm_firmware_pending_list(&list); });
+    EXPECT_EQ(list.count, 0u);
+}
+
+TEST_F(PendingFirmware, IsNotListedWithoutMemoryForTheList) {
+    seen->run("INSERT INTO PendingFirmware (Component, Version) VALUES ('NIC 1', '2.0'), ('GPU 1', '1.5')");
+    const failing_calloc no_memory(2 * sizeof(zebdb_pldm_firmware_pending_entry));
+    EXPECT_EQ(zebdb_get_pldm_firmware_pending_list(&list), SQLITE_NOMEM);
+    EXPECT_TRUE(no_memory.fired());
+    EXPECT_EQ(list.entries, nullptr);
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: out of memory"));
+}
+
+/// SQLite has no more memory than it uses and so many bytes, as long as this lives.
+class sqlite_memory_limit {
+public:
+    explicit sqlite_memory_limit(sqlite3_int64 bytes) { sqlite3_hard_heap_limit64(sqlite3_memory_used() + bytes); }
+    ~sqlite_memory_limit() { sqlite3_hard_heap_limit64(0); }
+    sqlite_memory_limit(const sqlite_memory_limit&) = delete;
+    sqlite_memory_limit& operator=(const sqlite_memory_limit&) = delete;
+};
+
+// SQLite has to turn the texts of such a database into UTF-8, for which it needs memory while it gives a row.
+class PendingFirmwareInUtf16 : public InventoryService, public testing::WithParamInterface<const char*> {
+protected:
+    void SetUp() override {
+        InventoryService::SetUp();
+        write_file(named_database, "");
+        sqlite_database database(named_database);
+        database.run("PRAGMA encoding = 'UTF-16le'; CREATE TABLE Aside (Id)");
+        ASSERT_NE(get_dmdb_handle(), nullptr);
+        database.run(
+            "INSERT INTO PendingFirmware (Component, Version) SELECT 'NIC', '2.0'; UPDATE PendingFirmware SET " +
+            std::string(GetParam()) + " = printf('%.*c', 100000, 'x')");
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(LongText, PendingFirmwareInUtf16, testing::Values("Component", "Version"));
+
+TEST_P(PendingFirmwareInUtf16, IsListedWholeOrNotAtAll) {
+    constexpr sqlite3_int64 step = 10000;
+    zebdb_pldm_firmware_pending_list list = {77, nullptr};
+    int code = SQLITE_NOMEM;
+    int refusals = 0;
+    for (sqlite3_int64 bytes = 0; code != SQLITE_OK; bytes += step, ++refusals) {
+        const sqlite_memory_limit memory(bytes);
+        code = zebdb_get_pldm_firmware_pending_list(&list);
+        EXPECT_THAT(code, testing::AnyOf(SQLITE_OK, SQLITE_NOMEM)) << bytes;
+        EXPECT_EQ(list.count, code == SQLITE_OK ? 1u : 77u) << bytes;
+    }
+    EXPECT_GT(refusals, 1);
+    std::free(list.entries);
 }

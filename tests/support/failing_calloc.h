@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
 /// Makes memory run out for the library, in test programs that are built with failing_calloc.cpp.
-#ifndef TESTS_INVENTORY_FAILING_CALLOC_H
-#define TESTS_INVENTORY_FAILING_CALLOC_H
+#ifndef TESTS_SUPPORT_FAILING_CALLOC_H
+#define TESTS_SUPPORT_FAILING_CALLOC_H
 
 #include <cstddef>
 

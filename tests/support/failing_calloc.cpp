@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "failing_calloc.h"
+#include "support/failing_calloc.h"
 
 #include <dlfcn.h>
 
