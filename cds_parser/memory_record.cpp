@@ -20,7 +20,7 @@ namespace {
 constexpr long long non_volatile = 0x1000;  // bit 12 of the type detail
 
 bool is_persistent(const setting_group& memory) {
-    return (int_of(memory, "Type Detail", 0) & non_volatile) != 0 && text_of(memory, "Manufacturer") == "Intel";
+    return (int_of(memory, "Type Detail", 0) & non_volatile) != 0 && is_text(memory, "Manufacturer", "Intel");
 }
 
 }  // namespace

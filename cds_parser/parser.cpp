@@ -39,7 +39,7 @@ void leave_memory_deleted_marker() {
 
 const setting_group* main_server_info(const component& candidate) {
     const setting_group* info = candidate.get_setting_group("component_struct_info");
-    return info != nullptr && text_of(*info, "comp_type") == "EFI_CT_MAIN_SERVER" ? info : nullptr;
+    return info != nullptr && is_text(*info, "comp_type", "EFI_CT_MAIN_SERVER") ? info : nullptr;
 }
 
 int walk_children(parser& walker, _zeb_db_handle_t* handle, const component& parent) {

@@ -44,6 +44,10 @@ std::string text_of(const setting_group& group, const char* setting) {
     return found == nullptr ? std::string() : found->value;
 }
 
+bool is_text(const setting_group& group, const char* setting, const char* text) {
+    return text_of(group, setting) == text;
+}
+
 void put_int32(zeb_db_content_values_t* content, const char* column, std::int32_t value) {
     zeb_db_content_put_uint(content, column, static_cast<std::uint32_t>(value));
 }

@@ -24,6 +24,9 @@ std::int32_t int32_of(const setting_group& group, const char* setting, std::int3
 /// The value text of the setting of that name, empty when the group has none.
 std::string text_of(const setting_group& group, const char* setting);
 
+/// Whether the setting of that name has that value text.
+bool is_text(const setting_group& group, const char* setting, const char* text);
+
 /// Puts the low 32 bits of a signed number.
 void put_int32(zeb_db_content_values_t* content, const char* column, std::int32_t value);
 

@@ -27,7 +27,10 @@ std::string first_line(std::FILE* file) {
     std::size_t capacity = 0;
     const ssize_t length = getline(&line, &capacity, file);
     const std::unique_ptr<char, decltype(&std::free)> owner(line, std::free);
-    return length > 0 ? std::string(line, static_cast<std::size_t>(length) - 1) : std::string();
+    if (length <= 0) {
+        return {};
+    }
+    return {line, static_cast<std::size_t>(length) - 1};
 }
 
 bool read_current_digest(const char* path, std::string& digest) {

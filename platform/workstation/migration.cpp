@@ -14,7 +14,10 @@ namespace {
 
 std::optional<refusal> run(sqlite3* connection, const std::string& sql) {
     const int rc = sqlite3_exec(connection, sql.c_str(), nullptr, nullptr, nullptr);
-    return rc == SQLITE_OK ? std::nullopt : std::optional(refused_by_sqlite(connection, rc));
+    if (rc != SQLITE_OK) {
+        return refused_by_sqlite(connection, rc);
+    }
+    return std::nullopt;
 }
 
 std::optional<refusal> read_version(sqlite3* connection, int& version) {
@@ -67,9 +70,11 @@ refusal refused_version(const database_schema& schema, int version) {
 }  // namespace
 
 refusal refused_by_sqlite(sqlite3* connection, int code) {
-    const int system_error = sqlite3_system_errno(connection);
-    const std::string message = sqlite3_errmsg(connection);
-    return {code, system_error == 0 ? message : message + " (" + std::strerror(system_error) + ")"};
+    std::string reason = sqlite3_errmsg(connection);
+    if (const int system_error = sqlite3_system_errno(connection)) {
+        reason += std::string(" (") + std::strerror(system_error) + ")";
+    }
+    return {code, reason};
 }
 
 std::optional<refusal> migrate(sqlite3* connection, const database_schema& schema) {

@@ -253,13 +253,18 @@ context_ptr make_context(reading& state) {
                      0, 0);
 }
 
+// Nothing for no place.
+std::string prefix(const place& where) {
+    if (where.line == 0) {
+        return "";
+    }
+    return "line " + std::to_string(where.line) + ", column " + std::to_string(where.column) + ": ";
+}
+
 // `otherwise` stands for a problem that libxml2 does not tell.
-[[noreturn]] void throw_problem(const reading& state, const char* otherwise) {
-    const auto [line, column] = state.where;
-    const std::string problem = state.problem.empty() ? otherwise : state.problem;
-    const std::string prefix =
-        line == 0 ? "" : "line " + std::to_string(line) + ", column " + std::to_string(column) + ": ";
-    throw read_error(prefix + problem, line, column);
+[[noreturn]] void throw_problem(const reading& state, const std::string& otherwise) {
+    const std::string& problem = state.problem.empty() ? otherwise : state.problem;
+    throw read_error(prefix(state.where) + problem, state.where.line, state.where.column);
 }
 
 doc_ptr read_document(std::istream& in, bool recover) {

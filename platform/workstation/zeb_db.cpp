@@ -41,7 +41,10 @@ std::string quoted(const char* identifier) {
 }
 
 std::string where(const char* condition) {
-    return condition == nullptr ? "" : std::string(" WHERE ") + condition;
+    if (condition == nullptr) {
+        return "";
+    }
+    return std::string(" WHERE ") + condition;
 }
 
 // After some errors, a full disk among them, SQLite rolls back by itself; what is written then would be permanent at
@@ -81,8 +84,11 @@ std::string insert_sql(const char* table, const zeb_db_content_values_t& content
         columns += (columns.empty() ? "" : ", ") + quoted(column);
         places += places.empty() ? "?" : ", ?";
     }
-    const std::string row = content.count == 0 ? " DEFAULT VALUES" : " (" + columns + ") VALUES (" + places + ")";
-    return "INSERT INTO " + quoted(table) + row;
+    const std::string insert = "INSERT INTO " + quoted(table);
+    if (content.count == 0) {
+        return insert + " DEFAULT VALUES";
+    }
+    return insert + " (" + columns + ") VALUES (" + places + ")";
 }
 
 int find_insert(_zeb_db_handle_t& handle, const char* table, const zeb_db_content_values_t& content,
@@ -147,7 +153,10 @@ std::string query_sql(const char* table, const char* const* columns, unsigned co
         sql += (i == 0 ? "" : ", ") + quoted(columns[i]);
     }
     sql += " FROM " + quoted(table) + where(condition);
-    return order_by == nullptr ? sql : sql + " ORDER BY " + order_by;
+    if (order_by != nullptr) {
+        sql += std::string(" ORDER BY ") + order_by;
+    }
+    return sql;
 }
 
 }  // namespace
@@ -158,7 +167,10 @@ int execute(_zeb_db_handle_t& handle, const char* sql, const char* action) {
             return refuse_without_transaction(action);
         }
         const int rc = sqlite3_exec(handle.connection.get(), sql, nullptr, nullptr, nullptr);
-        return rc == SQLITE_OK ? rc : report_failure(handle.connection.get(), rc, action);
+        if (rc != SQLITE_OK) {
+            return report_failure(handle.connection.get(), rc, action);
+        }
+        return SQLITE_OK;
     });
 }
 
@@ -197,7 +209,10 @@ int zeb_db_insert(_zeb_db_handle_t* handle, const char* table, zeb_db_content_va
             return report_failure(values->failure, inserting_into(table) + ": no memory for one of the values");
         }
         const int rc = insert_row(*handle, table, *values, row_id);
-        return rc == SQLITE_OK ? rc : report_failure(handle->connection.get(), rc, inserting_into(table));
+        if (rc != SQLITE_OK) {
+            return report_failure(handle->connection.get(), rc, inserting_into(table));
+        }
+        return SQLITE_OK;
     });
 }
 
