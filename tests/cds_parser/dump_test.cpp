@@ -285,6 +285,15 @@ TEST(Dump, WritesComponentsInTheOrderOfAdding) {
               "</child_slot_group>\n");
 }
 
+TEST(Dump, LeavesOutANullAmongTheChildren) {
+    component whole(0);
+    whole.child_slot_groups.push_back(nullptr);
+    EXPECT_EQ(dump(whole, 2), "<component>\n</component>\n");
+    child_slot_group group(0);
+    group.components.push_back(nullptr);
+    EXPECT_EQ(dump(group, 2), "<child_slot_group>\n</child_slot_group>\n");
+}
+
 TEST(Dump, EscapesNothing) {
     const std::unique_ptr<setting_node> setting(make_setting(text("<R&D>", "a & \"b\" < 'c'")));
     EXPECT_EQ(dump(*setting, 0),

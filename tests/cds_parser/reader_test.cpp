@@ -1078,6 +1078,25 @@ TEST_F(Extraction, LeavesAFailedStreamFailed) {
     EXPECT_TRUE(in.fail());
 }
 
+// What does not pass is told as any other refusal.
+TEST_F(Extraction, LetsALackOfMemoryPass) {
+    bool passed = false;
+    bool fired = true;
+    for (long n = 1; fired; ++n) {
+        std::istringstream in(sample);
+        document read;
+        const failing_allocation memory(n);
+        try {
+            in >> read;
+            fired = memory.fired();
+            EXPECT_EQ(in.fail(), fired) << n;
+        } catch (const std::bad_alloc&) {
+            passed = true;
+        }
+    }
+    EXPECT_TRUE(passed);
+}
+
 TEST_F(Extraction, ThrowsWhatTheStreamWasToldToThrow) {
     std::istringstream in("<setting_group/>");
     in.exceptions(std::ios::failbit);

@@ -172,6 +172,15 @@ TYPED_TEST(SettingGroupMap, ClearDestroysEveryGroupInNameOrderThenInTheOrderOfAd
     EXPECT_THAT(this->owner.setting_groups, IsEmpty());
 }
 
+// The map is everybody's.
+TYPED_TEST(SettingGroupMap, TakesANullInItForAGroup) {
+    this->owner.setting_groups.emplace("removed", nullptr);
+    EXPECT_TRUE(this->owner.remove_setting_group("removed"));
+    this->owner.setting_groups.emplace("cleared", nullptr);
+    this->owner.clear_setting_groups();
+    EXPECT_THAT(this->owner.setting_groups, IsEmpty());
+}
+
 TYPED_TEST(SettingGroupMap, ClearTwiceDestroysOnce) {
     this->add("x");
     this->owner.clear_setting_groups();

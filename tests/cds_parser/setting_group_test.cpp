@@ -145,6 +145,18 @@ TEST_F(SettingGroup, ClearDestroysEverySettingInNameOrder) {
     EXPECT_THAT(group.settings, IsEmpty());
 }
 
+// The map is everybody's.
+TEST_F(SettingGroup, TakesANullInItsMapForASetting) {
+    group.settings["replaced"] = nullptr;
+    setting_node* replacing = add("replaced");
+    EXPECT_EQ(group.get_setting("replaced"), replacing);
+    group.settings["removed"] = nullptr;
+    EXPECT_TRUE(group.remove_setting("removed"));
+    group.settings["cleared"] = nullptr;
+    group.clear();
+    EXPECT_THAT(group.settings, IsEmpty());
+}
+
 TEST_F(SettingGroup, ClearKeepsTheName) {
     group.name = "cpu_info";
     add("a");

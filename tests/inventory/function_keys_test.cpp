@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <zebdb_cds_parser.h>
 
 #include <algorithm>
@@ -298,6 +301,15 @@ TEST_F(ReadFunctionKeys, FailsOnADirectoryInTheFilesPlace) {
     std::filesystem::remove(place::adapter_keys);
     make_directory(place::adapter_keys);
     EXPECT_EQ(check(), -1);
+}
+
+TEST_F(ReadFunctionKeys, FailsSilentlyOnAPipe) {
+    std::filesystem::remove(place::adapter_keys);
+    ASSERT_EQ(mkfifo(place::adapter_keys, 0600), 0);
+    const int writer = open(place::adapter_keys, O_RDWR);  // else the reader waits for one
+    EXPECT_EQ(check(), -1);
+    EXPECT_THAT(platform.log, IsEmpty());
+    close(writer);
 }
 
 TEST_F(ReadFunctionKeys, ReadsAReadOnlyFile) {

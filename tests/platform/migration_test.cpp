@@ -127,6 +127,27 @@ TEST_F(Migration, LeavesNoTransactionOpenWhenAStepFails) {
     EXPECT_NE(sqlite3_get_autocommit(connection), 0);
 }
 
+/// Lets a connection read its version once; it may not read it again.
+class version_read_once {
+public:
+    explicit version_read_once(sqlite3* connection) { sqlite3_set_authorizer(connection, answer, this); }
+
+private:
+    static int answer(void* self, int action, const char* pragma, const char* value, const char*, const char*) {
+        const bool reads = action == SQLITE_PRAGMA && std::string(pragma) == "user_version" && value == nullptr;
+        return reads && ++static_cast<version_read_once*>(self)->readings_ > 1 ? SQLITE_DENY : SQLITE_OK;
+    }
+
+    int readings_ = 0;
+};
+
+TEST_F(Migration, TakesNoStepWhenTheVersionCannotBeReadInTheTransaction) {
+    const version_read_once once(connection);
+    EXPECT_THAT(take(first_version), Optional(Field(&refusal::code, Eq(SQLITE_AUTH))));
+    EXPECT_THAT(columns(), IsEmpty());
+    EXPECT_NE(sqlite3_get_autocommit(connection), 0);
+}
+
 TEST_F(Migration, WaitsForNobodyLongerThanTheConnectionDoes) {
     ASSERT_EQ(take(first_version), std::nullopt);
     sqlite_database writer(path);

@@ -181,6 +181,11 @@ TEST(XmlDocument, NamesThePlaceOfAParameterEntityAndNotThatInItsText) {
               "line 4, column 11: External entity 'e' is refused");
 }
 
+TEST(XmlDocument, TellsNoWarning) {
+    EXPECT_EQ(outcome("<a xmlns='relative'/>"), "read");
+    EXPECT_THAT(outcome("<a xmlns='relative'>"), Not(HasSubstr("relative")));
+}
+
 TEST(XmlReadError, HasTheLineAndTheColumn) {
     EXPECT_EQ(place("<a>\n  <b></c>\n</a>"), std::pair(2, 10));
 }
@@ -549,6 +554,7 @@ TEST(XmlDocument, KeepsWhatCouldBeReadWhenItRecovers) {
 
 TEST(XmlDocument, RefusesWhatHasNoRootEvenWhenItRecovers) {
     EXPECT_THAT(outcome("", true), HasSubstr("Document is empty"));
+    EXPECT_THAT(outcome("<!-- nothing else -->", true), HasSubstr("Start tag expected"));
 }
 
 TEST(XmlDocument, RefusesAFailedStreamEvenWhenItRecovers) {

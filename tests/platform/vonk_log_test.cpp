@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "support/allocations.h"
 #include "support/captured_log.h"
 #include "support/captured_stderr.h"
 
@@ -42,6 +43,40 @@ TEST_F(VonkLog, WritesErrorsWithTheirLevel) {
 TEST_F(VonkLog, WritesControlCharactersAsEscapes) {
     vonk_log::logErr("%s", "a\x1b[2J\r\x7F\u009bz\t\u00e9");
     EXPECT_EQ(standard_error.text(), "ERROR: a\\x1b[2J\\x0d\\x7f\\x9bz\t\u00e9\n");
+}
+
+TEST_F(VonkLog, WritesWhatIsNearlyAControlCharacterAsItIs) {
+    for (const std::string text : {"\u00a0", "\u00c2", "\xC2z", "\xC2\xC2", "\xC2"}) {
+        const captured_stderr error;
+        vonk_log::logErr("%s", text.c_str());
+        EXPECT_EQ(error.text(), "ERROR: " + text + '\n');
+    }
+}
+
+TEST_F(VonkLog, WritesTheFormatOfAnArgumentThatCannotBeWritten) {
+    vonk_log::logErr("%ls", L"\u20ac");  // not in the C locale
+    EXPECT_EQ(standard_error.text(), "ERROR: %ls\n");
+}
+
+TEST_F(VonkLog, TellsOfALineThatItHasNoMemoryFor) {
+    const std::string text(100, '\x1b');
+    std::string usual;
+    for (long n = 1; usual.empty(); ++n) {
+        const captured_stderr error;
+        bool fired = false;
+        {
+            const failing_allocation memory(n);
+            vonk_log::logErr("%s", text.c_str());
+            fired = memory.fired();
+        }
+        if (fired) {
+            EXPECT_EQ(error.text(), "ERROR: no memory for a line of the log\n") << n;
+        } else {
+            usual = error.text();
+            EXPECT_GT(n, 1);
+        }
+    }
+    EXPECT_EQ(usual.size(), std::string("ERROR: \n").size() + 100 * std::string("\\x1b").size());
 }
 
 TEST_F(VonkLog, WritesWarningsWithTheirLevel) {

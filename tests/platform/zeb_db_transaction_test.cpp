@@ -76,6 +76,21 @@ TEST_F(Transaction, MustBeOpenToBeRolledBack) {
                 ElementsAre("ERROR: inventory database: roll back: cannot rollback - no transaction is active"));
 }
 
+TEST_F(Transaction, StaysOpenWhenItCannotBeRolledBack) {
+    begin();
+    insert("CPU 1", 8);
+    sqlite3_set_authorizer(
+        connection,
+        [](void*, int action, const char*, const char*, const char*, const char*) {
+            return action == SQLITE_TRANSACTION ? SQLITE_DENY : SQLITE_OK;
+        },
+        nullptr);
+    EXPECT_EQ(rollback(), SQLITE_AUTH);
+    sqlite3_set_authorizer(connection, nullptr, nullptr);
+    sqlite3_exec(connection, "ROLLBACK", nullptr, nullptr, nullptr);
+    EXPECT_EQ(insert("CPU 2", 8), SQLITE_ABORT) << "the caller still counts on the transaction";
+}
+
 TEST_F(Transaction, GoesOnAfterARefusedRow) {
     begin();
     insert("CPU 1", 8);

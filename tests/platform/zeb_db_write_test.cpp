@@ -264,6 +264,13 @@ TEST_F(WriteDatabase, RefusesMoreArgumentsThanTheConditionHasPlacesFor) {
     EXPECT_THAT(sockets(), ElementsAre("CPU 1"));
 }
 
+TEST_F(WriteDatabase, RefusesArgumentsOfAConditionWithoutAPlace) {
+    insert("CPU 1", 8);
+    const char* const arguments[] = {"CPU 1", "8"};
+    EXPECT_EQ(zeb_db_delete(handle.get(), "Processor", "CoreCount = 8", arguments, 2, 0), SQLITE_RANGE);
+    EXPECT_THAT(sockets(), ElementsAre("CPU 1"));
+}
+
 TEST_F(WriteDatabase, RefusesAConditionThatIsNoSql) {
     EXPECT_EQ(zeb_db_delete(handle.get(), "Processor", "CoreCount >", nullptr, 0, 0), SQLITE_ERROR);
     EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: delete from Processor: incomplete input"));

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// A document is read whole, or refused for want of memory, whether that is ours or libxml2's.
+
+#include <gtest/gtest.h>
+#include <libxml/tree.h>
+#include <libxml/xmlmemory.h>
+#include <sysipc.h>
+#include <sysxml.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <ostream>
+#include <sstream>
+#include <string>
+
+#include "support/allocations.h"
+#include "support/captured_stderr.h"
+
+namespace {
+
+/// While it lives, the n-th piece of memory that libxml2 asks for from now on, counted from 1, is not there.
+class failing_xml_allocation {
+public:
+    explicit failing_xml_allocation(long n) : failing_xml_allocation(n, false) {}
+    ~failing_xml_allocation() { xmlMemSetup(usual_free_, usual_malloc_, usual_realloc_, usual_strdup_); }
+    failing_xml_allocation(const failing_xml_allocation&) = delete;
+    failing_xml_allocation& operator=(const failing_xml_allocation&) = delete;
+
+    static bool fired() { return until_failure_ <= 0; }
+
+protected:
+    failing_xml_allocation(long n, bool also_after) {
+        xmlMemGet(&usual_free_, &usual_malloc_, &usual_realloc_, &usual_strdup_);
+        until_failure_ = n;
+        also_after_ = also_after;
+        xmlMemSetup(std::free, allocate, reallocate, duplicate);
+    }
+
+private:
+    static bool fails() {
+        --until_failure_;
+        return until_failure_ == 0 || (until_failure_ < 0 && also_after_);
+    }
+    static void* allocate(std::size_t size) { return fails() ? nullptr : std::malloc(size); }
+    static void* reallocate(void* memory, std::size_t size) { return fails() ? nullptr : std::realloc(memory, size); }
+    static char* duplicate(const char* text) { return fails() ? nullptr : strdup(text); }
+
+    static inline long until_failure_ = 0;
+    static inline bool also_after_ = false;
+    xmlFreeFunc usual_free_ = nullptr;
+    xmlMallocFunc usual_malloc_ = nullptr;
+    xmlReallocFunc usual_realloc_ = nullptr;
+    xmlStrdupFunc usual_strdup_ = nullptr;
+};
+
+/// All that follow are not there either.
+class failing_xml_allocations : public failing_xml_allocation {
+public:
+    explicit failing_xml_allocations(long n) : failing_xml_allocation(n, true) {}
+};
+
+std::string text_of(sysxml::document& document) {
+    xmlChar* text = nullptr;
+    int size = 0;
+    xmlDocDumpMemory(document.root().get()->doc, &text, &size);
+    const std::string copy(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
+    xmlFree(text);
+    return copy;
+}
+
+/// What came of a document: its text, or nothing when it was refused.
+struct reading {
+    std::string text;
+    bool fired;  // whether an allocation failed
+};
+
+template <class Failing>
+reading read_failing(long n, const std::string& xml) {
+    const sysxml::parser library;
+    std::istringstream in(xml);
+    std::unique_ptr<sysxml::document> document;
+    bool fired = false;
+    {
+        const Failing memory(n);
+        try {
+            document = std::make_unique<sysxml::document>(in, false);
+        } catch (const sysipc::exception&) {
+        } catch (const std::bad_alloc&) {
+        }
+        fired = memory.fired();
+    }
+    return {document == nullptr ? "" : text_of(*document), fired};
+}
+
+template <class Failing>
+void fail_each(const std::string& xml) {
+    const std::string whole = read_failing<Failing>(1000000, xml).text;
+    reading came = {"", true};
+    long n = 0;
+    while (came.fired) {
+        came = read_failing<Failing>(++n, xml);
+        EXPECT_TRUE(came.text == whole || (came.fired && came.text.empty())) << "allocation " << n << ": " << came.text;
+    }
+    EXPECT_GT(n, 1) << "nothing was allocated";
+}
+
+std::string repeated(int times, const std::string& before, const std::string& after) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += before + std::to_string(i) + after;
+    }
+    return text;
+}
+
+struct named_document {
+    const char* name;
+    std::string xml;
+};
+
+void PrintTo(const named_document& document, std::ostream* out) {
+    *out << document.name;
+}
+
+// Each has something else said about it.
+const named_document documents[] = {
+    {"OfManyParts",
+     "<?xml version='1.0' encoding='ISO-8859-1'?><!DOCTYPE a [<!ENTITY e '<b>in it</b>'><!ATTLIST a c CDATA 'd'>]>"
+     "<a xmlns='relative' xmlns:n='urn:n'><n:b c='d'>text &amp; more</n:b>&e;<!-- f --><![CDATA[g]]></a>"},
+    {"WithAnUndeclaredNamespace", "<prefix:element>text</prefix:element>"},
+    {"ThatEndsEarly", "<element><another>text</element>"},
+    {"WithAnExternalEntity", "<!DOCTYPE a [<!ENTITY e SYSTEM 'file'>]><a/>"},
+    {"WithManyAttributes", "<a" + repeated(1001, " b", "=''") + "/>"},
+    {"WithManyAttributesInAnEntity",
+     "<!DOCTYPE a [<!ENTITY e \"<b" + repeated(1001, " c", "=''") + "/>\">]><a>&e;</a>"},
+    {"WithManyDeclaredAttributes", "<!DOCTYPE a [<!ATTLIST a" + repeated(21, " b", " CDATA #IMPLIED") + ">]><a/>"},
+};
+
+class XmlWithoutMemory : public testing::TestWithParam<named_document> {
+    const captured_stderr standard_error_;  // libxml2 tells there of a parser that it cannot make
+};
+
+INSTANTIATE_TEST_SUITE_P(Document, XmlWithoutMemory, testing::ValuesIn(documents),
+                         [](const auto& document) { return std::string(document.param.name); });
+
+TEST_P(XmlWithoutMemory, IsWholeOrRefusedWhenOneAllocationFails) {
+    fail_each<failing_allocation>(GetParam().xml);
+}
+
+TEST_P(XmlWithoutMemory, IsWholeOrRefusedWhenOneAllocationOfTheXmlLibraryFails) {
+    fail_each<failing_xml_allocation>(GetParam().xml);
+}
+
+TEST_P(XmlWithoutMemory, IsWholeOrRefusedWhenAllFurtherAllocationsOfTheXmlLibraryFail) {
+    fail_each<failing_xml_allocations>(GetParam().xml);
+}
+
+// Not so for libxml2's own memory: version 2.9 uses what it has freed when it cannot grow the attributes of an element.
+TEST(XmlWithoutOurMemory, IsRefusedWithAttributesInSeveralBlocks) {
+    fail_each<failing_allocation>("<a" + repeated(9000, " b", "=''") + "/>");
+}
+
+}  // namespace
