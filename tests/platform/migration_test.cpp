@@ -193,6 +193,14 @@ TEST_F(Migration, LeavesOutTheStepThatAnotherProcessTakesMeanwhile) {
     EXPECT_THAT(version(), ElementsAre("3"));
 }
 
+TEST_F(Migration, TakesNoStepWhenAnotherProcessTakesTheLastMeanwhile) {
+    ASSERT_EQ(take(first_version), std::nullopt);
+    const faster_process other(path, connection, second_version);
+    EXPECT_EQ(take(second_version), std::nullopt);
+    EXPECT_THAT(columns(), ElementsAre("Id", "Speed", "Place"));
+    EXPECT_THAT(version(), ElementsAre("2"));
+}
+
 TEST_F(Migration, TakesNoStepOfAnEmptySchema) {
     EXPECT_EQ(take({nullptr, 0}), std::nullopt);
     EXPECT_THAT(rows("SELECT name FROM sqlite_schema"), IsEmpty());
