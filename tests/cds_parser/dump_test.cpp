@@ -396,6 +396,13 @@ TEST(Dump, WritesNothingToAFailedStream) {
     EXPECT_EQ(out.str(), "");
 }
 
+TEST(Dump, IndentsNoFurtherOnceTheStreamHasFailed) {
+    small_buffer buffer(0);
+    std::ostream out(&buffer);
+    component(0xFFFFFFFF).dump(out, 0xFFFFFFFF);  // 2^64 blanks would take years
+    EXPECT_TRUE(out.fail());
+}
+
 TEST(Dump, WalksTheTreeToItsEndThoughTheStreamHasFailed) {
     int dumps = 0;
     document doc;

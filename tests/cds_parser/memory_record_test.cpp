@@ -134,6 +134,15 @@ TEST_F(MemoryRecord, PutsOnlyTheColumnOfAnOnlyPersistentMemorySetting) {
     }
 }
 
+TEST_F(MemoryRecord, OfPersistentMemoryWithAsManySettingsOfItsOwnAsOthersIsWritten) {
+    ASSERT_EQ(write({hex("Type Detail", "1000"), text("Manufacturer", "Intel"), integer("Capacity", "10"),
+                     integer("DimmNum", "20")}),
+              1);
+    ASSERT_EQ(platform.rows.size(), 1u);
+    EXPECT_THAT(platform.rows[0].column_names(),
+                ElementsAre("ArrayId", "NodeIndex", "TypeDetail", "Manufacturer", "Capacity", "DimmNum"));
+}
+
 TEST_F(MemoryRecord, OfPersistentMemoryWithoutAnySettingOfItsOwnIsWritten) {
     EXPECT_EQ(write(settings_of(memory_columns)), 1);
     ASSERT_EQ(platform.rows.size(), 1u);
