@@ -406,6 +406,11 @@ TEST_F(PciDeviceRecord, OfTheRaidDeviceWithoutSubsystemIsARaidController) {
     EXPECT_EQ(row(without(misreported_raid, "Subsystem ID"))["ClsCode"], "uint:" + std::to_string(0x010400));
 }
 
+TEST_F(PciDeviceRecord, OfTheRaidDeviceWhoseSubsystemIsNoNumberIsARaidController) {
+    EXPECT_EQ(row(misreported_raid + changed{text("Subsystem ID", "0x0400")})["ClsCode"],
+              "uint:" + std::to_string(0x010400));
+}
+
 TEST_F(PciDeviceRecord, OfTheRaidDeviceIsARaidControllerWhateverItReports) {
     EXPECT_EQ(row(misreported_raid + changed{hex("Class Code", "0x020000")})["ClsCode"],
               "uint:" + std::to_string(0x010400));

@@ -165,7 +165,7 @@ def operators(source):
         elif token.text in ("++", "--"):
             yield i, i, "--" if token.text == "++" else "++"
         elif token.text in ("!", "-") and not source.is_binary(i):
-            yield i, i, ""
+            yield i, i, "", f"drop {token.text}"
 
 
 def conditions(source):

@@ -31,7 +31,7 @@ LINKED = [
     "tests/platform_tests",
 ]
 # Of a test program, each of which takes less than a second of a processor.
-CPU_SECONDS = 8
+CPU_SECONDS = 4
 SECONDS = 240
 MEMORY = 8 << 30
 FILE_SIZE = 1 << 30
