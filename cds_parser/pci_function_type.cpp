@@ -49,8 +49,7 @@ bool fits(std::int32_t wanted, std::int32_t actual) {
 
 std::uint32_t function_type_of_class(std::int32_t class_code) {
     const auto rule = std::find_if(std::begin(class_rules), std::end(class_rules), [class_code](const class_rule& r) {
-        return r.base_class == pci_class::base_class(class_code) &&
-               fits(r.subclass, pci_class::subclass(class_code)) &&
+        return r.base_class == pci_class::base_class(class_code) && fits(r.subclass, pci_class::subclass(class_code)) &&
                fits(r.programming_interface, pci_class::programming_interface(class_code));
     });
     return rule == std::end(class_rules) ? other_function : rule->function_type;
