@@ -196,9 +196,7 @@ bool document::parse(const char* path) {
         return false;
     }
     std::ifstream file(path);
-    const bool read = parse(file);
-    file.close();
-    return read;
+    return parse(file);
 }
 
 std::istream& operator>>(std::istream& in, document& doc) {
