@@ -111,8 +111,10 @@ TEST_F(ProcessorRecord, KeepsAllBitsOfTheProcessorIdAndTheLow32OfTheCoreCount) {
 }
 
 TEST_F(ProcessorRecord, TakesTextAsItIsAndNonNumericValuesOfNumbersAsZero) {
-    ASSERT_EQ(write({text("Processor Version", " two  blanks "), text("Core Count", "8")}), 1);
+    ASSERT_EQ(write({text("Processor Version", " two  blanks "), text("Core Count", "8"), text("Processor ID", "9")}),
+              1);
     EXPECT_EQ(platform.rows.at(0)["Version"], "text: two  blanks ");
+    EXPECT_EQ(platform.rows.at(0)["ProcId"], "uint64:0");
     EXPECT_EQ(platform.rows.at(0)["CoreCount"], "uint:0");
 }
 
