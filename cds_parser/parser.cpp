@@ -66,7 +66,7 @@ int walk_bridge(parser& walker, _zeb_db_handle_t* handle, component& bridge) {
 }  // namespace
 
 int parser::component_visitor::operator()(component* visited) {
-    const int result = owner->parse_component(handle, visited);
+    const int result = visited == nullptr ? 0 : owner->parse_component(handle, visited);
     if (result == 0) {
         ++failures;
     }

@@ -482,6 +482,12 @@ TEST_F(Visitors, GiveTheResultOfAComponentThatSucceeds) {
     EXPECT_THAT(tables(), ElementsAre("Processor"));
 }
 
+TEST_F(Visitors, AskNoParserAboutANullComponent) {
+    visit_component.owner = nullptr;
+    EXPECT_EQ(visit_component(nullptr), 0);
+    EXPECT_EQ(visit_component.failures, 1u);
+}
+
 TEST_F(Visitors, CountAComponentThatFails) {
     platform.fail("zeb_db_insert");
     const std::unique_ptr<component> processor(make_processor());
