@@ -2,6 +2,8 @@
 
 /// The entry points that the controller's inventory service calls.
 ///
+/// For C and C++; read_inventory_digest() is for C++ alone.
+///
 /// None of them locks anything: the caller serialises calls that touch the same database or the same files.
 ///
 /// Where memory is out, std::bad_alloc may pass each of them; no other exception does, if none passes the platform's
@@ -10,13 +12,17 @@
 #ifndef ZEBDB_CDS_PARSER_ENTRY_POINTS_H
 #define ZEBDB_CDS_PARSER_ENTRY_POINTS_H
 
+#ifdef __cplusplus
 #include <string>
+#endif
 
 #include <zeb_db.h>
 
 #include "zebdb_cds_parser/export.h"
 
+#ifdef __cplusplus
 extern "C" {
+#endif
 
 /// Replaces the rows of "Processor", "Memory", "PCIBridge" and "PCIs" by what the CDS file at `path` describes.
 ///
@@ -67,10 +73,12 @@ ZEBDB_CDS_PARSER_EXPORT int save_pci_digest(const char* first_file, const char* 
 /// holds, or 9 when it cannot be read either. 0 as well when the query gives no result.
 ZEBDB_CDS_PARSER_EXPORT int update_bmc_addr(void);
 
+#ifdef __cplusplus
 }  // extern "C"
 
 /// Reads the inventory digests that "/bin/pci_digest.sh" left in "/var/vonk": the first line of each file replaces the
 /// string. A file that cannot be opened leaves its string as it is.
 ZEBDB_CDS_PARSER_EXPORT void read_inventory_digest(std::string& system_digest, std::string& pci_digest);
+#endif
 
 #endif

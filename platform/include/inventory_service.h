@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 
-/// The services of the controller's inventory daemon that a refresh and a change test call.
+/// The services of the controller's inventory daemon that a refresh and a change test call. For C and C++.
 #ifndef INVENTORY_SERVICE_H
 #define INVENTORY_SERVICE_H
 
+#ifdef __cplusplus
 #include <cstdint>
+#else
+#include <stdint.h>
+#endif
 
 #include "zeb_db.h"
 
@@ -14,10 +18,10 @@ extern "C" {
 #endif
 
 /// The firmware updates that wait to be activated.
-struct zebdb_pldm_firmware_pending_list {
-    std::uint32_t count;  ///< number of entries
-    void* entries;        ///< the entries, or null; the caller releases them with free()
-};
+typedef struct zebdb_pldm_firmware_pending_list {
+    uint32_t count;  ///< number of entries
+    void* entries;   ///< the entries, or null; the caller releases them with free()
+} zebdb_pldm_firmware_pending_list;
 
 /// The handle on the inventory database, or null when the database is unavailable. It stays the platform's.
 _zeb_db_handle_t* get_dmdb_handle(void);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-/// What the inventory service of a workstation gives where the controller's own is free to choose.
+/// What the inventory service of a workstation gives where the controller's own is free to choose. For C and C++.
 ///
 /// The database is the file that the environment variable ZEBDB_DATABASE names, "inventory.db" in the working directory
 /// without it; it is opened once in a process and made when it is missing. Sequence numbers stand in the table
@@ -12,9 +12,9 @@
 #include <inventory_service.h>
 
 /// One entry of zebdb_pldm_firmware_pending_list: NUL-terminated texts, cut to fit.
-struct zebdb_pldm_firmware_pending_entry {
+typedef struct zebdb_pldm_firmware_pending_entry {
     char component[64];
     char version[32];
-};
+} zebdb_pldm_firmware_pending_entry;
 
 #endif

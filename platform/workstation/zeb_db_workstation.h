@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-/// Opening and closing an inventory database on a workstation, where it is a SQLite file.
+/// Opening and closing an inventory database on a workstation, where it is a SQLite file. For C and C++.
 #ifndef ZEB_DB_WORKSTATION_H
 #define ZEB_DB_WORKSTATION_H
 
@@ -29,10 +29,10 @@ int zeb_db_schema_version(void);
 void zeb_db_close(_zeb_db_handle_t* handle);
 
 /// Something that a database could not do.
-struct zeb_db_failure_t {
+typedef struct zeb_db_failure_t {
     int code;          ///< what the call returned
     const char* text;  ///< for people, at most 1023 bytes, maybe lines: "insert into PCIs: database or disk is full"
-};
+} zeb_db_failure_t;
 
 /// The first failure in this thread since the last call of zeb_db_forget_failure(), or null; those that follow are its
 /// consequences as a rule. Every function of zeb_db.h, inventory_service.h and this header counts, whoever called it; a

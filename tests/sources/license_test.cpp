@@ -29,7 +29,7 @@ bool is_one_of(const std::string& name, const std::vector<std::string>& names) {
 std::string license_line(const std::string& file, const std::string& text) {
     const std::string identifier = "SPDX-License-Identifier: Apache-2.0\n\n";
     const std::string type = std::filesystem::path(file).extension();
-    if (is_one_of(type, {".cpp", ".h"})) {
+    if (is_one_of(type, {".c", ".cpp", ".h"})) {
         return "// " + identifier;
     }
     const bool is_script = text.compare(0, 2, "#!") == 0 || is_one_of(type, {".bash", ".cmake", ".in", ".py", ".sh"}) ||
@@ -69,7 +69,7 @@ TEST(Sources, BeginWithTheirLicense) {
 
 TEST(Sources, AreOfEveryLanguage) {
     const std::vector<std::string> files = sources();
-    for (const char* name : {".cpp", ".h", ".sh", ".py", ".bash", ".cmake", ".in", "/CMakeLists.txt"}) {
+    for (const char* name : {".c", ".cpp", ".h", ".sh", ".py", ".bash", ".cmake", ".in", "/CMakeLists.txt"}) {
         EXPECT_THAT(files, Contains(EndsWith(name)));
     }
     for (const char* folder : source_folders) {
