@@ -14,6 +14,7 @@
 #include "zebdb_cds_parser/parser.h"
 #include "zebdb_cds_parser/setting_group.h"
 #include "zebdb_cds_parser/setting_node.h"
+#include "zebdb_cds_parser/version.h"
 // IWYU pragma: end_exports
 
 #endif

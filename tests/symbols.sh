@@ -11,9 +11,9 @@ set -euo pipefail
 shopt -s inherit_errexit
 export LC_ALL=C
 
-# The names alone, in order. A library without any is no library.
+# The names alone, in order, without their versions and the names of these. A library without any is no library.
 names() {
-    nm -D -P "$@" | sed 's/[@ ].*//' | sort -u | grep .
+    nm -D -P "$@" | sed '/ A /d; s/[@ ].*//' | sort -u | grep .
 }
 
 exported() {

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include <zebdb_cds_parser/version.h>
+
 #include "console/output.h"
 #include "subcommands/command_line.h"
 #include "subcommands/subcommand.h"
@@ -31,7 +33,7 @@ int refuse(const CLI::App& app, const CLI::Error& error) {
 
 int run(int argc, char** argv) {
     CLI::App app(purpose, "zebdb-cds");
-    app.set_version_flag("--version", "zebdb-cds " ZEBDB_VERSION, "Print the version and exit");
+    app.set_version_flag("--version", "zebdb-cds " ZEBDB_CDS_PARSER_VERSION_STRING, "Print the version and exit");
     app.footer(statuses);
     app.require_subcommand(0, 1);  // the name of a file may be that of a subcommand
 

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <zebdb_cds_parser/version.h>
+
 #include "tools/subcommands/command_test.h"
 
 using testing::ContainsRegex;
@@ -30,7 +32,7 @@ TEST_F(Usage, HelpOfASubcommandNamesItsArguments) {
 TEST_F(Usage, VersionIsOneLine) {
     const command_result result = run("zebdb-cds --version");
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "zebdb-cds " ZEBDB_VERSION "\n");
+    EXPECT_EQ(result.out, "zebdb-cds " ZEBDB_CDS_PARSER_VERSION_STRING "\n");
     EXPECT_THAT(result.err, IsEmpty());
 }
 
