@@ -75,8 +75,8 @@ TEST(Documents, NameNoPathThatIsNotThere) {
 }
 
 TEST(PathsInADocument, ThatAreNotThereAreTold) {
-    EXPECT_THAT(missing_paths("`docs/missing.md`, `docs/missing`, `scripts/missing now` and `docs/NAME.cpp`"),
-                ElementsAre("docs/missing.md", "docs/missing", "scripts/missing", "docs/NAME.cpp"));
+    EXPECT_THAT(missing_paths("`docs/missing.md`, `docs/missing`, `scripts/missing now` and `docs/NAME.hpp`"),
+                ElementsAre("docs/missing.md", "docs/missing", "scripts/missing", "docs/NAME.hpp"));
 }
 
 TEST(PathsInADocument, ThatAreThereAreFine) {
