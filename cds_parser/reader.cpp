@@ -7,7 +7,6 @@
 #include <fstream>
 #include <ios>
 #include <istream>
-#include <sstream>
 #include <string>
 
 #include <libxml/tree.h>
@@ -102,9 +101,11 @@ bool read_child(Parent& parent, void (Parent::*add)(Child*), xmlNode* record) {
 }
 
 [[noreturn]] void throw_unexpected(xmlNode* record, const char* parent_tag) {
-    std::ostringstream message;
-    message << "Unexpected node '" << sysxml::node(record).name() << "' in " << parent_tag;
-    throw node_error(message.str());
+    std::string message = "Unexpected node '";
+    if (const char* name = sysxml::node(record).name()) {
+        message.append(name).append("' in ").append(parent_tag);
+    }
+    throw node_error(message);
 }
 
 // Reads the element of a component or slot group: setting groups and, handed to `add`, children of one other kind.

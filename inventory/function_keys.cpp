@@ -117,8 +117,10 @@ int read_fkeys_fromFile(const char* path, function_key_list& keys) {
 }
 
 std::optional<std::uint32_t> first_vanished_key(const function_key_list& saved, const function_key_list& present) {
-    const auto vanished = std::find_if(saved.begin(), saved.end(), [&present](std::uint32_t key) {
-        return std::find(present.begin(), present.end(), key) == present.end();
-    });
-    return vanished == saved.end() ? std::nullopt : std::optional<std::uint32_t>(*vanished);
+    for (const std::uint32_t key : saved) {
+        if (std::find(present.begin(), present.end(), key) == present.end()) {
+            return key;
+        }
+    }
+    return std::nullopt;
 }
