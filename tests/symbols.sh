@@ -5,7 +5,8 @@
 #
 #   symbols.sh exported LIBRARY           the symbols that LIBRARY shows to others
 #   symbols.sh needed LIBRARY PROVIDER    those that LIBRARY leaves undefined and PROVIDER shows
-#   symbols.sh check LIST exported|needed ...
+#   symbols.sh called LIBRARY PATTERN     those that LIBRARY leaves undefined and the extended regular expression matches
+#   symbols.sh check LIST exported|needed|called ...
 #                                         status 1 and the differences when they are not those in the file LIST
 set -euo pipefail
 shopt -s inherit_errexit
@@ -25,6 +26,12 @@ needed() {
     undefined=$(names --undefined-only "$1")
     provided=$(exported "$2")
     comm -12 <(echo "$undefined") <(echo "$provided")
+}
+
+called() {
+    local undefined
+    undefined=$(names --undefined-only "$1")
+    grep -E "$2" <<<"$undefined" || true
 }
 
 # Adds what a mangled name says.
@@ -49,7 +56,7 @@ check() {
 }
 
 case ${1-} in
-    exported | needed)
+    exported | needed | called)
         "$@" | readable
         ;;
     check)
