@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// The one header to include: the CDS element tree, the loader and the entry points.
 #ifndef ZEBDB_CDS_PARSER_H
 #define ZEBDB_CDS_PARSER_H

@@ -46,6 +46,7 @@ public:
     /// Appends every setting group of that name to `out`, first added first; `out` keeps what it held.
     void get_setting_group(const char* name, std::vector<setting_group*>& out) const;
 
+    /// Whether there is a setting group of that name.
     bool has_setting_group(const char* name) const;
 
     /// Destroys every setting group of that name; false when there is none.

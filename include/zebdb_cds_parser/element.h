@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// What the four kinds of node of a CDS tree have in common.
 #ifndef ZEBDB_CDS_PARSER_ELEMENT_H
 #define ZEBDB_CDS_PARSER_ELEMENT_H
@@ -11,17 +12,19 @@
 
 namespace cds_parser {
 
+/// The class of an element.
 enum element_type {
-    setting_node_type = 0,
-    setting_group_type = 1,
-    child_slot_group_type = 2,
-    component_type = 3,
+    setting_node_type = 0,      ///< a setting_node
+    setting_group_type = 1,     ///< a setting_group
+    child_slot_group_type = 2,  ///< a child_slot_group
+    component_type = 3,         ///< a component
 };
 
 /// Abstract base of the tree's nodes. A container owns what was added to it and destroys it through this class, so
 /// every element but a document's root lives on the heap. Elements are not copied.
 class ZEBDB_CDS_PARSER_EXPORT element {
 public:
+    /// An element at that level.
     explicit element(std::uint32_t level);
     virtual ~element();
     element(const element&) = delete;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// The entry points that the controller's inventory service calls.
 ///
 /// For C and C++; read_inventory_digest() is for C++ alone.

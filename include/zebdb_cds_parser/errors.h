@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// What the CDS reader throws when the content of a file breaks the grammar.
 #ifndef ZEBDB_CDS_PARSER_ERRORS_H
 #define ZEBDB_CDS_PARSER_ERRORS_H
@@ -16,6 +17,7 @@ namespace cds_parser {
 /// CDATA section say, the message is "Unexpected node '" and no more.
 class ZEBDB_CDS_PARSER_EXPORT node_error : public sysipc::exception {
 public:
+    /// A failure with that message.
     explicit node_error(const std::string& message);
     ~node_error() override;
 };
@@ -23,6 +25,7 @@ public:
 /// A setting or a setting group has no name: "empty setting name" or "empty setting group name".
 class ZEBDB_CDS_PARSER_EXPORT name_error : public sysipc::exception {
 public:
+    /// A failure with that message.
     explicit name_error(const std::string& message);
     ~name_error() override;
 };

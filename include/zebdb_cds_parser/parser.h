@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// The loader: walks a CDS tree and writes one inventory row a processor, memory device, PCI bridge and PCI function.
 #ifndef ZEBDB_CDS_PARSER_PARSER_H
 #define ZEBDB_CDS_PARSER_PARSER_H
@@ -23,9 +24,9 @@ class ZEBDB_CDS_PARSER_EXPORT parser {
 public:
     /// Hands each component of a walk to its parser and counts the failures.
     struct component_visitor {
-        _zeb_db_handle_t* handle;
-        parser* owner;
-        unsigned failures = 0;
+        _zeb_db_handle_t* handle;  ///< where the rows go
+        parser* owner;             ///< who writes them
+        unsigned failures = 0;     ///< how many components failed
 
         /// The result of parse_component(); a null component or a result of 0 counts as a failure and gives 0.
         int operator()(component* visited);
@@ -33,12 +34,13 @@ public:
 
     /// Hands each component of a slot group to a component visitor.
     struct child_slot_group_visitor {
-        component_visitor* visitor;
+        component_visitor* visitor;  ///< who gets the components
 
         /// 0 for a null group, else 1, whatever its components gave.
         int operator()(child_slot_group* visited) const;
     };
 
+    /// A walk that has not begun.
     parser();
     /// Does what clear() does.
     ~parser();
@@ -62,12 +64,18 @@ public:
     /// Writes the rows of one component and everything below it. 1, or 0 when one of them failed or it is null.
     int parse_component(_zeb_db_handle_t* handle, component* visited);
 
-    /// The record writers: one row of a component that carries "cpu_info", "memory_info", "pci_bridge_info" or
-    /// "pci_device_info". Nonzero for success, which includes a component that has nothing to record; 0 when the group
-    /// is missing or, with a logged line, when the row could not be inserted. They need the buffer of init().
+    /// Writes one row of a component that carries "cpu_info". As with each writer of records, nonzero is success, which
+    /// includes a component that has nothing to record; 0 means that the group is missing or, with a logged line, that
+    /// the row could not be inserted. Each needs the buffer of init().
     int parse_processor(_zeb_db_handle_t* handle, component* visited);
+
+    /// Writes one row of a component that carries "memory_info", as parse_processor() does.
     int parse_memory(_zeb_db_handle_t* handle, component* visited);
+
+    /// Writes one row of a component that carries "pci_bridge_info", as parse_processor() does.
     int parse_pci_bridge(_zeb_db_handle_t* handle, component* visited);
+
+    /// Writes one row of a component that carries "pci_device_info", as parse_processor() does.
     int parse_pci_device(_zeb_db_handle_t* handle, component* visited);
 
     /// Memory arrays leave no rows: does nothing and returns 1.

@@ -41,6 +41,7 @@ public:
     /// The setting of that name, or null.
     setting_node* get_setting(const char* name) const;
 
+    /// Whether there is a setting of that name.
     bool has_setting(const char* name) const;
 
     /// Destroys every setting; the group keeps its name.

@@ -60,6 +60,7 @@ public:
     std::string name;
     /// The value text, exactly as it was read.
     std::string value;
+    /// Which value element supplied it.
     setting_value_type value_type;
 };
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// The version of the library: at compile time that of these headers, at run time that of the library loaded. What may
 /// change from one version to the next stands in docs/versions.md. For C and C++.
 #ifndef ZEBDB_CDS_PARSER_VERSION_H

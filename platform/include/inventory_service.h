@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// The services of the controller's inventory daemon that a refresh and a change test call. For C and C++.
 #ifndef INVENTORY_SERVICE_H
 #define INVENTORY_SERVICE_H

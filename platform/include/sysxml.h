@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// The controller's XML library: documents of libxml2 node records.
 #ifndef SYSXML_H
 #define SYSXML_H
@@ -8,6 +9,7 @@
 #include <memory>
 
 struct _xmlNode;
+/// A node record of libxml2.
 typedef struct _xmlNode xmlNode;
 
 namespace sysxml {
@@ -24,6 +26,7 @@ public:
 /// A view of one node record. It owns nothing and is valid as long as its document.
 class __attribute__((visibility("default"))) node {
 public:
+    /// A view of that record.
     explicit node(xmlNode* record);
 
     /// The record that this handle refers to.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// The client of the controller's inventory database, as this library uses it.
 ///
 /// Every function returns 0 for success and an error code otherwise, unless it says something else. Handles, buffers

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// What the inventory service of a workstation gives where the controller's own is free to choose. For C and C++.
 ///
 /// The database is the file that the environment variable ZEBDB_DATABASE names, "inventory.db" in the working directory
@@ -13,8 +14,8 @@
 
 /// One entry of zebdb_pldm_firmware_pending_list: NUL-terminated texts, cut to fit.
 typedef struct zebdb_pldm_firmware_pending_entry {
-    char component[64];
-    char version[32];
+    char component[64];  ///< what would be updated
+    char version[32];    ///< the version that waits
 } zebdb_pldm_firmware_pending_entry;
 
 #endif

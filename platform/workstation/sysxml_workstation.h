@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// What the XML library of a workstation tells about a document that it refuses.
 #ifndef SYSXML_WORKSTATION_H
 #define SYSXML_WORKSTATION_H
@@ -15,12 +16,14 @@ namespace sysxml {
 /// What document's constructor throws. The message is for people and begins with the place, where there is one.
 class __attribute__((visibility("default"))) read_error : public sysipc::exception {
 public:
+    /// A failure at that place, both numbers 0 for none.
     read_error(const std::string& message, std::int32_t line, std::int32_t column);
     ~read_error() override;
 
-    /// Where in the stream the problem is, counted from 1. Both are 0 when it has no place there, when the stream
-    /// itself failed in particular.
+    /// The line of the problem in the stream, counted from 1; 0 when it has no place there, when the stream itself
+    /// failed in particular.
     std::int32_t line() const { return first(); }
+    /// The column, likewise.
     std::int32_t column() const { return second(); }
 };
 

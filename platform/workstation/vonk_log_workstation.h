@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// Where the log goes on a workstation: standard error with the level in front, or the system's log when the
 /// environment holds VONK_LOG=syslog. A program may take the lines itself.
 #ifndef VONK_LOG_WORKSTATION_H
@@ -10,7 +11,12 @@
 #pragma GCC visibility push(default)
 namespace vonk_log {
 
-enum class level { error, warning, info };
+/// How bad it is.
+enum class level {
+    error,    ///< something failed
+    warning,  ///< something is odd
+    info,     ///< something was done
+};
 
 /// Takes one log text, without a level and as it was formatted; `context` is what set_sink() was given.
 using sink = void (*)(void* context, level at, const char* text);
@@ -20,7 +26,7 @@ using sink = void (*)(void* context, level at, const char* text);
 void set_sink(sink taken_by, void* context);
 
 /// Writes a line to the usual place, whatever the sink. On standard error control characters but tabs and line ends are
-/// written as \x1b.
+/// written as escapes, a backslash and x1b say.
 void write(level at, const char* text);
 
 }  // namespace vonk_log

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+/// @file
 /// Opening and closing an inventory database on a workstation, where it is a SQLite file. For C and C++.
 #ifndef ZEB_DB_WORKSTATION_H
 #define ZEB_DB_WORKSTATION_H

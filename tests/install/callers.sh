@@ -23,7 +23,7 @@ read -a libraries <<<"$(pkg-config --libs zebdb_cds_parser)"
 # Each header that says that it is for C and C++, by itself.
 headers_in_c() {
     local header headers
-    headers=$(cd "$installed/include" && grep -rlF 'For C and C++' *)
+    headers=$(cd "$installed/include" && grep -rlF 'For C and C++' .)
     for header in $headers; do
         "${CC:-cc}" -std=c11 -Wall -Wextra -Wpedantic -Wstrict-prototypes -Werror "${includes[@]}" -fsyntax-only -x c - \
             <<<"#include <$header>"
@@ -50,6 +50,18 @@ callers_with() {
 # A load leaves a file in /tmp.
 in_sandbox() {
     "$installed/libexec/zebdb-cds/sandbox" --keep "$work" "$work/sandbox" "$@" 2>"$work/log"
+}
+
+# The examples of the reference do what they say.
+examples() {
+    local server=$here/../../samples/two-socket-server.xml
+    rm -f "$work"/*.db
+    in_sandbox "$work/load_inventory" "$work/one.db" "$server"
+    in_sandbox "$work/load_inventory_in_c" "$work/other.db" "$server"
+    "$installed/bin/zebdb-cds" diff "$work/one.db" "$server"
+    "$installed/bin/zebdb-cds" diff "$work/other.db" "$server"
+    diff <(printf 'CPU %s: 20 cores\n' 1 2) <("$work/walk_tree" "$server")
+    if "$work/walk_tree" "$here/../../samples/errors/setting-without-name.xml"; then return 1; fi
 }
 
 # Every linker makes a caller that starts, also when it drops the libraries that the caller does not name.
@@ -79,3 +91,4 @@ callers_with "$installed/lib"
 callers_with "$controller/lib:$installed/lib"
 [ -z "$(needed_by "$controller/lib/libzebdb_cds_parser.so")" ]
 callers_by_linker
+examples
