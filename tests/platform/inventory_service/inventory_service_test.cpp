@@ -396,12 +396,11 @@ protected:
     void SetUp() override {
         InventoryService::SetUp();
         write_file(named_database, "");
-        sqlite_database database(named_database);
-        database.run("PRAGMA encoding = 'UTF-16le'; CREATE TABLE Aside (Id)");
+        sqlite_database opened(named_database);
+        opened.run("PRAGMA encoding = 'UTF-16le'; CREATE TABLE Aside (Id)");
         ASSERT_NE(get_dmdb_handle(), nullptr);
-        database.run(
-            "INSERT INTO PendingFirmware (Component, Version) SELECT 'NIC', '2.0'; UPDATE PendingFirmware SET " +
-            std::string(GetParam()) + " = printf('%.*c', 100000, 'x')");
+        opened.run("INSERT INTO PendingFirmware (Component, Version) SELECT 'NIC', '2.0'; UPDATE PendingFirmware SET " +
+                   std::string(GetParam()) + " = printf('%.*c', 100000, 'x')");
     }
 };
 
