@@ -26,8 +26,8 @@ namespace {
 constexpr const char* standard_input = "-";
 constexpr const char* standard_input_path = "/dev/stdin";
 
-// Of what can be read only once and is kept in memory for another look; it may have no end.
-constexpr std::size_t most_passed_bytes = std::size_t{256} << 20;
+// Ends no XML document, in whatever encoding of one, two or four bytes.
+constexpr const char* no_end = "<<<<<<<<";
 
 [[noreturn]] void fail(int error) {
     throw failure(std::strerror(error));
@@ -56,18 +56,26 @@ std::string input_title(const std::string& name) {
 
 // What went through the pipe that stands for an input which can be read only once.
 struct input_file::passed_bytes {
+    explicit passed_bytes(std::size_t most) : most_bytes(most) {}
+
+    int error() {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return read_error;
+    }
+
+    const std::size_t most_bytes;
     std::mutex mutex;
     std::string content;
     int read_error = 0;
 };
 
-input_file::input_file(const std::string& name) : path_(name) {
+input_file::input_file(const std::string& name, std::size_t most_bytes_passed) : path_(name) {
     if (name == standard_input) {
         require_open_for_reading();
         ::fstat(STDIN_FILENO, &status_);
         // Not everything that standard input may be can be opened by a path: a socket cannot, nor a file that only the
         // program's caller may open, and a file would be read from its start again. So the pipe takes its place.
-        const int pipe = pass_on(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3));
+        const int pipe = pass_on(::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 3), most_bytes_passed);
         if (::dup2(pipe, STDIN_FILENO) == -1) {
             fail(errno);
         }
@@ -83,7 +91,7 @@ input_file::input_file(const std::string& name) : path_(name) {
     }
     const int file = open_for_reading(name);
     if (!S_ISREG(status_.st_mode)) {
-        path_ = "/dev/fd/" + std::to_string(pass_on(file));
+        path_ = "/dev/fd/" + std::to_string(pass_on(file, most_bytes_passed));
         return;
     }
     ::close(file);
@@ -93,12 +101,12 @@ input_file::input_file(const std::string& name) : path_(name) {
 }
 
 // Gives the end of a pipe to read from what `source` has. The copying ends with the input or with the program.
-int input_file::pass_on(int source) {
+int input_file::pass_on(int source, std::size_t most_bytes_passed) {
     int ends[2];
     if (source == -1 || ::pipe2(ends, O_CLOEXEC) == -1) {
         fail(errno);
     }
-    passed_ = std::make_shared<passed_bytes>();
+    passed_ = std::make_shared<passed_bytes>(most_bytes_passed);
     std::thread(pass, source, ends[1], passed_).detach();
     return ends[0];
 }
@@ -112,7 +120,7 @@ bool input_file::pass_block(int source, int sink, passed_bytes& passed) {
     {
         const std::lock_guard<std::mutex> lock(passed.mutex);
         passed.content += bytes;
-        passed.read_error = passed.content.size() > most_passed_bytes ? EFBIG : error;
+        passed.read_error = passed.content.size() > passed.most_bytes ? EFBIG : error;
         if (bytes.empty() || passed.read_error != 0) {
             return false;
         }
@@ -120,23 +128,27 @@ bool input_file::pass_block(int source, int sink, passed_bytes& passed) {
     return write_all(sink, bytes) == 0;
 }
 
-void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed) {
+void input_file::pass_all(int source, int sink, passed_bytes& passed) {
     try {
-        while (pass_block(source, sink, *passed)) {
+        while (pass_block(source, sink, passed)) {
         }
     } catch (const std::bad_alloc&) {
-        const std::lock_guard<std::mutex> lock(passed->mutex);
-        passed->read_error = ENOMEM;
+        const std::lock_guard<std::mutex> lock(passed.mutex);
+        passed.read_error = ENOMEM;
+    }
+}
+
+// Who reads what came before an error must not take it for all.
+void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed) {
+    pass_all(source, sink, *passed);
+    if (passed->error() != 0) {
+        write_all(sink, no_end);
     }
     ::close(sink);
 }
 
 int input_file::read_error() const {
-    if (is_on_disk()) {
-        return 0;
-    }
-    const std::lock_guard<std::mutex> lock(passed_->mutex);
-    return passed_->read_error;
+    return is_on_disk() ? 0 : passed_->error();
 }
 
 std::unique_ptr<std::istream> input_file::read_again() const {

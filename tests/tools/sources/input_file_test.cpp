@@ -9,7 +9,11 @@
 #include <iterator>
 #include <thread>
 
+#include <zebdb_cds_parser.h>
+
 #include "console/failure.h"
+#include "sources/cds_file.h"
+#include "support/cds_text.h"
 #include "support/scratch_file.h"
 #include "support/scratch_folder.h"
 
@@ -19,13 +23,18 @@ std::string all_of(std::istream& in) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-std::string refusal_of(const std::string& name) {
+template <class Action>
+std::string refusal_of(Action action) {
     try {
-        const input_file input(name);
+        action();
     } catch (const failure& cause) {
         return cause.what();
     }
     return "none";
+}
+
+std::string refusal_of_file(const std::string& name) {
+    return refusal_of([&name] { const input_file input(name); });
 }
 
 }  // namespace
@@ -56,10 +65,36 @@ TEST(InputFile, ThatIsAPipeIsReadOnceAndKeptForAnotherLook) {
     EXPECT_EQ(input.read_error(), 0);
 }
 
+TEST(InputFile, ThatIsAPipeIsNoDocumentWhenItGoesOnWithoutAnEnd) {
+    const scratch_folder folder;
+    const std::string path = folder.file("pipe");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const std::string text = cds_file("") + std::string(100'000, ' ');
+    std::thread writer([&path, &text] { std::ofstream(path) << text; });
+    const input_file input(path, 99'000);
+    std::ifstream in(input.path());
+    cds_parser::document document;
+    EXPECT_EQ(refusal_of([&] { read_cds(in, input, document); }), "File too large");
+    writer.join();
+}
+
+TEST(InputFile, ThatIsAPipeMayBeAsLongAsIsRead) {
+    const scratch_folder folder;
+    const std::string path = folder.file("pipe");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const std::string text = cds_file("");
+    std::thread writer([&path, &text] { std::ofstream(path) << text; });
+    const input_file input(path, text.size());
+    std::ifstream in(input.path());
+    cds_parser::document document;
+    EXPECT_EQ(refusal_of([&] { read_cds(in, input, document); }), "none");
+    writer.join();
+}
+
 TEST(InputFile, IsRefusedWhenItIsPlainThatItCannotBeRead) {
-    EXPECT_EQ(refusal_of("missing"), "No such file or directory");
-    EXPECT_EQ(refusal_of("."), "Is a directory");
-    EXPECT_EQ(refusal_of(scratch_file("").path()), "the file is empty");
+    EXPECT_EQ(refusal_of_file("missing"), "No such file or directory");
+    EXPECT_EQ(refusal_of_file("."), "Is a directory");
+    EXPECT_EQ(refusal_of_file(scratch_file("").path()), "the file is empty");
 }
 
 TEST(InputTitle, IsTheNameInQuotesOrStandardInput) {
