@@ -2,8 +2,6 @@
 
 #include "sources/database_file.h"
 
-#include <fcntl.h>
-#include <signal.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,6 +11,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iterator>
+#include <memory>
 #include <new>
 #include <optional>
 #include <string>
@@ -23,6 +22,7 @@
 #include "console/output.h"
 #include "rows/kinds.h"
 #include "sources/connection.h"
+#include "sources/memory_database.h"
 
 namespace {
 
@@ -39,33 +39,8 @@ constexpr advice advices[] = {
     {SQLITE_CORRUPT, "name another file with --database or load into a new one"},
 };
 
-constexpr int lock_timeout_ms = 1000;
-
-// On a terminal that closes, for Ctrl-C, and for a plain kill.
-constexpr int interruptions[] = {SIGHUP, SIGINT, SIGTERM};
-
-// What a signal handler takes away: a file that is being filled and its journal.
-std::string made_path;
-std::string made_journal;
-
-void unlink_made_files() {
-    ::unlink(made_journal.c_str());
-    ::unlink(made_path.c_str());
-}
-
-void unlink_and_die(int signal) {
-    unlink_made_files();
-    ::signal(signal, SIG_DFL);
-    ::raise(signal);
-}
-
-void on_interruption(void (*handler)(int)) {
-    for (const int signal : interruptions) {
-        if (::signal(signal, handler) == SIG_IGN) {
-            ::signal(signal, SIG_IGN);  // as nohup wants it
-        }
-    }
-}
+constexpr int judging_timeout_ms = 1000;
+constexpr int writing_timeout_ms = 5000;
 
 std::string folder_of(const std::string& path) {
     const std::size_t slash = path.rfind('/');
@@ -89,34 +64,30 @@ std::string target_of(const std::string& path) {
     return target;
 }
 
-file_identity identity_of(const std::string& path) {
-    struct stat status = {};
-    return ::stat(path.c_str(), &status) == 0 ? file_identity{status.st_dev, status.st_ino} : file_identity{};
-}
-
-connection_ptr open_for_writing(const std::string& path) {
+connection_ptr open(const std::string& name, int flags, int timeout_ms) {
     sqlite3* connection = nullptr;
-    sqlite3_open_v2(sqlite_name(path).c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr);
+    sqlite3_open_v2(name.c_str(), &connection, flags, nullptr);
+    if (connection == nullptr) {
+        throw std::bad_alloc();
+    }
+    sqlite3_busy_timeout(connection, timeout_ms);
     return connection_ptr(connection);
 }
 
-bool run(const connection_ptr& connection, const std::string& sql) {
-    return sqlite3_exec(connection.get(), sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+bool is_empty(const std::string& path) {
+    struct stat status = {};
+    return ::stat(path.c_str(), &status) == 0 && status.st_size == 0;
 }
 
-// Also where that cannot be told. A table that is missing has none.
-bool holds_rows(const connection_ptr& connection) {
-    const auto found = [](void* rows, int, char**, char**) {
-        *static_cast<bool*>(rows) = true;
-        return 0;
-    };
-    bool rows = false;
-    for (const inventory_kind* kind : kinds::all) {
-        const std::string sql = std::string("SELECT 1 FROM ") + kind->record.table + " LIMIT 1";
-        const int rc = sqlite3_exec(connection.get(), sql.c_str(), found, &rows, nullptr);
-        rows = rows || (rc != SQLITE_OK && rc != SQLITE_ERROR);
+struct backup_finisher {
+    void operator()(sqlite3_backup* copying) const { sqlite3_backup_finish(copying); }
+};
+using backup_ptr = std::unique_ptr<sqlite3_backup, backup_finisher>;
+
+void require_done(int rc, const std::string& action) {
+    if (rc != SQLITE_OK && rc != SQLITE_DONE) {
+        throw failure(with_advice(rc & 0xFF, action + ": " + sqlite3_errstr(rc)));
     }
-    return rows;
 }
 
 // SQLite would wait for a pipe to be written to, and a device may have no end.
@@ -145,10 +116,7 @@ struct table_counts {
 
 // Of a database that can be read.
 std::optional<table_counts> tables_of(const std::string& path) {
-    sqlite3* opened = nullptr;
-    sqlite3_open_v2(sqlite_name(path).c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
-    const connection_ptr connection(opened);
-    sqlite3_busy_timeout(opened, lock_timeout_ms);
+    const connection_ptr connection = open(sqlite_name(path), SQLITE_OPEN_READONLY, judging_timeout_ms);
     const auto count = [](void* counts, int, char** names, char**) {
         auto& [inventory, others] = *static_cast<table_counts*>(counts);
         ++(names[0] != nullptr && is_inventory_table(names[0]) ? inventory : others);
@@ -156,7 +124,7 @@ std::optional<table_counts> tables_of(const std::string& path) {
     };
     table_counts counts;
     const int rc = sqlite3_exec(
-        opened,
+        connection.get(),
         "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite!_%' ESCAPE '!'",
         count, &counts, nullptr);
     if (rc == SQLITE_NOMEM) {
@@ -201,7 +169,8 @@ void require_inventory(const std::string& path) {
 }
 
 void roll_back_interrupted_write(const std::string& path) {
-    run(open_for_writing(path), "SELECT count(*) FROM sqlite_master");
+    const connection_ptr connection = open(sqlite_name(path), SQLITE_OPEN_READWRITE, judging_timeout_ms);
+    sqlite3_exec(connection.get(), "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
 }
 
 std::string with_advice(int code, const std::string& problem) {
@@ -210,52 +179,30 @@ std::string with_advice(int code, const std::string& problem) {
     return found == std::end(advices) ? problem : problem + "; " + found->what_to_do;
 }
 
-new_database_file::new_database_file(const std::string& path) : path_(target_of(path)) {
-    const int file = ::open(path_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
-    if (file == -1 && errno != EEXIST) {
+bool is_to_be_made(const std::string& path) {
+    struct stat status = {};
+    if (::stat(path.c_str(), &status) == 0) {
+        refuse_what_is_no_file(path);
+        return status.st_size == 0;
+    }
+    if (errno != ENOENT || ::access(folder_of(target_of(path)).c_str(), W_OK | X_OK) != 0) {
         fail_to_make(path, errno);
     }
-    if (file == -1) {
-        refuse_what_is_no_file(path);
-    } else {
-        ::close(file);
-        made_ = true;
-        made_path = path_;
-        made_journal = path_ + "-journal";
-        on_interruption(unlink_and_die);
-    }
-    identity_ = identity_of(path_);
+    return true;
 }
 
-new_database_file::~new_database_file() {
-    try {
-        take_away();
-    } catch (const std::bad_alloc&) {
-        keep();  // with its empty tables
+// From the first step on nobody else has a lock.
+bool make_database(const std::string& path, const memory_database& source) {
+    const std::string file = target_of(path);
+    const connection_ptr from = open(source.sqlite_name(), SQLITE_OPEN_READWRITE, writing_timeout_ms);
+    const connection_ptr to = open(sqlite_name(file), SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, writing_timeout_ms);
+    require_done(sqlite3_errcode(to.get()), "open");
+    const backup_ptr copying(sqlite3_backup_init(to.get(), "main", from.get(), "main"));
+    require_done(sqlite3_errcode(to.get()), "begin a transaction");
+    require_done(sqlite3_backup_step(copying.get(), 1), "begin a transaction");
+    if (!is_empty(file)) {
+        return false;
     }
-}
-
-// Whoever waits for the lock finds a database that is gone.
-void new_database_file::take_away() {
-    if (!made_) {
-        return;
-    }
-    const connection_ptr connection = open_for_writing(path_);
-    sqlite3_busy_timeout(connection.get(), lock_timeout_ms);
-    if (run(connection, "BEGIN EXCLUSIVE") && !was_replaced() && !holds_rows(connection)) {
-        unlink_made_files();
-    }
-    keep();
-}
-
-void new_database_file::keep() {
-    if (made_) {
-        on_interruption(SIG_DFL);
-    }
-    made_ = false;
-}
-
-bool new_database_file::was_replaced() const {
-    const file_identity now = identity_of(path_);
-    return now.device != identity_.device || now.number != identity_.number;
+    require_done(sqlite3_backup_step(copying.get(), -1), "commit");
+    return true;
 }

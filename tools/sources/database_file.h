@@ -4,15 +4,9 @@
 #ifndef TOOLS_SOURCES_DATABASE_FILE_H
 #define TOOLS_SOURCES_DATABASE_FILE_H
 
-#include <sys/types.h>
-
 #include <string>
 
-/// Which file stands at a path.
-struct file_identity {
-    dev_t device = 0;
-    ino_t number = 0;  ///< 0 for none
-};
+#include "sources/memory_database.h"
 
 /// The name by which SQLite takes `path` for a file, whatever characters it begins with.
 std::string sqlite_name(const std::string& path);
@@ -34,28 +28,13 @@ void roll_back_interrupted_write(const std::string& path);
 /// `problem` and what to do about it, where there is something to do about a failure with that code of SQLite.
 std::string with_advice(int code, const std::string& problem);
 
-/// Makes the file of a database that is about to be filled, when there is none. Unless it is kept, a file that was made
-/// is taken away again with its journal; but not where another program has filled it meanwhile, unless this one is
-/// interrupted. One at a time; no connection of this process may be in a transaction on it then.
-class new_database_file {
-public:
-    /// Throws failure when there is no file at `path` and none can be made.
-    explicit new_database_file(const std::string& path);
-    ~new_database_file();
-    new_database_file(const new_database_file&) = delete;
-    new_database_file& operator=(const new_database_file&) = delete;
+/// Whether the database at `path` is still to be made: no file is there, or an empty one. Throws failure when none can
+/// be made.
+bool is_to_be_made(const std::string& path);
 
-    void keep();
-
-    /// Whether another file, or none, stands there by now: another program has taken it away.
-    bool was_replaced() const;
-
-private:
-    void take_away();
-
-    std::string path_;
-    file_identity identity_;
-    bool made_ = false;
-};
+/// Makes the database at `path` of all that is in `source`, with one commit, so that nobody finds a part of it; false,
+/// and nothing is done, when the file there is no longer empty. It stays when this fails, since others may have opened
+/// it by then. Throws failure with the cause alone.
+bool make_database(const std::string& path, const memory_database& source);
 
 #endif

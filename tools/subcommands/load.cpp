@@ -26,6 +26,7 @@
 #include "sources/input_file.h"
 #include "sources/inventory.h"
 #include "sources/library_log.h"
+#include "sources/memory_database.h"
 #include "sources/refusal.h"
 #include "subcommands/command_line.h"
 #include "subcommands/options.h"
@@ -58,45 +59,55 @@ bool load_in_transaction(_zeb_db_handle_t* handle, const char* path) {
     return false;
 }
 
-enum class attempt { done, failed, database_went_away };
+enum class attempt { done, failed, overtaken };
 
-// On some file systems a file never seems to be the same one.
-constexpr int most_attempts = 100;
+// Nobody finds the database before everything is in it.
+attempt make_inventory(const std::string& database, const char* path) {
+    const memory_database rows;
+    if (!load_in_transaction(rows.handle(), path)) {
+        return attempt::failed;
+    }
+    return make_database(database, rows) ? attempt::done : attempt::overtaken;
+}
 
-attempt try_to_load(const std::string& database, const char* path) {
-    new_database_file file(database);
+attempt replace_rows(const std::string& database, const char* path) {
     refuse_foreign_database(database);
     _zeb_db_handle_t* opened = nullptr;
     zeb_db_open(sqlite_name(database).c_str(), &opened);
     handle_ptr handle(opened);
     if (handle != nullptr && load_in_transaction(handle.get(), path)) {
-        file.keep();
         return attempt::done;
     }
     handle.reset();
     roll_back_interrupted_write(database);
-    return file.was_replaced() ? attempt::database_went_away : attempt::failed;
+    return attempt::failed;
 }
 
-// Another load that made the database and was refused takes it away, whoever waits for it; then this one begins anew.
-// Throws failure with the cause alone.
+// Another program may make the database while this one reads. Throws failure with the cause alone.
 void replace_inventory(const load_options& options) {
     const input_file input(options.file);
+    const char* path = input.path().c_str();
+    const bool is_new = is_to_be_made(options.database);
     progress line(input.status());
-    for (int attempts_left = most_attempts;; --attempts_left) {
-        const library_log log(line);
-        const attempt result = try_to_load(options.database, input.path().c_str());
-        if (result == attempt::done) {
-            return;
-        }
-        if (result == attempt::failed || attempts_left == 1 || !S_ISREG(input.status().st_mode)) {
-            throw failure(cause_of_refusal(input, log));
-        }
+    const library_log log(line);
+    attempt result = is_new ? make_inventory(options.database, path) : replace_rows(options.database, path);
+    if (result == attempt::overtaken && input.is_on_disk()) {
+        result = replace_rows(options.database, path);
+    }
+    if (result == attempt::overtaken) {
+        throw failure("another program has made the database meanwhile; try again");
+    }
+    if (result == attempt::failed) {
+        throw failure(cause_of_refusal(input, log));
     }
 }
 
-std::string state_of(const std::string& database) {
-    return in_quotes(database) + (::access(database.c_str(), F_OK) == 0 ? " is unchanged" : " was not made");
+std::string state_of(const std::string& database, bool was_there) {
+    struct stat status = {};
+    if (::stat(database.c_str(), &status) != 0) {
+        return in_quotes(database) + " was not made";
+    }
+    return in_quotes(database) + (was_there || status.st_size != 0 ? " is unchanged" : " is empty");
 }
 
 std::string duration_text(milliseconds duration) {
@@ -120,18 +131,20 @@ std::string summary(const load_options& options, milliseconds duration) {
     return text.str();
 }
 
-failure not_loaded(const load_options& options, const std::string& cause) {
-    return failure("cannot load " + input_title(options.file) + ": " + cause + "; " + state_of(options.database));
+failure not_loaded(const load_options& options, const std::string& cause, bool was_there) {
+    return failure("cannot load " + input_title(options.file) + ": " + cause + "; " +
+                   state_of(options.database, was_there));
 }
 
 int load(const load_options& options) {
     const auto start = steady_clock::now();
+    const bool was_there = ::access(options.database.c_str(), F_OK) == 0;
     try {
         replace_inventory(options);
     } catch (const failure& cause) {
-        throw not_loaded(options, cause.what());
+        throw not_loaded(options, cause.what(), was_there);
     } catch (const std::bad_alloc&) {
-        throw not_loaded(options, "out of memory");
+        throw not_loaded(options, "out of memory", was_there);
     }
     const auto duration = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
     try {

@@ -15,6 +15,7 @@
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/progress.h"
+#include "sources/cds_file.h"
 #include "sources/database_file.h"
 #include "sources/input_file.h"
 #include "sources/library_log.h"
@@ -57,14 +58,23 @@ void run_refresh(const input_file& input, unsigned aim_argument) {
     }
 }
 
+// The service makes the database before the file is read. Throws failure with the cause alone.
+void refuse_before_a_database_is_made(const input_file& input) {
+    if (input.is_on_disk()) {
+        cds_parser::document document;
+        read_cds(*input.read_again(), input, document);
+    }
+}
+
 // What there was before. Throws failure with the cause alone.
 inventory_marks refresh_database(const refresh_options& options) {
     const input_file input(options.file);
-    new_database_file file(options.database);
+    if (is_to_be_made(options.database)) {
+        refuse_before_a_database_is_made(input);
+    }
     refuse_foreign_database(options.database);
     inventory_marks before = read_marks(open_service(options.database));
     run_refresh(input, options.aim_argument);
-    file.keep();
     return before;
 }
 

@@ -5,10 +5,14 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include <zeb_db_workstation.h>
+
 #include <filesystem>
 #include <fstream>
-#include <optional>
+#include <string>
+#include <vector>
 
+#include "sources/memory_database.h"
 #include "support/scratch_folder.h"
 #include "support/sqlite_database.h"
 
@@ -30,54 +34,53 @@ TEST(SqliteName, KeepsAPathFromBeingTakenForSomethingElse) {
     EXPECT_EQ(sqlite_name("a/b.db"), "a/b.db");
 }
 
-class NewDatabaseFile : public testing::Test {
+class NewDatabase : public testing::Test {
 protected:
+    NewDatabase() { sqlite_database(source_.sqlite_name()).run("INSERT INTO Memory (DevLocator) VALUES ('DIMM 1')"); }
+
+    static std::vector<std::string> modules_in(const std::string& path) {
+        return sqlite_database(path).run("SELECT DevLocator FROM Memory");
+    }
+
+    memory_database source_;
     scratch_folder folder_;
     std::string path_ = folder_.file("inventory.db");
 };
 
-TEST_F(NewDatabaseFile, GoesAwayWithItsJournalUnlessItIsKept) {
-    {
-        const new_database_file file(path_);
-        sqlite_database(path_).run("CREATE TABLE Processor (Id INTEGER)");
-    }
+TEST_F(NewDatabase, IsToBeMadeWhereThereIsNoFileOrAnEmptyOne) {
+    EXPECT_TRUE(is_to_be_made(path_));
     EXPECT_FALSE(fs::exists(path_));
-    new_database_file(path_).keep();
-    EXPECT_TRUE(fs::exists(path_));
-}
-
-TEST_F(NewDatabaseFile, StaysWhenAnotherProgramHasFilledIt) {
-    {
-        const new_database_file file(path_);
-        sqlite_database(path_).run("CREATE TABLE Memory (Id INTEGER); INSERT INTO Memory VALUES (1)");
-    }
-    EXPECT_TRUE(fs::exists(path_));
-}
-
-TEST_F(NewDatabaseFile, StaysWhileAnotherProgramFillsIt) {
-    std::optional<sqlite_database> other;
-    {
-        const new_database_file file(path_);
-        other.emplace(path_);
-        other->run("BEGIN IMMEDIATE; CREATE TABLE Memory (Id INTEGER); INSERT INTO Memory VALUES (1)");
-    }
-    EXPECT_TRUE(fs::exists(path_));
-}
-
-TEST_F(NewDatabaseFile, IsMadeAndTakenAwayWhereALinkLeads) {
-    fs::create_symlink("target.db", path_);
-    {
-        const new_database_file file(path_);
-        EXPECT_TRUE(fs::exists(folder_.file("target.db")));
-    }
-    EXPECT_FALSE(fs::exists(folder_.file("target.db")));
-    EXPECT_TRUE(fs::is_symlink(path_));
-}
-
-TEST_F(NewDatabaseFile, IsReplacedWhenAnotherProgramTookItAway) {
+    std::ofstream(path_).flush();
+    EXPECT_TRUE(is_to_be_made(path_));
     std::ofstream(path_) << "something";
-    const new_database_file file(path_);
-    EXPECT_FALSE(file.was_replaced());
-    fs::remove(path_);
-    EXPECT_TRUE(file.was_replaced());
+    EXPECT_FALSE(is_to_be_made(path_));
+}
+
+TEST_F(NewDatabase, HasEverythingThatItsSourceHas) {
+    EXPECT_TRUE(make_database(path_, source_));
+    EXPECT_EQ(modules_in(path_), std::vector<std::string>{"DIMM 1"});
+    EXPECT_EQ(sqlite_database(path_).run("PRAGMA user_version"),
+              std::vector<std::string>{std::to_string(zeb_db_schema_version())});
+    EXPECT_FALSE(fs::exists(path_ + "-journal"));
+}
+
+TEST_F(NewDatabase, IsMadeOfAnEmptyFile) {
+    std::ofstream(path_).flush();
+    EXPECT_TRUE(make_database(path_, source_));
+    EXPECT_EQ(modules_in(path_), std::vector<std::string>{"DIMM 1"});
+}
+
+TEST_F(NewDatabase, IsNotMadeOfOneThatAnotherProgramHasMade) {
+    std::ofstream(path_).flush();
+    sqlite_database(path_).run("CREATE TABLE Memory (DevLocator TEXT)");
+    EXPECT_FALSE(make_database(path_, source_));
+    EXPECT_TRUE(modules_in(path_).empty());
+}
+
+TEST_F(NewDatabase, IsMadeWhereALinkLeads) {
+    fs::create_symlink("target.db", path_);
+    EXPECT_TRUE(is_to_be_made(path_));
+    EXPECT_TRUE(make_database(path_, source_));
+    EXPECT_EQ(modules_in(folder_.file("target.db")), std::vector<std::string>{"DIMM 1"});
+    EXPECT_TRUE(fs::is_symlink(path_));
 }

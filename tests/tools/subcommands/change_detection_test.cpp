@@ -5,6 +5,7 @@
 #include "support/cds_text.h"
 #include "tools/subcommands/command_test.h"
 
+using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
 
@@ -240,6 +241,15 @@ TEST_F(ChangeDetection, MakesNoInventoryOnlyToReadIt) {
         "database 'empty.db' holds no inventory; load one with 'zebdb-cds load' or name another with --database";
     expect_refused("check server.xml other.bin --database empty.db", problem);
     expect_refused("bmc-address --database empty.db", problem);
+    EXPECT_EQ(read("empty.db"), "");
+}
+
+TEST_F(ChangeDetection, ARefusedRefreshLeavesNoNewDatabaseAndAnEmptyOneEmpty) {
+    write("bad.xml", "<component><component/></component>");
+    write("empty.db", "");
+    EXPECT_EQ(zebdb_cds("refresh bad.xml --database new.db").status, 2);
+    EXPECT_EQ(zebdb_cds("refresh bad.xml --database empty.db").status, 2);
+    EXPECT_THAT(names(), ElementsAre("bad.xml", "empty.db", "other.bin", "r", "server.xml"));
     EXPECT_EQ(read("empty.db"), "");
 }
 

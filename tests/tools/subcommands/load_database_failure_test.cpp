@@ -111,14 +111,14 @@ protected:
     }
 };
 
-TEST_F(LoadOnAFullDisk, LeavesNoNewDatabaseWhenThereIsNoRoomToCommit) {
+TEST_F(LoadOnAFullDisk, LeavesNothingInANewDatabaseWhenThereIsNoRoomToCommit) {
     write("many.xml", cds_file(cds_functions(1000, 100)));
     const command_result result =
-        run_with_disk(100'000, "zebdb-cds load many.xml --database disk/x.db; echo $?; ls -A disk");
-    EXPECT_EQ(result.out, "2\n");
+        run_with_disk(100'000, "zebdb-cds load many.xml --database disk/x.db; echo $?; ls -A disk; wc -c <disk/x.db");
+    EXPECT_EQ(result.out, "2\nx.db\n0\n");
     EXPECT_EQ(result.last_error_line(),
               "zebdb-cds: cannot load 'many.xml': commit: database or disk is full; make room and try again; "
-              "'disk/x.db' was not made");
+              "'disk/x.db' is empty");
 }
 
 TEST_F(LoadOnAFullDisk, LeavesAnExistingDatabaseAsItIsWhenThereIsNoRoomToCommit) {

@@ -3,11 +3,14 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+
 #include "support/cds_text.h"
+#include "support/quoted.h"
 #include "tools/subcommands/command_test.h"
 #include "tools/subcommands/one_processor.h"
 
 using testing::Contains;
+using testing::EndsWith;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
@@ -121,3 +124,10 @@ INSTANTIATE_TEST_SUITE_P(
                     bad_input{"APipeThatClosesEarly", "mkfifo pipe; head -c 20 bad.xml >pipe & ", "pipe", "'pipe'",
                               "line 2, column 9: Couldn't find end of Start Tag child_s line 2"}),
     [](const auto& tested) { return tested.param.name; });
+
+TEST_F(LoadFailure, LeavesAnEmptyDatabaseFileEmpty) {
+    const command_result result = run(": >empty.db; zebdb-cds load " + quoted(SAMPLES_DIR "/errors/truncated.xml") +
+                                      " --database empty.db; wc -c <empty.db");
+    EXPECT_EQ(result.out, "0\n");
+    EXPECT_THAT(result.last_error_line(), EndsWith("; 'empty.db' is unchanged"));
+}

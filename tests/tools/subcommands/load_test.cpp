@@ -164,11 +164,10 @@ TEST_F(Load, WritesNothingIntoItsFilesWhenItsStandardDescriptorsAreClosed) {
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }
 
-// Begins to load and is terminated once it has the database for itself.
+// Begins to load and is terminated once it has the database for itself and has deleted the memory rows.
 constexpr const char* interrupted_load =
     "mkfifo pipe; zebdb-cds load pipe & exec 3>pipe; printf '<component>' >&3;"
-    "until [ -s inventory.db ]; do sleep 0.01; done;"
-    "while sqlite3 inventory.db 'BEGIN IMMEDIATE' 2>/dev/null; do sleep 0.01; done;"
+    "until [ -e /tmp/.dmdb_memory_deleted_flag ]; do sleep 0.01; done;"
     "kill -TERM $!; wait $!";
 
 TEST_F(Load, LeavesNoNewDatabaseWhenItIsTerminated) {
@@ -184,7 +183,50 @@ TEST_F(Load, LeavesTheRowsOfADatabaseWhenItIsTerminated) {
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }
 
-// The refused one makes the database and takes it away again, sooner or later than the other one opens it.
+namespace {
+
+// Runs `loading` beside another process that has the write lock, which does `meanwhile` once the load has the database
+// open, and lets go of the lock a moment later.
+std::string beside_a_writer(const std::string& loading, const std::string& meanwhile) {
+    return "mkfifo sql; sqlite3 inventory.db <sql & exec 4>sql;"
+           "printf 'BEGIN IMMEDIATE;\n.shell touch locked\n' >&4; until [ -e locked ]; do sleep 0.01; done;" +
+           loading + " & load=$!;" +
+           "until ls -l /proc/$load/fd 2>&1 | grep -q inventory.db; do sleep 0.01; done; sleep 0.2;" + meanwhile +
+           "; kill -0 $load || exit 9; printf 'COMMIT;\n.quit\n' >&4; wait $load";
+}
+
+constexpr const char* fill_by_writer =
+    "printf 'CREATE TABLE Processor (Id INTEGER PRIMARY KEY); INSERT INTO Processor VALUES (1), (2);\n' >&4";
+
+}  // namespace
+
+TEST_F(Load, WaitsForAnotherProcessThatHasTheWriteLock) {
+    ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
+    write("nothing.xml", nothing);
+    const command_result result = run(beside_a_writer("zebdb-cds load nothing.xml", "true"));
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(processors_in("inventory.db"), "0");
+}
+
+// What a pipe held is gone by then.
+TEST_F(Load, LeavesWhatAnotherProcessPutsIntoANewDatabaseMeanwhileToALoadOfAPipe) {
+    const command_result result =
+        run("mkfifo pipe; cat server.xml >pipe & " + beside_a_writer("zebdb-cds load pipe", fill_by_writer));
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.last_error_line(),
+              "zebdb-cds: cannot load 'pipe': another program has made the database meanwhile; try again; "
+              "'inventory.db' is unchanged");
+    EXPECT_EQ(processors_in("inventory.db"), "2");
+}
+
+TEST_F(Load, ReplacesWhatAnotherProcessPutsIntoANewDatabaseMeanwhile) {
+    const command_result result = run(beside_a_writer("zebdb-cds load server.xml",
+                                                      "zebdb-cds load nothing.xml --database other.db;"
+                                                      "printf '.output /dev/null\n.read other.sql\n' >&4"));
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
 TEST_F(Load, OfAGoodFileSucceedsBesideARefusedOne) {
     write("refused.xml", server.substr(0, server.size() - 2));
     const command_result result = run(
