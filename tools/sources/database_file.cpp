@@ -10,10 +10,13 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iomanip>
+#include <ios>
 #include <iterator>
 #include <memory>
 #include <new>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <system_error>
 
@@ -114,19 +117,38 @@ struct table_counts {
     int others = 0;
 };
 
-// Of a database that can be read.
-std::optional<table_counts> tables_of(const std::string& path) {
-    const connection_ptr connection = open(sqlite_name(path), SQLITE_OPEN_READONLY, judging_timeout_ms);
-    const auto count = [](void* counts, int, char** names, char**) {
-        auto& [inventory, others] = *static_cast<table_counts*>(counts);
+// SQLite's extended result code.
+int count_tables(const connection_ptr& connection, table_counts& counts) {
+    const auto count = [](void* all, int, char** names, char**) {
+        auto& [inventory, others] = *static_cast<table_counts*>(all);
         ++(names[0] != nullptr && is_inventory_table(names[0]) ? inventory : others);
         return 0;
     };
+    sqlite3_exec(connection.get(),
+                 "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite!_%' "
+                 "ESCAPE '!'",
+                 count, &counts, nullptr);
+    return sqlite3_extended_errcode(connection.get());
+}
+
+// By which SQLite reads the file as it stands there, whatever journal stands beside it.
+std::string immutable_name(const std::string& path) {
+    std::ostringstream name;
+    name << "file:" << std::hex << std::uppercase << std::setfill('0');
+    for (const char byte : path) {
+        name << '%' << std::setw(2) << static_cast<int>(static_cast<unsigned char>(byte));
+    }
+    return name.str() + "?immutable=1";
+}
+
+// Of a database that can be read.
+std::optional<table_counts> tables_of(const std::string& path) {
     table_counts counts;
-    const int rc = sqlite3_exec(
-        connection.get(),
-        "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite!_%' ESCAPE '!'",
-        count, &counts, nullptr);
+    int rc = count_tables(open(sqlite_name(path), SQLITE_OPEN_READONLY, judging_timeout_ms), counts);
+    if (rc == SQLITE_READONLY_ROLLBACK) {
+        const int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
+        rc = count_tables(open(immutable_name(path), flags, judging_timeout_ms), counts);
+    }
     if (rc == SQLITE_NOMEM) {
         throw std::bad_alloc();
     }

@@ -15,7 +15,7 @@ std::string sqlite_name(const std::string& path);
 void require_database_file(const std::string& path);
 
 /// Throws failure when the database at `path` is another program's: it has tables, and none of an inventory. One that
-/// cannot be read, or is still to be made, is nobody's.
+/// cannot be read, or is still to be made, is nobody's. What a writer left half done in it stays as it is.
 void refuse_foreign_database(const std::string& path);
 
 /// Throws failure when there is no database with an inventory at `path`. Whoever opens it to write would make one.

@@ -83,6 +83,7 @@ inventory::inventory(const std::string& path, database_naming naming, std::size_
     : path_(path), title_(in_quotes(path)), naming_(naming), largest_table_(largest_table) {
     require_database_file(path);
     if (open() == SQLITE_READONLY_ROLLBACK) {
+        refuse_foreign_database(path);
         roll_back_interrupted_write(path);
         open();
     }

@@ -9,9 +9,12 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
+#include "console/failure.h"
+#include "sources/inventory.h"
 #include "sources/memory_database.h"
 #include "support/scratch_folder.h"
 #include "support/sqlite_database.h"
@@ -83,4 +86,38 @@ TEST_F(NewDatabase, IsMadeWhereALinkLeads) {
     EXPECT_TRUE(make_database(path_, source_));
     EXPECT_EQ(modules_in(folder_.file("target.db")), std::vector<std::string>{"DIMM 1"});
     EXPECT_TRUE(fs::is_symlink(path_));
+}
+
+namespace {
+
+std::string content_of(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// A database file with its journal as a program leaves them that is killed while it changes every row.
+void copy_of_interrupted_write(const std::string& path, const std::string& copy) {
+    sqlite_database writer(path);
+    writer.run("PRAGMA cache_size = 1; BEGIN; UPDATE Fans SET Name = hex(zeroblob(2000))");
+    fs::copy(path, copy);
+    fs::copy(path + "-journal", copy + "-journal");
+}
+
+}  // namespace
+
+TEST(ForeignDatabase, IsRefusedWithoutRollingBackWhatWasInterruptedInIt) {
+    const scratch_folder folder;
+    const std::string path = folder.file("fans.db");
+    const std::string crashed = folder.file("crashed 100%?.db");
+    std::ofstream(path).flush();
+    sqlite_database(path).run(
+        "CREATE TABLE Fans (Name TEXT); INSERT INTO Fans WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM "
+        "n WHERE i < 500) SELECT 'fan' || i FROM n");
+    copy_of_interrupted_write(path, crashed);
+    const std::string before = content_of(crashed);
+    const std::string journal = content_of(crashed + "-journal");
+    EXPECT_THROW(refuse_foreign_database(crashed), failure);
+    EXPECT_THROW(inventory(crashed, database_naming::argument), failure);
+    EXPECT_TRUE(content_of(crashed) == before);
+    EXPECT_TRUE(content_of(crashed + "-journal") == journal);
 }
