@@ -24,6 +24,7 @@
 #include "support/cds_text.h"
 #include "support/quoted.h"
 #include "support/sandboxed_test.h"
+#include "support/server_of_revision.h"
 #include "support/sqlite_database.h"
 
 using testing::ElementsAre;
@@ -35,34 +36,6 @@ constexpr const char* database = "/tmp/inventory.db";
 constexpr const char* journal = "/tmp/inventory.db-journal";
 
 using clock = std::chrono::steady_clock;
-
-std::string card(int bus, int revision) {
-    const std::vector<setting> address = {
-        integer("Bus Number", std::to_string(bus % 256)),
-        integer("Segment Number", std::to_string(bus / 256)),
-        integer("Device Number", "0"),
-        integer("Function Number", "0"),
-        integer("Revision ID", std::to_string(revision)),
-    };
-    std::vector<setting> function = address;
-    function.push_back(integer("Location", "1"));
-    function.push_back(integer("Slot Number", std::to_string(bus)));
-    function.push_back(text("Slot Designation", "Slot of revision " + std::to_string(revision)));
-    return cds_component(cds_group("pci_bridge_info", address) +
-                         cds_slots(cds_component(cds_group("pci_device_info", function))));
-}
-
-// A server whose rows in every table differ from those of another revision.
-std::string server(int cards, int revision) {
-    const std::string serial = "revision " + std::to_string(revision);
-    std::string content;
-    for (int i = 0; i < cards; ++i) {
-        content += cds_component(cds_group("cpu_info", {integer("Core Count", "8"), text("Serial Number", serial)}));
-        content += cds_component(cds_group("memory_info", {integer("Size", "8192"), text("Serial Number", serial)}));
-        content += card(i, revision);
-    }
-    return cds_component(cds_slots(content));
-}
 
 // Starts a refresh in a process group of its own, with its log in /tmp/log.
 pid_t start_refresh(const char* cds_path) {
@@ -155,8 +128,8 @@ protected:
     void SetUp() override {
         sandboxed_test::SetUp();
         ASSERT_EQ(setenv("ZEBDB_DATABASE", database, 1), 0);
-        write_file(first_server, server(600, 1));
-        write_file(second_server, server(500, 2));
+        write_file(first_server, server_of_revision(600, 1));
+        write_file(second_server, server_of_revision(500, 2));
         ASSERT_EQ(refresh(first_server), 0) << content_of("/tmp/log");
         first_inventory = inventory();
         ASSERT_EQ(first_inventory.size(), 600u * 5);
