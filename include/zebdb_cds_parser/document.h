@@ -9,7 +9,8 @@
 
 namespace cds_parser {
 
-/// A CDS file in memory. Destroying the document destroys the whole tree.
+/// A CDS file in memory. Destroying the document destroys the whole tree. It belongs to one thread at a time; several
+/// threads may read, walk and dump one each.
 ///
 /// The parse members replace what the document holds. They return false when the root element is not a `component`,
 /// and throw node_error or name_error when the content breaks the grammar and sysipc::exception when the input cannot

@@ -5,7 +5,9 @@
 ///
 /// For C and C++; read_inventory_digest() is for C++ alone.
 ///
-/// None of them locks anything: the caller serialises calls that touch the same database or the same files.
+/// A call runs on its caller's thread, and none of them locks anything: the caller serialises calls that touch the same
+/// database or the same files. parse_cds() with handles on different databases may run in several threads at the same
+/// time, as far as the platform's functions may; the others work on the platform's one database and on files.
 ///
 /// Where memory is out, std::bad_alloc may pass each of them; no other exception does, if none passes the platform's
 /// functions. Nothing is left open then but what the caller has opened: parse_pci() rolls its transaction back first,
