@@ -536,6 +536,14 @@ TEST(XmlDocument, RefusesMoreAttributesOfAnElementInAnEntity) {
     EXPECT_THAT(outcome(document(1001)), HasSubstr("an element has more than 1000 attributes"));
 }
 
+TEST(XmlDocument, RefusesMoreAttributesOfAnElementInAnEntityThatIsNeverUsed) {
+    const auto document = [](int attributes) {
+        return "<!DOCTYPE a [<!ENTITY e \"<b" + numbered(attributes, " c", "=''") + "/>\">]><a/>";
+    };
+    EXPECT_EQ(outcome(document(1000)), "read");
+    EXPECT_THAT(outcome(document(1001)), HasSubstr("an element has more than 1000 attributes"));
+}
+
 TEST(XmlDocument, TakesAnEntityOfManyEqualsSigns) {
     EXPECT_EQ(outcome("<!DOCTYPE a [<!ENTITY e \"" + std::string(2000, '=') + "\">]><a>&e;</a>"), "read");
 }
