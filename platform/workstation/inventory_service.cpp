@@ -99,11 +99,15 @@ int give_pending(_zeb_db_handle_t& handle, zebdb_pldm_firmware_pending_list& lis
     return SQLITE_OK;
 }
 
+std::string copy_statements(const std::string& table) {
+    return "DROP TABLE IF EXISTS memory." + table + ";CREATE TABLE memory." + table + " AS SELECT * FROM main." +
+           table + ';';
+}
+
 std::string copy_statements() {
     std::string sql = "SAVEPOINT rebuild;";
-    for (const std::string table : inventory_tables) {
-        sql += "DROP TABLE IF EXISTS memory." + table + ";CREATE TABLE memory." + table + " AS SELECT * FROM main." +
-               table + ';';
+    for (const char* table : inventory_tables) {
+        sql += copy_statements(table);
     }
     return sql + "RELEASE rebuild;";
 }
