@@ -122,7 +122,10 @@ bool matched(int (*match)(const char*, int, int (*)(const char*, int), Paths*), 
 }
 
 bool reopened(std::FILE* (*reopen)(const char*, const char*, std::FILE*)) {
-    return closed(reopen(file, "r", std::fopen("/dev/null", "r")));
+    std::FILE* stream = std::fopen("/dev/null", "r");
+    const bool done = reopen(file, "r", stream) != nullptr;
+    std::fclose(stream);  // the C library keeps its memory also where nothing was opened
+    return done;
 }
 
 bool entered(int (*enter)(const char*)) {
