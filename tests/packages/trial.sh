@@ -4,7 +4,7 @@
 # What a user does with the packages, in a folder with a CDS file and the source of a caller.
 set -eux
 
-zebdb-cds load two-socket-server.xml
+zebdb-cds load two-socket-server.xml 2>log
 [ "$(zebdb-cds show --format json | grep -c '"Socket"')" = 2 ]
 ls /usr/share/man/man1/zebdb-cds.1.gz /usr/share/bash-completion/completions/zebdb-cds
 ls /usr/share/doc/zebdb-cds-doc/reference/index.html
