@@ -49,7 +49,6 @@ char* __realpath_chk(const char* path, char* resolved, std::size_t size);
 
 namespace fs = std::filesystem;
 
-using testing::IsEmpty;
 using testing::StartsWith;
 
 namespace {
