@@ -107,8 +107,8 @@ TEST_F(LackOfMemory, IsToldByAStepThatIsInterrupted) {
         EXPECT_EQ(zeb_db_result_step(rows.get()), 9);
         sqlite3_interrupt(connection);
     };
-    expect_lack_of_memory_told(
-        SQLITE_ERROR, [&] { return zeb_db_result_step(rows.get()); }, prepare);
+    const auto step = [&] { return zeb_db_result_step(rows.get()); };
+    expect_lack_of_memory_told(SQLITE_ERROR, step, prepare);
 }
 
 TEST_F(LackOfMemory, IsToldByATransactionThatIsRefused) {

@@ -125,6 +125,11 @@ bool reopened(std::FILE* (*reopen)(const char*, const char*, std::FILE*)) {
     return reopen(file, "r", stdin) != nullptr;
 }
 
+template <class Status>
+int go_on(const char*, const Status*, int, FTW*) {
+    return 0;
+}
+
 bool entered(int (*enter)(const char*)) {
     const fs::path before = fs::current_path();
     return enter(folder) == 0 && fs::current_path().filename() == "folder" && chdir(before.c_str()) == 0;
@@ -236,16 +241,8 @@ const replaced_function functions[] = {
     {"scandir64", [] { return listed<dirent64>(scandir64); }},
     {"glob", [] { return matched(glob, globfree); }},
     {"glob64", [] { return matched(glob64, globfree64); }},
-    {"nftw",
-     [] {
-         return nftw(
-                    top, [](auto...) { return 0; }, 8, 0) == 0;
-     }},
-    {"nftw64",
-     [] {
-         return nftw64(
-                    top, [](auto...) { return 0; }, 8, 0) == 0;
-     }},
+    {"nftw", [] { return nftw(top, go_on, 8, 0) == 0; }},
+    {"nftw64", [] { return nftw64(top, go_on, 8, 0) == 0; }},
     {"faccessat", [] { return faccessat(AT_FDCWD, file, F_OK, 0) == 0; }},
     {"fstatat", [] { return told_at<struct stat>(fstatat); }},
     {"fstatat64", [] { return told_at<struct stat64>(fstatat64); }},
