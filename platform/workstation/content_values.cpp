@@ -2,6 +2,8 @@
 
 #include "content_values.h"
 
+#include <zeb_db.h>
+
 #include <cstdint>
 #include <cstring>
 #include <new>

@@ -6,6 +6,7 @@
 
 #include <inventory_service.h>
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include <cstdint>
 #include <cstdio>

@@ -2,6 +2,8 @@
 
 // The inventory database client on a workstation: SQLite. Error codes are SQLite's primary result codes.
 
+#include <zeb_db.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>

@@ -3,6 +3,7 @@
 // Opening an inventory database, whatever version of this platform made it.
 
 #include <vonk_log.h>
+#include <zeb_db.h>
 
 #include <memory>
 #include <optional>
