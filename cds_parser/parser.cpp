@@ -1,21 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// The loader: empties the inventory tables, reads the CDS file and walks its tree, handing each component to the one
-// record writer that its setting groups call for.
+// The loader: empties the inventory tables and walks a tree, handing each component to the one record writer that its
+// setting groups call for.
 
 #include "zebdb_cds_parser/parser.h"
 
 #include <cstdlib>
 
-#include <sysipc.h>
 #include <vonk_log.h>
 #include <zeb_db.h>
 
-#include "record.h"
+#include "dispatch.h"
+#include "load.h"
 #include "record_columns.h"
 #include "zebdb_cds_parser/child_slot_group.h"
 #include "zebdb_cds_parser/component.h"
-#include "zebdb_cds_parser/document.h"
 #include "zebdb_cds_parser/entry_points.h"
 #include "zebdb_cds_parser/setting_group.h"
 
@@ -35,11 +34,6 @@ void leave_memory_deleted_marker() {
     if (std::system("touch /tmp/.dmdb_memory_deleted_flag") != 0) {
         vonk_log::logErr("CDS PARSER: failed to create /tmp/.dmdb_memory_deleted_flag");
     }
-}
-
-const setting_group* main_server_info(const component& candidate) {
-    const setting_group* info = candidate.get_setting_group("component_struct_info");
-    return info != nullptr && is_text(*info, "comp_type", "EFI_CT_MAIN_SERVER") ? info : nullptr;
 }
 
 int walk_children(parser& walker, _zeb_db_handle_t* handle, const component& parent) {
@@ -123,29 +117,7 @@ void parser::clear() {
 }
 
 int parser::parse(_zeb_db_handle_t* handle, const char* path) {
-    if (init() == 0) {
-        vonk_log::logErr("failed to initialize the parser");
-        return 0;
-    }
-
-    document cds;
-    try {
-        if (!cds.parse(path)) {
-            vonk_log::logErr("failed to parse the CDS XML file");
-            return 0;
-        }
-    } catch (const sysipc::exception& error) {  // node_error and name_error among them
-        vonk_log::logErr("CDS XML ERROR: %s", error.what());
-        return 0;
-    }
-
-    const int result = parse_component(handle, &cds.root);
-    if (result == 0) {
-        vonk_log::logErr("failed to extract settings");
-        return 0;
-    }
-    vonk_log::logInfo("successfully parsed \"%s\"", path);
-    return result;
+    return load_document(*this, handle, path, accept_every_document);
 }
 
 int parser::parse_component(_zeb_db_handle_t* handle, component* visited) {
@@ -153,18 +125,19 @@ int parser::parse_component(_zeb_db_handle_t* handle, component* visited) {
         return 0;
     }
     if (const setting_group* info = main_server_info(*visited)) {
-        node_index = int32_of(*info, "slot_index", 0);
+        node_index = node_index_in(*info);
     }
-    if (visited->has_setting_group(device_record.group)) {
+    const record_kind* kind = kind_of(*visited);
+    if (kind == &device_record) {
         return parse_pci_device(handle, visited);
     }
-    if (visited->has_setting_group(bridge_record.group)) {
+    if (kind == &bridge_record) {
         return walk_bridge(*this, handle, *visited);
     }
-    if (visited->has_setting_group(memory_record.group)) {
+    if (kind == &memory_record) {
         return parse_memory(handle, visited);
     }
-    if (visited->has_setting_group(processor_record.group)) {
+    if (kind == &processor_record) {
         return parse_processor(handle, visited);
     }
     return walk_children(*this, handle, *visited);
@@ -173,9 +146,5 @@ int parser::parse_component(_zeb_db_handle_t* handle, component* visited) {
 }  // namespace cds_parser
 
 int parse_cds(_zeb_db_handle_t* handle, const char* path) {
-    cds_parser::parser parser;
-    if (handle == nullptr || parser.wipe(handle) == 0) {
-        return -1;
-    }
-    return parser.parse(handle, path) - 1;
+    return cds_parser::load_file(handle, path, cds_parser::accept_every_document);
 }

@@ -5,6 +5,7 @@
 #include <vonk_log.h>
 #include <zeb_db.h>
 
+#include "pci_rules.h"
 #include "record.h"
 #include "record_columns.h"
 #include "zebdb_cds_parser/component.h"
@@ -18,9 +19,8 @@ int parser::parse_pci_bridge(_zeb_db_handle_t* handle, component* visited) {
         return 0;
     }
 
-    pci_address address = {};
-    read_columns(address, *bridge, bridge_address_columns);
-    if (address.bus < 0 || address.device < 0 || address.function < 0) {
+    const pci_address address = read_address(*bridge);
+    if (!has_address(address)) {
         last_row_id = -1;
         return 1;
     }

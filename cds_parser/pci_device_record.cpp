@@ -8,10 +8,9 @@
 #include <vonk_log.h>
 #include <zeb_db.h>
 
-#include "pci_class.h"
-#include "pci_device_ids.h"
 #include "pci_function_type.h"
 #include "pci_keys.h"
+#include "pci_rules.h"
 #include "record.h"
 #include "record_columns.h"
 #include "zebdb_cds_parser/component.h"
@@ -21,59 +20,10 @@
 namespace cds_parser {
 namespace {
 
-pci_function read_function(const setting_group& info) {
-    pci_function function = {};
-    read_columns(function, info, device_place_columns);
-    read_columns(function, info, device_kind_columns);
-    function.device = int32_of(info, "Device ID", -1);
-    function.subsystem_vendor = int32_of(info, "Subsystem Vendor ID", -1);
-    function.subsystem = int32_of(info, "Subsystem ID", -1);
-    function.has_subsystem = info.has_setting("Subsystem ID");
-    return function;
-}
-
-bool is_misreported_accelerator(const pci_function& function) {
-    return function.vendor == pci_ids::accelerator_vendor && function.device == pci_ids::accelerator_device &&
-           function.has_subsystem && function.subsystem == pci_ids::accelerator_subsystem &&
-           function.subsystem_vendor == pci_ids::accelerator_vendor && function.class_code == pci_class::unassigned;
-}
-
-bool is_misreported_raid(const pci_function& function) {
-    constexpr std::int32_t last_plain_model = 4;
-    return function.vendor == pci_ids::raid_vendor && function.device == pci_ids::raid_device &&
-           (!function.has_subsystem || ((function.subsystem >> 8) & 0xFF) > last_plain_model);
-}
-
-std::int32_t corrected_class_code(const pci_function& function) {
-    if (is_misreported_accelerator(function)) {
-        return pci_class::accelerator;
-    }
-    return is_misreported_raid(function) ? pci_class::raid_controller : function.class_code;
-}
-
-bool is_on_board_storage(const pci_function& function) {
-    return function.vendor == pci_ids::storage_vendor && function.device != pci_ids::storage_switch_device &&
-           pci_class::base_class(function.class_code) == pci_class::mass_storage &&
-           function.location == on_board_location;
-}
-
-bool has_address(const pci_function& function) {
-    return function.bus >= 0 && function.device_number >= 0 && function.function_number >= 0;
-}
-
-// NVM Express drives are recorded wherever they are.
-bool has_valid_location(const pci_function& function) {
-    return function.location != unknown_location || function.class_code == pci_class::nvm_express;
-}
-
-bool is_flex_140(const pci_function& function) {
-    return function.vendor == pci_ids::intel_vendor && function.device == pci_ids::flex_140_device;
-}
-
 // Only the first function of each card is recorded. Both lines stand for every later one: the first is logged before
 // the card is looked up.
-bool is_first_of_flex_140(const pci_function& function, std::uint32_t key,
-                          std::map<std::uint32_t, std::int32_t>& device_keys) {
+bool is_first_of_card(const pci_function& function, std::uint32_t key,
+                      std::map<std::uint32_t, std::int32_t>& device_keys) {
     vonk_log::logWarn(
         "CDS PARSER: pcie_dev Intel GUP Flex 140 vendorid %d device id %d slot %d seg_num %d bus %d dev_num %d fun_num "
         "%d  will be insert.",
@@ -113,21 +63,18 @@ int parser::parse_pci_device(_zeb_db_handle_t* handle, component* visited) {
         return 0;
     }
 
-    pci_function function = read_function(*info);
-    function.class_code = corrected_class_code(function);
+    const pci_function function = read_function(*info);
     if (!has_address(function)) {
         last_row_id = -1;
         return 1;
     }
-    if (is_on_board_storage(function)) {
-        function.slot = 0;
-    } else if (!has_valid_location(function)) {
+    if (!has_valid_location(function)) {
         vonk_log::logWarn("CDS PARSER: Device on slot %d bus %d doesn't have valid location info.", function.slot,
                           function.bus);
         return 1;
     }
     const std::uint32_t card = device_key(node_index, function.location, function.slot);
-    if (is_flex_140(function) && !is_first_of_flex_140(function, card, device_keys)) {
+    if (is_recorded_once(function) && !is_first_of_card(function, card, device_keys)) {
         return 1;
     }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// A refresh: the whole load in one transaction, then the key files, the digests and the change notices.
+#include "refresh.h"
 
 #include <inventory_service.h>
 #include <vonk_log.h>
@@ -9,8 +9,11 @@
 #include <cstdlib>
 #include <string>
 
+#include "cds_parser/load.h"
 #include "function_keys.h"
 #include "zebdb_cds_parser/entry_points.h"
+
+using cds_parser::document_check;
 
 namespace {
 
@@ -30,8 +33,8 @@ digest_pair read_digests() {
 }
 
 // The log text names the adapter loader for a failed CDS load too.
-bool load(_zeb_db_handle_t* handle, const char* cds_path, unsigned aim_argument) {
-    int rc = cds_path == nullptr ? 0 : parse_cds(handle, cds_path);
+bool load(_zeb_db_handle_t* handle, const char* cds_path, unsigned aim_argument, const document_check& accepts) {
+    int rc = cds_path == nullptr ? 0 : cds_parser::load_file(handle, cds_path, accepts);
     if (rc == 0) {
         rc = parse_aim(handle, aim_argument);
     }
@@ -56,9 +59,10 @@ void roll_back(_zeb_db_handle_t* handle) {
 }
 
 // An exception passes, but not without the transaction.
-bool load_and_commit(_zeb_db_handle_t* handle, const char* cds_path, unsigned aim_argument) {
+bool load_and_commit(_zeb_db_handle_t* handle, const char* cds_path, unsigned aim_argument,
+                     const document_check& accepts) {
     try {
-        return load(handle, cds_path, aim_argument) && commit(handle);
+        return load(handle, cds_path, aim_argument, accepts) && commit(handle);
     } catch (...) {
         roll_back(handle);
         throw;
@@ -98,7 +102,7 @@ void report_changes(const digest_pair& before, const digest_pair& now) {
 
 }  // namespace
 
-int parse_pci(const char* cds_path, unsigned aim_argument) {
+int refresh_inventory(const char* cds_path, unsigned aim_argument, const document_check& accepts) {
     _zeb_db_handle_t* handle = get_dmdb_handle();
     if (handle == nullptr) {
         vonk_log::logErr("unable to get dmdb handle");
@@ -109,7 +113,7 @@ int parse_pci(const char* cds_path, unsigned aim_argument) {
         vonk_log::logErr("unable to begin pci transaction");
         return -1;
     }
-    if (!load_and_commit(handle, cds_path, aim_argument)) {
+    if (!load_and_commit(handle, cds_path, aim_argument, accepts)) {
         roll_back(handle);
         return -1;
     }

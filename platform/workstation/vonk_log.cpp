@@ -29,11 +29,6 @@ constexpr level_names names[] = {
 sink current_sink = nullptr;
 void* current_context = nullptr;
 
-bool wants_syslog() {
-    const char* target = std::getenv("VONK_LOG");
-    return target != nullptr && std::strcmp(target, "syslog") == 0;
-}
-
 __attribute__((format(printf, 1, 0))) std::string formatted(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
@@ -95,9 +90,14 @@ void set_sink(sink taken_by, void* context) {
     current_context = context;
 }
 
+bool goes_to_syslog() {
+    const char* target = std::getenv("VONK_LOG");
+    return target != nullptr && std::strcmp(target, "syslog") == 0;
+}
+
 void write(level at, const char* text) {
     const level_names& name = names[static_cast<int>(at)];
-    if (wants_syslog()) {
+    if (goes_to_syslog()) {
         syslog(LOG_USER | name.priority, "%s", text);
         return;
     }

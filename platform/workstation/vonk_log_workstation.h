@@ -25,6 +25,9 @@ using sink = void (*)(void* context, level at, const char* text);
 /// thread logs.
 void set_sink(sink taken_by, void* context);
 
+/// Whether the usual place is the system's log.
+bool goes_to_syslog();
+
 /// Writes a line to the usual place, whatever the sink. On standard error control characters but tabs and line ends are
 /// written as escapes, a backslash and x1b say.
 void write(level at, const char* text);

@@ -32,11 +32,16 @@ const std::vector<std::string> open_to_the_command = {
     "include/*",
     "platform/include/*",
     "platform/workstation/*_workstation.h",
+    "cds_parser/dispatch.h",
+    "cds_parser/load.h",
+    "cds_parser/pci_keys.h",
+    "cds_parser/pci_rules.h",
     "cds_parser/record_columns.h",
     "inventory/digest_file.h",
     "inventory/function_keys.h",
     "inventory/own_bridge.h",
     "inventory/query_result.h",
+    "inventory/refresh.h",
 };
 
 // Some of the sources and what they may include, as patterns of paths below the root.

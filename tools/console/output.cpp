@@ -49,6 +49,19 @@ std::string in_quotes(const std::string& name) {
     return "'" + printable(repaired_utf8(name)) + "'";
 }
 
+std::string as_shell_word(const std::string& name) {
+    constexpr const char* plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._-+,:@%=";
+    const std::string shown = printable(repaired_utf8(name));
+    if (!shown.empty() && shown.find_first_not_of(plain) == std::string::npos) {
+        return shown;
+    }
+    std::string quoted = "'";
+    for (const char character : shown) {
+        quoted += character == '\'' ? std::string("'\\''") : std::string(1, character);
+    }
+    return quoted + '\'';
+}
+
 void complain(const std::string& problem) {
     write_error("zebdb-cds: " + printable(repaired_utf8(problem)) + '\n');
 }

@@ -20,6 +20,9 @@ int write_all(int descriptor, const std::string& text);
 /// How messages show a name: in quotes, on one line whatever is in it.
 std::string in_quotes(const std::string& name);
 
+/// `name` as a word of a command that may be typed, in quotes where a shell would take it for something else.
+std::string as_shell_word(const std::string& name);
+
 /// Writes "zebdb-cds: " and `problem` to standard error, as one line whatever is in it.
 void complain(const std::string& problem);
 

@@ -2,6 +2,8 @@
 
 #include "sources/library_log.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <optional>
 #include <string>
@@ -9,6 +11,7 @@
 #include <vonk_log_workstation.h>
 #include <zeb_db_workstation.h>
 
+#include "console/output.h"
 #include "console/progress.h"
 #include "console/utf8.h"
 #include "sources/database_file.h"
@@ -22,12 +25,16 @@ std::string on_one_line(std::string text) {
 
 }  // namespace
 
+bool log_goes_to_a_terminal() {
+    return !vonk_log::goes_to_syslog() && is_terminal(STDERR_FILENO);
+}
+
 library_log::library_log(log_display display) : display_(display) {
     vonk_log::set_sink(take, this);
     zeb_db_forget_failure();
 }
 
-library_log::library_log(progress& line) : library_log(log_display::shown) {
+library_log::library_log(progress& line, log_display display) : library_log(display) {
     progress_ = &line;
 }
 
@@ -52,10 +59,24 @@ std::string library_log::problem() const {
     return error == lines_.end() ? "" : on_one_line(error->text);
 }
 
+bool library_log::is_shown(vonk_log::level at) const {
+    switch (display_) {
+        case log_display::shown:
+            return true;
+        case log_display::problems:
+            return at != vonk_log::level::info;
+        case log_display::errors:
+            return at == vonk_log::level::error;
+        case log_display::hidden:
+            break;
+    }
+    return false;
+}
+
 void library_log::take(void* log, vonk_log::level at, const char* text) {
     auto& self = *static_cast<library_log*>(log);
     self.lines_.push_back({at, repaired_utf8(text)});
-    if (self.display_ == log_display::hidden) {
+    if (!self.is_shown(at)) {
         return;
     }
     const std::string shown = printable_lines(text);

@@ -19,9 +19,14 @@ struct log_line {
 
 /// Where the lines go besides being remembered.
 enum class log_display {
-    shown,   ///< on to their usual place
-    hidden,  ///< nowhere
+    shown,     ///< on to their usual place
+    problems,  ///< likewise, but for those that only inform
+    errors,    ///< likewise, but for all that are no errors
+    hidden,    ///< nowhere
 };
+
+/// Whether their usual place is a terminal.
+bool log_goes_to_a_terminal();
 
 /// Takes the log of the process as long as it lives, and remembers every line and the first failure of the database.
 /// One at a time.
@@ -29,7 +34,7 @@ class library_log {
 public:
     explicit library_log(log_display display = log_display::shown);
     /// Lines are shown above the progress line.
-    explicit library_log(progress& line);
+    explicit library_log(progress& line, log_display display = log_display::shown);
     ~library_log();
     library_log(const library_log&) = delete;
     library_log& operator=(const library_log&) = delete;
@@ -43,6 +48,7 @@ public:
     std::string problem() const;
 
 private:
+    bool is_shown(vonk_log::level at) const;
     static void take(void* log, vonk_log::level at, const char* text);
 
     log_display display_;

@@ -59,8 +59,12 @@ void command_line::format_option(std::string& value, const std::string& descript
         ->check(one_of(choices));
 }
 
-void command_line::flag(const char* name, bool& value, const std::string& description) {
-    app_->add_flag(name, value, description);
+void command_line::flag(const char* names, bool& value, const std::string& description) {
+    app_->add_flag(names, value, description);
+}
+
+void command_line::exclude(const char* name, const char* other) {
+    app_->get_option(name)->excludes(app_->get_option(other));
 }
 
 void command_line::remark(const std::string& text) {

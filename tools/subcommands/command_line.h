@@ -32,7 +32,11 @@ public:
                        unsigned largest = std::numeric_limits<unsigned>::max());
     void format_option(std::string& value, const std::string& description, const std::vector<std::string>& choices);
 
-    void flag(const char* name, bool& value, const std::string& description);
+    /// `names` are one or several, as in "-q,--quiet".
+    void flag(const char* names, bool& value, const std::string& description);
+
+    /// Refuses a command line that has both.
+    void exclude(const char* name, const char* other);
 
     /// Puts a paragraph above what stands at the end of the help.
     void remark(const std::string& text);

@@ -18,6 +18,7 @@
 #include <zeb_db_workstation.h>
 #include <zebdb_cds_parser.h>
 
+#include "cds_parser/load.h"
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/progress.h"
@@ -29,6 +30,7 @@
 #include "sources/memory_database.h"
 #include "sources/refusal.h"
 #include "subcommands/command_line.h"
+#include "subcommands/loading.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
@@ -38,7 +40,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
 struct load_options {
-    std::string file;
+    loading_options loading;
     std::string database;
 };
 
@@ -48,11 +50,12 @@ struct handle_closer {
 using handle_ptr = std::unique_ptr<_zeb_db_handle_t, handle_closer>;
 
 // All of it or, false, nothing.
-bool load_in_transaction(_zeb_db_handle_t* handle, const char* path) {
+bool load_in_transaction(_zeb_db_handle_t* handle, const char* path, left_out_watch& watch) {
     if (zeb_db_begin_transaction(handle) != 0) {
         return false;
     }
-    if (parse_cds(handle, path) == 0 && zeb_db_commit_transaction(handle) == 0) {
+    const auto accepts = [&watch](const cds_parser::document& loaded) { return watch.accepts(loaded); };
+    if (cds_parser::load_file(handle, path, accepts) == 0 && zeb_db_commit_transaction(handle) == 0) {
         return true;
     }
     zeb_db_rollback_transaction(handle);
@@ -70,12 +73,14 @@ attempt make_inventory(const std::string& database, const char* path) {
     return make_database(database, rows) ? attempt::done : attempt::overtaken;
 }
 
-attempt replace_rows(const std::string& database, const char* path) {
+attempt try_to_load(const std::string& database, const char* path, left_out_watch& watch) {
+    new_database_file file(database);
     refuse_foreign_database(database);
     _zeb_db_handle_t* opened = nullptr;
     zeb_db_open(sqlite_name(database).c_str(), &opened);
     handle_ptr handle(opened);
-    if (handle != nullptr && load_in_transaction(handle.get(), path)) {
+    if (handle != nullptr && load_in_transaction(handle.get(), path, watch)) {
+        file.keep();
         return attempt::done;
     }
     handle.reset();
@@ -83,22 +88,23 @@ attempt replace_rows(const std::string& database, const char* path) {
     return attempt::failed;
 }
 
-// Another program may make the database while this one reads. Throws failure with the cause alone.
-void replace_inventory(const load_options& options) {
-    const input_file input(options.file);
-    const char* path = input.path().c_str();
-    const bool is_new = is_to_be_made(options.database);
+// Another load that made the database and was refused takes it away, whoever waits for it; then this one begins anew.
+// Throws failure with the cause alone.
+void replace_inventory(const load_options& options, left_out_watch& watch) {
+    const input_file input(options.loading.file);
     progress line(input.status());
-    const library_log log(line);
-    attempt result = is_new ? make_inventory(options.database, path) : replace_rows(options.database, path);
-    if (result == attempt::overtaken && input.is_on_disk()) {
-        result = replace_rows(options.database, path);
-    }
-    if (result == attempt::overtaken) {
-        throw failure("another program has made the database meanwhile; try again");
-    }
-    if (result == attempt::failed) {
-        throw failure(cause_of_refusal(input, log));
+    for (int attempts_left = most_attempts;; --attempts_left) {
+        const library_log log(line, display_for(options.loading));
+        const attempt result = try_to_load(options.database, input.path().c_str(), watch);
+        if (result == attempt::done) {
+            return;
+        }
+        if (!watch.refusal().empty()) {
+            throw failure(watch.refusal());
+        }
+        if (result == attempt::failed || attempts_left == 1 || !S_ISREG(input.status().st_mode)) {
+            throw failure(cause_of_refusal(input, log));
+        }
     }
 }
 
@@ -119,28 +125,31 @@ std::string duration_text(milliseconds duration) {
     return text.str();
 }
 
-std::string summary(const load_options& options, milliseconds duration) {
+std::string summary(const load_options& options, milliseconds duration, const left_out_watch& watch) {
     const inventory loaded(options.database);
     std::ostringstream text;
-    text << "Loaded " << input_title(options.file) << " into " << in_quotes(options.database) << " in "
+    text << "Loaded " << input_title(options.loading.file) << " into " << in_quotes(options.database) << " in "
          << duration_text(duration) << ":\n";
     for (const inventory_kind* kind : kinds::all) {
         text << "  " << std::left << std::setw(12) << kind->name << std::right << std::setw(6) << loaded.count(*kind)
              << '\n';
     }
+    if (!watch.line().empty()) {
+        text << watch.line() << '\n';
+    }
     return text.str();
 }
 
-failure not_loaded(const load_options& options, const std::string& cause, bool was_there) {
-    return failure("cannot load " + input_title(options.file) + ": " + cause + "; " +
-                   state_of(options.database, was_there));
+failure not_loaded(const load_options& options, const std::string& cause) {
+    return failure("cannot load " + input_title(options.loading.file) + ": " + cause + "; " +
+                   state_of(options.database));
 }
 
 int load(const load_options& options) {
     const auto start = steady_clock::now();
-    const bool was_there = ::access(options.database.c_str(), F_OK) == 0;
+    left_out_watch watch(options.loading);
     try {
-        replace_inventory(options);
+        replace_inventory(options, watch);
     } catch (const failure& cause) {
         throw not_loaded(options, cause.what(), was_there);
     } catch (const std::bad_alloc&) {
@@ -148,9 +157,9 @@ int load(const load_options& options) {
     }
     const auto duration = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
     try {
-        print(summary(options, duration));
+        print(summary(options, duration, watch));
     } catch (const failure& problem) {
-        throw failure(std::string(problem.what()) + "; the rows of " + input_title(options.file) + " are in " +
+        throw failure(std::string(problem.what()) + "; the rows of " + input_title(options.loading.file) + " are in " +
                       in_quotes(options.database) + " all the same");
     }
     return status_done;
@@ -160,7 +169,7 @@ int load(const load_options& options) {
 
 action define_load(command_line& arguments) {
     const auto options = std::make_shared<load_options>();
-    add_cds_file_argument(arguments, options->file);
+    add_loading_options(arguments, options->loading);
     add_database_option(arguments, options->database);
     return [options] { return load(*options); };
 }

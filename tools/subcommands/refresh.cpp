@@ -15,19 +15,20 @@
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/progress.h"
-#include "sources/cds_file.h"
+#include "inventory/refresh.h"
 #include "sources/database_file.h"
 #include "sources/input_file.h"
 #include "sources/library_log.h"
 #include "sources/refusal.h"
 #include "subcommands/command_line.h"
+#include "subcommands/loading.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 
 namespace {
 
 struct refresh_options {
-    std::string file;
+    loading_options loading;
     std::string database;
     std::string root;
     unsigned aim_argument = 0;
@@ -40,21 +41,27 @@ std::string line(const char* inventory, const inventory_mark& before, const inve
     return text.str();
 }
 
-std::string report(const refresh_options& options, const inventory_marks& before, const inventory_marks& now) {
-    std::string text = "Refreshed " + in_quotes(options.database) + " from " + input_title(options.file) + ":\n" +
-                       line("system inventory", before.system, now.system) + line("PCI inventory", before.pci, now.pci);
+std::string report(const refresh_options& options, const inventory_marks& before, const inventory_marks& now,
+                   const left_out_watch& watch) {
+    std::string text = "Refreshed " + in_quotes(options.database) + " from " + input_title(options.loading.file) +
+                       ":\n" + line("system inventory", before.system, now.system) +
+                       line("PCI inventory", before.pci, now.pci);
     if (digests_failed(before, now)) {
         text += "  The digest script failed: every inventory that had a digest counts as changed.\n";
+    }
+    if (!watch.line().empty()) {
+        text += watch.line() + '\n';
     }
     return text;
 }
 
 // Throws failure with the cause alone.
-void run_refresh(const input_file& input, unsigned aim_argument) {
+void run_refresh(const input_file& input, const refresh_options& options, left_out_watch& watch) {
     progress line(input.status());
-    const library_log log(line);
-    if (parse_pci(input.path().c_str(), aim_argument) != 0) {
-        throw failure(cause_of_refusal(input, log));
+    const library_log log(line, display_for(options.loading));
+    const auto accepts = [&watch](const cds_parser::document& loaded) { return watch.accepts(loaded); };
+    if (refresh_inventory(input.path().c_str(), options.aim_argument, accepts) != 0) {
+        throw failure(watch.refusal().empty() ? cause_of_refusal(input, log) : watch.refusal());
     }
 }
 
@@ -67,30 +74,30 @@ void refuse_before_a_database_is_made(const input_file& input) {
 }
 
 // What there was before. Throws failure with the cause alone.
-inventory_marks refresh_database(const refresh_options& options) {
-    const input_file input(options.file);
-    if (is_to_be_made(options.database)) {
-        refuse_before_a_database_is_made(input);
-    }
+inventory_marks refresh_database(const refresh_options& options, left_out_watch& watch) {
+    const input_file input(options.loading.file);
+    new_database_file file(options.database);
     refuse_foreign_database(options.database);
     inventory_marks before = read_marks(open_service(options.database));
-    run_refresh(input, options.aim_argument);
+    run_refresh(input, options, watch);
+    file.keep();
     return before;
 }
 
 int refresh(const refresh_options& options) {
-    enter_private_view(options.root, {options.file, options.database});
+    enter_private_view(options.root, {options.loading.file, options.database});
+    left_out_watch watch(options.loading);
     inventory_marks before;
     try {
-        before = refresh_database(options);
+        before = refresh_database(options, watch);
     } catch (const failure& problem) {
-        throw failure("cannot refresh " + in_quotes(options.database) + " from " + input_title(options.file) + ": " +
-                      problem.what());
+        throw failure("cannot refresh " + in_quotes(options.database) + " from " + input_title(options.loading.file) +
+                      ": " + problem.what());
     }
     try {
-        print(report(options, before, read_marks(open_service(options.database))));
+        print(report(options, before, read_marks(open_service(options.database)), watch));
     } catch (const failure& problem) {
-        throw failure(std::string(problem.what()) + "; the rows of " + input_title(options.file) + " are in " +
+        throw failure(std::string(problem.what()) + "; the rows of " + input_title(options.loading.file) + " are in " +
                       in_quotes(options.database) + " all the same");
     }
     return status_done;
@@ -100,7 +107,7 @@ int refresh(const refresh_options& options) {
 
 action define_refresh(command_line& arguments) {
     const auto options = std::make_shared<refresh_options>();
-    add_cds_file_argument(arguments, options->file);
+    add_loading_options(arguments, options->loading);
     arguments.number_option("--aim", "NUMBER", options->aim_argument, "The number that the adapter loader is given");
     add_database_option(arguments, options->database);
     add_root_option(arguments, options->root);

@@ -41,6 +41,25 @@ TEST(LibraryLog, ShowsNothingThatSteersATerminalOrTurnsTheDirectionOfWriting) {
     EXPECT_EQ(standard_error.text(), "ERROR: first\\u202e\nsecond\\x1b[2J\n");
 }
 
+TEST(LibraryLog, ShowsProblemsOnlyWhereThatIsAskedFor) {
+    const captured_stderr standard_error;
+    const library_log log(log_display::problems);
+    vonk_log::logInfo("news");
+    vonk_log::logWarn("a warning");
+    vonk_log::logErr("an error");
+    EXPECT_EQ(standard_error.text(), "WARNING: a warning\nERROR: an error\n");
+    EXPECT_EQ(log.lines().size(), 3u);
+}
+
+TEST(LibraryLog, ShowsErrorsOnlyWhereThatIsAskedFor) {
+    const captured_stderr standard_error;
+    const library_log log(log_display::errors);
+    vonk_log::logInfo("news");
+    vonk_log::logWarn("a warning");
+    vonk_log::logErr("an error");
+    EXPECT_EQ(standard_error.text(), "ERROR: an error\n");
+}
+
 TEST(LibraryLog, HasNoProblemWithoutAnError) {
     const library_log log(log_display::hidden);
     vonk_log::logWarn("a warning");

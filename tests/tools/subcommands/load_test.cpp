@@ -30,6 +30,12 @@ const std::string server = cds_file(
 
 const std::string nothing = cds_file("");
 
+// A processor, and a function of which nobody knows where it is.
+const std::string incomplete =
+    cds_file(cds_component("cpu_info", {text("Socket Designation", "CPU 1")}) +
+             cds_component("pci_device_info", {integer("Bus Number", "1"), integer("Device Number", "3"),
+                                               integer("Function Number", "4")}));
+
 }  // namespace
 
 class Load : public command_test {
@@ -61,7 +67,11 @@ TEST_F(Load, LoadsTheSampleServer) {
     EXPECT_THAT(result.out, EndsWith("  processors       2\n"
                                      "  memory          24\n"
                                      "  bridges         18\n"
-                                     "  devices         20\n"));
+                                     "  devices         20\n"
+                                     "13 components left no row: 5 have no location, 2 no address, "
+                                     "6 belong to a card that is recorded once; "
+                                     "zebdb-cds explain " +
+                                     std::string(SAMPLES_DIR) + "/two-socket-server.xml tells which\n"));
 }
 
 TEST_F(Load, ReplacesWhatTheDatabaseHeld) {
@@ -77,6 +87,51 @@ TEST_F(Load, PassesTheLogOnWithItsLevels) {
     EXPECT_EQ(run("zebdb-cds load server.xml").err,
               "INFO: CDS PARSER: find a PCI device, slot=5, bus=1, funNo=4\n"
               "INFO: successfully parsed \"server.xml\"\n");
+}
+
+TEST_F(Load, SaysHowManyComponentsLeftNoRowAndWhy) {
+    write("my server.xml", incomplete);
+    const command_result result = run("zebdb-cds load 'my server.xml'");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, EndsWith("  devices          0\n"
+                                     "1 component left no row: 1 has no location; "
+                                     "zebdb-cds explain 'my server.xml' tells which\n"));
+}
+
+TEST_F(Load, ThatIsStrictChangesNothingWhenAComponentLeftNoRow) {
+    ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
+    write("incomplete.xml", incomplete);
+    const command_result result = run("zebdb-cds load --strict incomplete.xml");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.last_error_line(),
+              "zebdb-cds: cannot load 'incomplete.xml': 1 component left no row: 1 has no location; "
+              "zebdb-cds explain incomplete.xml tells which; 'inventory.db' is unchanged");
+    EXPECT_EQ(query("inventory.db", "SELECT count(*) FROM PCIs"), "1");
+}
+
+TEST_F(Load, ThatIsStrictMakesNoDatabaseOfAnIncompleteFile) {
+    write("incomplete.xml", incomplete);
+    EXPECT_EQ(run("zebdb-cds load --strict incomplete.xml").status, 2);
+    EXPECT_THAT(names(), ElementsAre("incomplete.xml", "server.xml"));
+}
+
+TEST_F(Load, ThatIsStrictTakesAFileOfWhichEverythingLeftItsRow) {
+    EXPECT_EQ(run("zebdb-cds load --strict server.xml").status, 0);
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+}
+
+TEST_F(Load, ThatIsQuietShowsErrorsOnly) {
+    write("incomplete.xml", incomplete);
+    EXPECT_EQ(run("zebdb-cds load -q incomplete.xml").err, "");
+    EXPECT_THAT(run("zebdb-cds load --quiet missing.xml").err, HasSubstr("missing.xml"));
+    EXPECT_THAT(run("zebdb-cds load incomplete.xml").err, HasSubstr("WARNING: "));
+}
+
+TEST_F(Load, IsNotQuietAndVerboseAtOnce) {
+    const command_result result = run("zebdb-cds load -q -v server.xml");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("--verbose"));
 }
 
 TEST_F(Load, TakesTheDatabaseFromTheEnvironment) {

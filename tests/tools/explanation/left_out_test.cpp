@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "explanation/left_out.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <zebdb_cds_parser.h>
+
+#include "explanation/explanation.h"
+#include "support/cds_hardware.h"
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+void read(cds_parser::document& document, const std::string& file) {
+    std::istringstream in(file);
+    document.parse(in);
+}
+
+// Of the components below the root of a file.
+std::vector<omission> omissions(const std::string& components) {
+    cds_parser::document document;
+    read(document, cds_file(components));
+    std::vector<omission> found;
+    for (const left_out_element& each : left_out_of(document)) {
+        found.push_back(each.why);
+    }
+    return found;
+}
+
+std::string left_out_text_of(const std::string& components) {
+    cds_parser::document document;
+    read(document, cds_file(components));
+    return left_out_text(left_out_of(document));
+}
+
+std::string function_at_3b(const std::vector<setting>& more) {
+    return cds_component("pci_device_info", joined(address("3b"), more));
+}
+
+// One of several functions of a card of which only the first is recorded.
+std::string card_function(const std::string& number, const std::string& slot) {
+    return cds_component(
+        "pci_device_info",
+        {integer("Bus Number", "26"), integer("Device Number", "0"), integer("Function Number", number),
+         integer("Location", "1"), integer("Slot Number", slot), hex("Vendor ID", "8086"), hex("Device ID", "56c1")});
+}
+
+const std::string unplaced = function_at_3b({});
+const std::string without_address = cds_component("pci_bridge_info", {integer("Bus Number", "1")});
+
+}  // namespace
+
+TEST(LeftOut, IsNothingThatHasARow) {
+    EXPECT_THAT(omissions(processor("CPU 1") + module("DIMM 1", "4711") + function_at_3b({integer("Location", "1")}) +
+                          cds_component("pci_bridge_info", address("1"))),
+                IsEmpty());
+}
+
+TEST(LeftOut, IsNothingThatHasNothingToRecord) {
+    EXPECT_THAT(omissions(cds_component("fan_info", {integer("Speed", "1")})), IsEmpty());
+}
+
+TEST(LeftOut, IsAFunctionWithoutALocation) {
+    EXPECT_THAT(omissions(unplaced), ElementsAre(omission::no_location));
+    EXPECT_THAT(omissions(function_at_3b({hex("Class Code", "010802")})), IsEmpty());
+}
+
+TEST(LeftOut, IsWhatHasNoAddress) {
+    EXPECT_THAT(omissions(without_address + cds_component("pci_device_info", {integer("Location", "1")})),
+                ElementsAre(omission::no_address, omission::no_address));
+}
+
+TEST(LeftOut, IsWhatHasNoKnownSetting) {
+    EXPECT_THAT(omissions(cds_component("cpu_info", {text("Colour", "red")}) + cds_component("memory_info", {})),
+                ElementsAre(omission::nothing_known, omission::nothing_known));
+}
+
+TEST(LeftOut, IsEveryFurtherFunctionOfACardThatIsRecordedOnce) {
+    cds_parser::document document;
+    read(document, cds_file(card_function("0", "3") + card_function("1", "3") + card_function("0", "4")));
+    const std::vector<left_out_element> found = left_out_of(document);
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].why, omission::recorded_once);
+    EXPECT_EQ(found[0].first_of_card, document.root.child_slot_groups.front()->components.front());
+}
+
+TEST(LeftOut, IsWhatStandsBelowARecordThatHasNothingBelow) {
+    const std::string inner = processor("CPU 2");
+    EXPECT_THAT(omissions(cds_component("cpu_info", {text("Socket Designation", "CPU 1")}, inner)),
+                ElementsAre(omission::not_reached));
+}
+
+TEST(LeftOut, IsAGroupThatStandsInAChildSlotGroup) {
+    cds_parser::document document;
+    read(document, cds_component(cds_slots(cds_group("cpu_info", {text("Socket Designation", "CPU 1")}))));
+    const std::vector<left_out_element> found = left_out_of(document);
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].element, document.root.child_slot_groups.front());
+}
+
+TEST(LeftOutText, CountsTheReasons) {
+    EXPECT_EQ(left_out_text_of(unplaced + unplaced + without_address),
+              "3 components left no row: 2 have no location, 1 has no address");
+    EXPECT_EQ(left_out_text_of(unplaced + unplaced + without_address + without_address),
+              "4 components left no row: 2 have no location, 2 no address");
+}
+
+TEST(LeftOutText, IsAboutOneComponentAsWell) {
+    EXPECT_EQ(left_out_text_of(unplaced), "1 component left no row: 1 has no location");
+}
+
+TEST(LeftOutText, IsEmptyWithoutAny) {
+    EXPECT_EQ(left_out_text_of(processor("CPU 1")), "");
+}
+
+// The explanation asks the loader itself.
+TEST(LeftOut, OfEverySampleIsWhatTheLoaderLeavesOut) {
+    std::size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(SAMPLES_DIR)) {
+        if (entry.path().extension() != ".xml") {
+            continue;
+        }
+        cds_parser::document document;
+        std::ifstream in(entry.path());
+        ASSERT_TRUE(document.parse(in));
+        const explanation_counts counts = count(explanations_of(document, false));
+        EXPECT_EQ(left_out_of(document).size(), counts.components - counts.rows) << entry.path();
+        ++files;
+    }
+    EXPECT_GE(files, 4u);
+}

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "subcommands/loading.h"
+
+#include <string>
+
+#include <zebdb_cds_parser.h>
+
+#include "console/output.h"
+#include "explanation/left_out.h"
+#include "sources/library_log.h"
+#include "subcommands/command_line.h"
+#include "subcommands/options.h"
+
+void add_loading_options(command_line& arguments, loading_options& options) {
+    add_cds_file_argument(arguments, options.file);
+    arguments.flag("--strict", options.strict,
+                   "Refuse a file of which a component that should leave a row leaves none");
+    arguments.flag("-q,--quiet", options.quiet, "Show no lines of the log but errors");
+    arguments.flag("-v,--verbose", options.verbose, "Show all lines of the log, also on a terminal");
+    arguments.exclude("--quiet", "--verbose");
+}
+
+log_display display_for(const loading_options& options) {
+    if (options.quiet) {
+        return log_display::errors;
+    }
+    return options.verbose || !log_goes_to_a_terminal() ? log_display::shown : log_display::problems;
+}
+
+bool left_out_watch::accepts(const cds_parser::document& loaded) {
+    text_ = left_out_text(left_out_of(loaded));
+    return text_.empty() || !options_.strict;
+}
+
+std::string left_out_watch::refusal() const {
+    return options_.strict ? line() : "";
+}
+
+std::string left_out_watch::line() const {
+    return text_.empty() ? "" : text_ + "; zebdb-cds explain " + as_shell_word(options_.file) + " tells which";
+}
