@@ -28,12 +28,6 @@ std::string shortened(const std::string& name) {
     return beginning.size() == name.size() ? name : beginning + "...";
 }
 
-std::string named(const char* what, const cds_parser::component& titled, const known_group& group,
-                  const char* setting) {
-    const std::string* name = find_text(titled, group.name, setting);
-    return name == nullptr ? what : std::string(what) + ' ' + in_quotes(shortened(*name));
-}
-
 std::string number_text(const cds_parser::setting_group& group, const char* setting, const char* format,
                         long long default_value) {
     const cds_parser::setting_node* found = group.get_setting(setting);
@@ -46,9 +40,9 @@ std::string number_text(const cds_parser::setting_group& group, const char* sett
     return text;
 }
 
-std::string at_address(const char* what, const cds_parser::component& titled, const known_group& group) {
+std::string address_text(const cds_parser::component& titled, const known_group& group) {
     const cds_parser::setting_group& settings = *titled.get_setting_group(group.name);
-    return std::string(what) + ' ' + number_text(settings, "Segment Number", "%04llx", 0) + ':' +
+    return number_text(settings, "Segment Number", "%04llx", 0) + ':' +
            number_text(settings, "Bus Number", "%02llx", -1) + ':' +
            number_text(settings, "Device Number", "%02llx", -1) + '.' +
            number_text(settings, "Function Number", "%llx", -1);
@@ -75,6 +69,21 @@ std::string component_title(const cds_parser::component& titled, const known_gro
         return type == nullptr ? "component" : "component " + in_quotes(shortened(*type));
     }
     const kind_title& title = titles.at(recorded->kind);
-    return title.name_setting == nullptr ? at_address(title.what, titled, *recorded)
-                                         : named(title.what, titled, *recorded, title.name_setting);
+    if (title.name_setting == nullptr) {
+        return std::string(title.what) + ' ' + address_text(titled, *recorded);
+    }
+    const std::string* name = find_text(titled, recorded->name, title.name_setting);
+    return name == nullptr ? title.what : std::string(title.what) + ' ' + in_quotes(shortened(*name));
+}
+
+std::string component_name(const cds_parser::component& titled, const known_group* recorded) {
+    if (recorded == nullptr) {
+        return "";
+    }
+    const char* setting = titles.at(recorded->kind).name_setting;
+    if (setting == nullptr) {
+        return address_text(titled, *recorded);
+    }
+    const std::string* name = find_text(titled, recorded->name, setting);
+    return name == nullptr ? "" : *name;
 }

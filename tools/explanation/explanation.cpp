@@ -2,8 +2,11 @@
 
 #include "explanation/explanation.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,8 +16,12 @@
 #include "explanation/component_loader.h"
 #include "explanation/component_title.h"
 #include "explanation/counterfactual.h"
+#include "explanation/left_out.h"
+#include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
 #include "explanation/verdict.h"
+#include "rows/pci_address_text.h"
+#include "rows/row_text.h"
 #include "rows/table.h"
 
 namespace {
@@ -34,23 +41,40 @@ std::vector<std::string> recorded_groups(const Element& element) {
     return names;
 }
 
+// What keeps a component without a row is said there.
+void forget_blamed(explanation& told) {
+    const std::vector<std::string>& blamed = told.judged.missing;
+    told.odd.erase(std::remove_if(told.odd.begin(), told.odd.end(),
+                                  [&blamed](const odd_value& odd) {
+                                      return std::find(blamed.begin(), blamed.end(), odd.setting) != blamed.end();
+                                  }),
+                   told.odd.end());
+}
+
 std::string obstacle_below(const explanation& told) {
     return "the loader does not look below the " + told.title +
-           (told.judged.became == fate::failed ? ", whose row could not be written" : "");
+           (told.judged.became == fate::failed ? ", whose row could not be written"
+                                               : "; elsewhere this would have been looked at");
 }
 
 // Goes through a tree as the loader does, and on where the loader stops.
 class walk {
 public:
-    explicit walk(bool all) : all_(all) {}
+    walk(const std::vector<left_out_element>& left_out, bool all) : all_(all) {
+        for (const left_out_element& each : left_out) {
+            left_out_.emplace(each.element, &each);
+        }
+    }
 
     void visit(component& visited, const std::string& path, std::int64_t parent) {
         const loaded_component loaded = loader_.load(visited, parent);
         explanation told = begin(visited, path);
         told.row = loaded.row;
         told.log = loaded.log;
-        told.judged = verdict_on(visited, told.recorded_by, loaded, doubts_);
+        told.judged = verdict_on(visited, told.recorded_by, loaded, find_left_out(visited), doubts_);
         told.unused = unused_settings(visited, told.recorded_by, told.row);
+        told.odd = odd_values(visited, told.recorded_by, told.row);
+        forget_blamed(told);
         const std::string obstacle = obstacle_below(told);
         add(std::move(told));
         go_below(visited, path, [&](component& child, const std::string& child_path) {
@@ -69,6 +93,7 @@ private:
         explanation told = begin(passed, path);
         told.judged = verdict_on_unreached(passed, !told.groups.empty(), obstacle);
         told.unused = unused_settings(passed, told.recorded_by, told.row);
+        told.odd = odd_values(passed, told.recorded_by, told.row);
         add(std::move(told));
         go_below(passed, path,
                  [&](component& child, const std::string& child_path) { pass_over(child, child_path, obstacle); });
@@ -105,7 +130,14 @@ private:
         told.groups = recorded_groups(explained);
         told.recorded_by = told.groups.empty() ? nullptr : doubts_.recorded_group(explained);
         told.title = component_title(explained, told.recorded_by);
+        told.name = component_name(explained, told.recorded_by);
         return told;
+    }
+
+    // Null when there is no rule that keeps it out.
+    const left_out_element* find_left_out(const cds_parser::element& element) const {
+        const auto found = left_out_.find(&element);
+        return found == left_out_.end() ? nullptr : found->second;
     }
 
     void add(explanation told) {
@@ -114,6 +146,7 @@ private:
         }
     }
 
+    std::map<const cds_parser::element*, const left_out_element*> left_out_;
     bool all_;
     component_loader loader_;
     counterfactual doubts_;
@@ -123,7 +156,8 @@ private:
 }  // namespace
 
 std::vector<explanation> explanations_of(cds_parser::document& document, bool all) {
-    walk explained(all);
+    const std::vector<left_out_element> left_out = left_out_of(document);
+    walk explained(left_out, all);
     explained.visit(document.root, std::string("/") + component::TAG, component_loader::no_parent);
     return explained.take();
 }
@@ -134,12 +168,19 @@ void redact(explanation& told) {
     }
 }
 
+bool is_named(const explanation& told, const std::string& name) {
+    return name == told.path || (!told.name.empty() && (stripped(name) == stripped(told.name) ||
+                                                        full_pci_address(name) == std::optional(told.name)));
+}
+
 explanation_counts count(const std::vector<explanation>& explanations) {
     explanation_counts counts;
     for (const explanation& told : explanations) {
         counts.components += told.groups.empty() ? 0 : 1;
         counts.rows += told.row ? 1 : 0;
         counts.unused_settings += told.unused.size();
+        counts.odd_values += static_cast<std::size_t>(std::count_if(
+            told.odd.begin(), told.odd.end(), [](const odd_value& each) { return each.what != oddity::replaced; }));
     }
     return counts;
 }

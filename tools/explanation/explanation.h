@@ -12,6 +12,7 @@
 #include <zebdb_cds_parser.h>
 
 #include "explanation/known_settings.h"
+#include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
 #include "explanation/verdict.h"
 #include "rows/table.h"
@@ -20,12 +21,14 @@
 struct explanation {
     std::string path;                    ///< in the file, as XPath has it
     std::string title;                   ///< what the component is and which, for people
+    std::string name;                    ///< the last part of that: an address, a locator; empty for none
     std::vector<std::string> groups;     ///< those that the loader records, by name
     const known_group* recorded_by;      ///< the one of them that the loader would make a row of; null without one
     verdict judged;                      ///< what became of it
     std::optional<inventory_table> row;  ///< that one row, with every column of its table
     std::vector<log_line> log;           ///< what the loader logged about it
     std::vector<unused_setting> unused;  ///< settings of `groups` that no column takes
+    std::vector<odd_value> odd;          ///< values of the one group that are not what its columns take
 };
 
 /// For every component that has, or seems to be meant to have, a group that the loader records; with `all` for every
@@ -35,11 +38,15 @@ std::vector<explanation> explanations_of(cds_parser::document& document, bool al
 /// Puts a placeholder in place of serial numbers and asset tags.
 void redact(explanation& told);
 
+/// Whether that is one of its names: its path, its PCI address, with or without the segment, or its locator.
+bool is_named(const explanation& told, const std::string& name);
+
 /// How many there are.
 struct explanation_counts {
     std::size_t components = 0;       ///< that have a group which the loader records
     std::size_t rows = 0;             ///< that they left
     std::size_t unused_settings = 0;  ///< in their groups
+    std::size_t odd_values = 0;       ///< in the groups that make the rows, but for those that are replaced
 };
 
 explanation_counts count(const std::vector<explanation>& explanations);

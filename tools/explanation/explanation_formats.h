@@ -10,8 +10,16 @@
 #include "console/text_table.h"
 #include "explanation/explanation.h"
 
-/// For people: some lines for each component and one that sums up.
-std::string explanation_text(const std::vector<explanation>& explanations, const text_style& style);
+enum class row_columns { hidden, named };
+
+/// For people: what left no row, what looks wrong and what has no effect, by reason, and a line that sums up.
+std::string problems_text(const std::vector<explanation>& explanations, const text_style& style);
+
+/// For people: some lines for each component.
+std::string components_text(const std::vector<explanation>& explanations, row_columns columns, const text_style& style);
+
+/// The line that sums up.
+std::string totals_text(const std::vector<explanation>& explanations);
 
 /// For programs: {"schema": 1, "summary": {...}, "components": [...]}.
 std::string explanation_json(const std::vector<explanation>& explanations);

@@ -11,6 +11,7 @@
 
 #include "explanation/explanation.h"
 #include "explanation/explanation_formats.h"
+#include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
 #include "explanation/verdict.h"
 #include "rows/table.h"
@@ -48,6 +49,18 @@ constexpr level_name level_names[] = {
     {vonk_log::level::error, "error"},
     {vonk_log::level::warning, "warning"},
     {vonk_log::level::info, "info"},
+};
+
+struct oddity_name {
+    oddity value;
+    const char* name;
+};
+
+constexpr oddity_name oddity_names[] = {
+    {oddity::text_for_number, "text_for_number"},
+    {oddity::no_number, "no_number"},
+    {oddity::too_large, "too_large"},
+    {oddity::replaced, "replaced"},
 };
 
 template <class Named, class Value, std::size_t Count>
@@ -90,6 +103,19 @@ json unused_json(const std::vector<unused_setting>& unused) {
     return settings;
 }
 
+json odd_json(const std::vector<odd_value>& odd) {
+    json values = json::array();
+    for (const odd_value& each : odd) {
+        values.push_back({{"group", each.group},
+                          {"setting", each.setting},
+                          {"column", each.column},
+                          {"problem", name_in(oddity_names, each.what)},
+                          {"value", each.value},
+                          {"stored", value_json(each.stored)}});
+    }
+    return values;
+}
+
 json explanation_object(const explanation& told) {
     return {
         {"path", told.path},
@@ -101,6 +127,7 @@ json explanation_object(const explanation& told) {
         {"reasons", told.judged.reasons},
         {"missing_settings", told.judged.missing},
         {"unused_settings", unused_json(told.unused)},
+        {"odd_values", odd_json(told.odd)},
         {"log", log_json(told.log)},
     };
 }
@@ -112,7 +139,10 @@ std::string explanation_json(const std::vector<explanation>& explanations) {
     json document = {
         {"schema", schema},
         {"summary",
-         {{"components", counts.components}, {"rows", counts.rows}, {"unused_settings", counts.unused_settings}}},
+         {{"components", counts.components},
+          {"rows", counts.rows},
+          {"unused_settings", counts.unused_settings},
+          {"odd_values", counts.odd_values}}},
         {"components", json::array()},
     };
     for (const explanation& told : explanations) {

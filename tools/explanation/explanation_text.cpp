@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "console/text_table.h"
 #include "console/utf8.h"
 #include "explanation/explanation.h"
 #include "explanation/explanation_formats.h"
+#include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
+#include "rows/column_units.h"
+#include "rows/kinds.h"
 #include "rows/table.h"
 
 namespace {
@@ -22,7 +27,7 @@ std::string line(const char* label, const std::string& text) {
     return std::string("  ") + label + printable(text) + '\n';
 }
 
-std::string row_summary(const inventory_table& row) {
+std::string row_text(const inventory_table& row, row_columns shown) {
     std::string id;
     std::string columns;
     for (std::size_t column = 0; column < row.columns.size(); ++column) {
@@ -33,26 +38,62 @@ std::string row_summary(const inventory_table& row) {
             columns += (columns.empty() ? "" : ", ") + row.columns[column];
         }
     }
-    return std::string(row.kind->record.table) + ' ' + id + ": " + columns;
+    const std::string name = std::string(row.kind->record.table) + ' ' + id;
+    return shown == row_columns::named ? name + ": " + columns : name;
+}
+
+std::string quoted_in(const std::string& setting, const std::string& group) {
+    return "'" + setting + "' in " + group;
 }
 
 std::string unused_text(const unused_setting& unused) {
-    const std::string text = "'" + unused.name + "' in " + unused.group;
+    const std::string text = quoted_in(unused.name, unused.group);
     if (unused.is_known) {
         return text + ", which this record does not take";
     }
     return unused.similar == nullptr ? text : text + "; '" + unused.similar + "' may be meant";
 }
 
-std::string component_text(const explanation& told, const text_style& style) {
+std::string oddity_text(const odd_value& odd) {
+    const std::string text = quoted_in(odd.setting, odd.group);
+    switch (odd.what) {
+        case oddity::text_for_number:
+            return text + " is text where a number is taken";
+        case oddity::no_number:
+            return text + " is no number";
+        case oddity::too_large:
+            return text + " has more bits than its column";
+        case oddity::replaced:
+            break;
+    }
+    return text + " is replaced by what the loader knows better";
+}
+
+std::string stored_text(const odd_value& odd, const explanation& told) {
+    if (!is_put(odd.stored)) {
+        return odd.value;
+    }
+    return odd.value + " is stored as " + unit_of(*told.recorded_by->kind, odd.column)(odd.stored) + " in " +
+           odd.column;
+}
+
+std::string component_text(const explanation& told, row_columns columns, const text_style& style) {
     std::string text = heading_text(printable(told.title), style) + '\n' + line("at      ", told.path);
     if (told.row) {
-        text += line("row     ", row_summary(*told.row));
+        text += line("row     ", row_text(*told.row, columns));
     }
     const char* label = "no row  ";
     for (const std::string& reason : told.judged.reasons) {
         text += line(label, reason);
         label = "        ";
+    }
+    if (!told.judged.reasons.empty()) {
+        for (const log_line& logged : told.log) {
+            text += line("logged  ", logged.text);
+        }
+    }
+    for (const odd_value& odd : told.odd) {
+        text += line("wrong   ", oddity_text(odd) + ": " + stored_text(odd, told));
     }
     for (const unused_setting& unused : told.unused) {
         text += line("unused  ", unused_text(unused));
@@ -60,16 +101,132 @@ std::string component_text(const explanation& told, const text_style& style) {
     return text;
 }
 
+// What is to be said of one component of a group.
+struct told_component {
+    const explanation* told;
+    std::vector<std::string> reasons;  // said once where they are those of the whole group
+    std::vector<std::string> details;
+};
+
+// Components about which the same is to be said.
+struct told_group {
+    std::string said;
+    std::vector<told_component> components;
+
+    bool has_common_reasons() const {
+        return std::all_of(components.begin(), components.end(),
+                           [this](const told_component& each) { return each.reasons == components.front().reasons; });
+    }
+};
+
+class groups {
+public:
+    void add(const std::string& said, told_component component) {
+        auto found =
+            std::find_if(all_.begin(), all_.end(), [&said](const told_group& each) { return each.said == said; });
+        if (found == all_.end()) {
+            found = all_.insert(all_.end(), {said, {}});
+        }
+        found->components.push_back(std::move(component));
+    }
+
+    std::string text(const std::string& label, const text_style& style) const {
+        std::string text;
+        for (const told_group& each : all_) {
+            const std::string count = counted(each.components.size(), "component", "components");
+            text += heading_text(label + ", " + count + ": " + printable(each.said), style) + '\n';
+            const bool common = each.has_common_reasons();
+            text += common ? lines("", each.components.front().reasons) : "";
+            for (const told_component& component : each.components) {
+                text += line("* ", component.told->title) + line("  at      ", component.told->path);
+                text += (common ? "" : lines("  ", component.reasons)) + lines("  ", component.details);
+            }
+            text += '\n';
+        }
+        return text;
+    }
+
+private:
+    static std::string lines(const char* indent, const std::vector<std::string>& texts) {
+        std::string all;
+        for (const std::string& each : texts) {
+            all += line(indent, each);
+        }
+        return all;
+    }
+
+    std::vector<told_group> all_;
+};
+
+std::vector<std::string> logged_lines(const explanation& told) {
+    std::vector<std::string> lines;
+    std::transform(told.log.begin(), told.log.end(), std::back_inserter(lines),
+                   [](const log_line& logged) { return "logged  " + logged.text; });
+    return lines;
+}
+
+// One sentence about all settings of a component that its record does not take.
+std::string without_effect(const explanation& told) {
+    std::string settings;
+    bool has_memory = false;
+    for (const unused_setting& unused : told.unused) {
+        if (unused.is_known) {
+            settings += (settings.empty() ? "" : ", ") + quoted_in(unused.name, unused.group);
+            has_memory = has_memory || (told.recorded_by != nullptr && told.recorded_by->kind == &kinds::memory &&
+                                        unused.group == told.recorded_by->name);
+        }
+    }
+    if (settings.empty()) {
+        return "";
+    }
+    return "this kind of record does not take " + settings +
+           (has_memory ? "; a persistent module has bit 12 of 'Type Detail' and the 'Manufacturer' Intel" : "");
+}
+
 }  // namespace
 
-std::string explanation_text(const std::vector<explanation>& explanations, const text_style& style) {
+std::string problems_text(const std::vector<explanation>& explanations, const text_style& style) {
+    groups no_row;
+    groups wrong;
+    groups idle;
+    for (const explanation& told : explanations) {
+        if (!told.judged.reasons.empty()) {
+            no_row.add(told.judged.reasons.front(),
+                       {&told, {told.judged.reasons.begin() + 1, told.judged.reasons.end()}, logged_lines(told)});
+        }
+        for (const odd_value& odd : told.odd) {
+            groups& among = odd.what == oddity::replaced ? idle : wrong;
+            among.add(oddity_text(odd), {&told, {}, {"value   " + stored_text(odd, told)}});
+        }
+        for (const unused_setting& unused : told.unused) {
+            if (unused.similar != nullptr) {
+                wrong.add("no column takes " + unused_text(unused), {&told, {}, {}});
+            }
+        }
+        if (const std::string settings = without_effect(told); !settings.empty()) {
+            idle.add(settings, {&told, {}, {}});
+        }
+    }
+    return no_row.text("No row", style) + wrong.text("Looks wrong", style) + idle.text("No effect", style) +
+           totals_text(explanations);
+}
+
+std::string components_text(const std::vector<explanation>& explanations, row_columns columns,
+                            const text_style& style) {
     std::string text;
     for (const explanation& told : explanations) {
-        text += component_text(told, style) + '\n';
+        text += (text.empty() ? "" : "\n") + component_text(told, columns, style);
     }
+    return text;
+}
+
+std::string totals_text(const std::vector<explanation>& explanations) {
     const explanation_counts counts = count(explanations);
-    return text + counted(counts.components, "component", "components") +
+    const std::string odd = counts.odd_values == 0
+                                ? ""
+                                : "; " + counted(counts.odd_values, "value that looks", "values that look") + " wrong";
+    return counted(counts.components, "component", "components") +
            " to record: " + counted(counts.rows, "row", "rows") + ", " +
            std::to_string(counts.components - counts.rows) + " without a row; " +
-           counted(counts.unused_settings, "setting", "settings") + " that no column takes\n";
+           counted(counts.unused_settings, "setting", "settings") + " that no column takes" + odd + '\n';
 }

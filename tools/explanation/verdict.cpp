@@ -2,8 +2,6 @@
 
 #include "explanation/verdict.h"
 
-#include <algorithm>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -11,22 +9,16 @@
 
 #include "console/output.h"
 #include "explanation/component_loader.h"
+#include "explanation/component_title.h"
 #include "explanation/counterfactual.h"
 #include "explanation/known_settings.h"
-#include "sources/library_log.h"
+#include "explanation/left_out.h"
 
 namespace {
 
 using cds_parser::component;
 using cds_parser::setting_group;
 using cds_parser::setting_node;
-
-std::vector<std::string> texts_of(const std::vector<log_line>& lines) {
-    std::vector<std::string> texts;
-    std::transform(lines.begin(), lines.end(), std::back_inserter(texts),
-                   [](const log_line& line) { return line.text; });
-    return texts;
-}
 
 // Where the loader logged what is wrong with a value, that need not be said again.
 std::string blame(const setting_group& group, const std::string& setting, bool logged) {
@@ -51,6 +43,32 @@ std::vector<std::string> misspelt_groups(const component& judged) {
     return reasons;
 }
 
+std::string card_rule(const component& judged, const component& first, const known_group& recorded_by) {
+    const setting_node* slot = judged.get_setting_group(recorded_by.name)->get_setting("Slot Number");
+    return "the card at slot " + (slot == nullptr ? "-1" : std::to_string(slot->get_int64(-1))) +
+           " is recorded once, by its first function " + component_name(first, &recorded_by) +
+           "; at a slot of its own it would have made a row";
+}
+
+// The rule by which there is no row, and what would have made one.
+std::string rule(const component& judged, const known_group& recorded_by, const left_out_element& left_out) {
+    switch (left_out.why) {
+        case omission::no_location:
+            return "its location is unknown; any 'Location' but 2, or the class code 0x010802 of an NVMe drive, would "
+                   "have made a row";
+        case omission::no_address:
+            return "its address is incomplete; a bus, a device and a function number, none of them negative, would "
+                   "have made a row";
+        case omission::recorded_once:
+            return card_rule(judged, *left_out.first_of_card, recorded_by);
+        case omission::nothing_known:
+        case omission::not_reached:
+            break;
+    }
+    return std::string("the loader knows none of the settings in ") + recorded_by.name +
+           "; any that it knows, such as " + in_quotes(recorded_by.settings.front().name) + ", would have made a row";
+}
+
 void blame_missing_settings(verdict& given, const component& judged, const known_group& recorded_by, bool logged,
                             counterfactual& doubts) {
     given.missing = doubts.settings_to_blame(judged, recorded_by, logged);
@@ -59,20 +77,16 @@ void blame_missing_settings(verdict& given, const component& judged, const known
     }
 }
 
-// The last of the lines that the loader logs when it refuses a component says that it did.
-verdict verdict_on_refused(const component& judged, const known_group& recorded_by, const loaded_component& loaded,
-                           counterfactual& doubts) {
-    verdict given = {fate::refused, {loaded.log.back().text}, {}};
-    blame_missing_settings(given, judged, recorded_by, true, doubts);
-    return given;
-}
-
-verdict verdict_on_silence(const component& judged, const known_group& recorded_by, counterfactual& doubts) {
-    verdict given = {fate::incomplete, {}, {}};
-    blame_missing_settings(given, judged, recorded_by, false, doubts);
-    if (given.missing.empty()) {
+// The loader logs that it refuses a component, or passes it over in silence.
+verdict verdict_on_left_out(const component& judged, const known_group& recorded_by, bool logged,
+                            const left_out_element* left_out, counterfactual& doubts) {
+    verdict given = {logged ? fate::refused : fate::incomplete, {}, {}};
+    if (left_out != nullptr) {
+        given.reasons.push_back(rule(judged, recorded_by, *left_out));
+    }
+    blame_missing_settings(given, judged, recorded_by, logged, doubts);
+    if (!logged && given.missing.empty()) {
         given.became = fate::nothing_known;
-        given.reasons.push_back(std::string("the loader knows none of the settings in ") + recorded_by.name);
     }
     return given;
 }
@@ -80,7 +94,7 @@ verdict verdict_on_silence(const component& judged, const known_group& recorded_
 }  // namespace
 
 verdict verdict_on(const component& judged, const known_group* recorded_by, const loaded_component& loaded,
-                   counterfactual& doubts) {
+                   const left_out_element* left_out, counterfactual& doubts) {
     if (recorded_by == nullptr) {
         return {fate::no_known_group, misspelt_groups(judged), {}};
     }
@@ -88,10 +102,9 @@ verdict verdict_on(const component& judged, const known_group* recorded_by, cons
         return {fate::recorded, {}, {}};
     }
     if (!loaded.succeeded && !loaded.log.empty()) {
-        return {fate::failed, texts_of(loaded.log), {}};
+        return {fate::failed, {"its row could not be written"}, {}};
     }
-    return loaded.log.empty() ? verdict_on_silence(judged, *recorded_by, doubts)
-                              : verdict_on_refused(judged, *recorded_by, loaded, doubts);
+    return verdict_on_left_out(judged, *recorded_by, !loaded.log.empty(), left_out, doubts);
 }
 
 verdict verdict_on_unreached(const component& judged, bool has_known_group, const std::string& obstacle) {
@@ -108,7 +121,8 @@ verdict verdict_on_unreached(const component& judged, bool has_known_group, cons
 verdict verdict_on_slots(const std::vector<std::string>& known_groups) {
     verdict given = {fate::not_reached, {}, {}};
     for (const std::string& group : known_groups) {
-        given.reasons.push_back("the loader looks for " + group + " in components only");
+        given.reasons.push_back("the loader looks for " + group +
+                                " in components only; in one it would have made a row");
     }
     return given;
 }

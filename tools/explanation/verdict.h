@@ -12,6 +12,7 @@
 #include "explanation/component_loader.h"
 #include "explanation/counterfactual.h"
 #include "explanation/known_settings.h"
+#include "explanation/left_out.h"
 
 enum class fate {
     recorded,        ///< it has a row
@@ -25,14 +26,16 @@ enum class fate {
 
 struct verdict {
     fate became;
-    std::vector<std::string> reasons;  ///< why there is no row, a phrase each; none when there is one
+    /// Why there is no row, a phrase each: the rule and what would have made one, then what there is instead. None when
+    /// there is one.
+    std::vector<std::string> reasons;
     std::vector<std::string> missing;  ///< the settings for want of which there is none
 };
 
 /// On a component that the loader came to. `recorded_by` is the group that it would make a row of, null when there is
-/// none.
+/// none; `left_out` is the rule by which there is no row, null without one.
 verdict verdict_on(const cds_parser::component& judged, const known_group* recorded_by, const loaded_component& loaded,
-                   counterfactual& doubts);
+                   const left_out_element* left_out, counterfactual& doubts);
 
 /// On a component that the loader did not come to because of `obstacle`; `has_known_group` tells whether it has any
 /// group that the loader records.

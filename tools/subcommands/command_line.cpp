@@ -43,6 +43,11 @@ void command_line::path_option(const char* name, const char* type, std::string& 
         ->check(check_not_empty);
 }
 
+void command_line::text_option(const char* name, const char* type, std::string& value,
+                               const std::string& description) {
+    app_->add_option(name, value, description)->type_name(type);
+}
+
 void command_line::number_option(const char* name, const char* type, unsigned& value, const std::string& description,
                                  unsigned largest) {
     CLI::Option* number = app_->add_option(name, value, description)->type_name(type)->capture_default_str();

@@ -30,7 +30,8 @@ TEST_F(ExplanationJson, IsWrittenInThisForm) {
   "summary": {
     "components": 1,
     "rows": 0,
-    "unused_settings": 1
+    "unused_settings": 1,
+    "odd_values": 0
   },
   "components": [
     {
@@ -43,7 +44,7 @@ TEST_F(ExplanationJson, IsWrittenInThisForm) {
       "table": null,
       "row": null,
       "reasons": [
-        "CDS PARSER: Device on slot -1 bus 1 doesn't have valid location info.",
+        "its location is unknown; any 'Location' but 2, or the class code 0x010802 of an NVMe drive, would have made a row",
         "there is no setting 'Location' in pci_device_info"
       ],
       "missing_settings": [
@@ -57,6 +58,7 @@ TEST_F(ExplanationJson, IsWrittenInThisForm) {
           "similar": null
         }
       ],
+      "odd_values": [],
       "log": [
         {
           "level": "warning",
@@ -73,7 +75,7 @@ TEST_F(ExplanationJson, HoldsTheSchemaNumberTheSumsAndTheComponents) {
     const json shown = explain_json(cds_file(processor("A", {text("Color", "red")}) + cds_component("cpu_info", {})));
     EXPECT_THAT(keys_of(shown), ElementsAre("schema", "summary", "components"));
     EXPECT_EQ(shown["schema"], 1);
-    EXPECT_EQ(shown["summary"].dump(), R"({"components":2,"rows":1,"unused_settings":1})");
+    EXPECT_EQ(shown["summary"].dump(), R"({"components":2,"rows":1,"unused_settings":1,"odd_values":0})");
     EXPECT_EQ(shown["components"].size(), 2u);
 }
 
@@ -92,6 +94,7 @@ TEST_F(ExplanationJson, TellsOfARow) {
         "unused_settings": [
             {"group": "pci_bridge_info", "setting": "Colour", "known": false, "similar": null},
             {"group": "pci_bridge_info", "setting": "VendorID", "known": false, "similar": "Vendor ID"}],
+        "odd_values": [],
         "log": []})"));
 }
 
@@ -104,9 +107,12 @@ TEST_F(ExplanationJson, TellsOfAComponentWithoutARow) {
         "result": "incomplete",
         "table": null,
         "row": null,
-        "reasons": ["there is no setting 'Function Number' in pci_device_info"],
+        "reasons": [
+            "its address is incomplete; a bus, a device and a function number, none of them negative, would have made a row",
+            "there is no setting 'Function Number' in pci_device_info"],
         "missing_settings": ["Function Number"],
         "unused_settings": [],
+        "odd_values": [],
         "log": []})"));
 }
 
@@ -132,6 +138,18 @@ TEST_F(ExplanationJson, HasAWordForEveryResult) {
                 ElementsAre("no_known_group", "recorded", "refused", "incomplete", "nothing_known", "not_reached"));
 }
 
+TEST_F(ExplanationJson, HasAWordForEveryOddity) {
+    const json of =
+        told_of(function("1", {text("Device ID", "5"), hex("Hotplug", "no"), hex("Slot Type", "1FFFFFFFF")}));
+    EXPECT_EQ(of["odd_values"], json::parse(R"([
+        {"group": "pci_device_info", "setting": "Device ID", "column": "DeviceId", "problem": "text_for_number",
+         "value": "text_value '5'", "stored": 0},
+        {"group": "pci_device_info", "setting": "Slot Type", "column": "SlotType", "problem": "too_large",
+         "value": "hex_value '1FFFFFFFF'", "stored": 4294967295},
+        {"group": "pci_device_info", "setting": "Hotplug", "column": "Hotplug", "problem": "no_number",
+         "value": "hex_value 'no'", "stored": 0}])"));
+}
+
 TEST_F(ExplanationJson, GivesNumbersTheirWholeValue) {
     const json of = told_of(processor("A", {integer("Processor ID", "-1"), integer("Core Count", "-1")}));
     EXPECT_EQ(of["row"]["ProcId"], 18446744073709551615u);
@@ -148,7 +166,7 @@ TEST_F(ExplanationJson, IsValidWhateverTheTextsHold) {
 
 TEST_F(ExplanationJson, OfAnEmptyFileHoldsAnEmptyList) {
     EXPECT_EQ(explain_json("<component/>"), json::parse(R"({"schema": 1,
-        "summary": {"components": 0, "rows": 0, "unused_settings": 0}, "components": []})"));
+        "summary": {"components": 0, "rows": 0, "unused_settings": 0, "odd_values": 0}, "components": []})"));
 }
 
 TEST_F(ExplanationJson, HidesWhatIdentifiesPartsWithRedact) {

@@ -36,8 +36,12 @@ protected:
     }
 
     static std::string explain(const std::string& file, told_about about = told_about::hardware) {
-        return explanation_text(explanations(file, about), {});
+        const std::vector<explanation> all = explanations(file, about);
+        return components_text(all, row_columns::named, {}) + '\n' + totals_text(all);
     }
+
+    /// What is missing of such a file, and what looks wrong.
+    static std::string problems(const std::string& file) { return problems_text(explanations(file), {}); }
 
     static json explain_json(const std::string& file, told_about about = told_about::hardware) {
         return json::parse(explanation_json(explanations(file, about)));

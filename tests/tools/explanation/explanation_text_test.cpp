@@ -40,7 +40,9 @@ TEST_F(ExplanationText, TellsWhyThereIsNoRowAndWhichSettingsAreUnused) {
                                                            text("Color", "red"), text("Locaton", "1")}))),
         "PCI function 0000:?:00.?\n"
         "  at      /component/child_slot_group[1]/component[1]\n"
-        "  no row  the setting 'Bus Number' in pci_device_info is negative, too large or no number: "
+        "  no row  its address is incomplete; a bus, a device and a function number, none of them negative, would have "
+        "made a row\n"
+        "          the setting 'Bus Number' in pci_device_info is negative, too large or no number: "
         "integer_value '-1'\n"
         "          there is no setting 'Function Number' in pci_device_info\n"
         "  unused  'Color' in pci_device_info\n"
@@ -61,11 +63,11 @@ TEST_F(ExplanationText, CountsOneOfEach) {
 
 TEST_F(ExplanationText, CountsNothingInAFileWithoutHardware) {
     EXPECT_EQ(explain("<component/>"),
-              "0 components to record: 0 rows, 0 without a row; 0 settings that no column takes\n");
+              "\n0 components to record: 0 rows, 0 without a row; 0 settings that no column takes\n");
 }
 
 TEST_F(ExplanationText, OfAComponentWithoutHardwareTellsNothing) {
-    EXPECT_THAT(explain(cds_file(cds_component("fan_info", {text("Color", "red")}))), StartsWith("0 components "));
+    EXPECT_THAT(explain(cds_file(cds_component("fan_info", {text("Color", "red")}))), StartsWith("\n0 components "));
 }
 
 TEST_F(ExplanationText, WithAllTellsWhereComponentsWithoutHardwareStand) {
@@ -117,6 +119,75 @@ TEST_F(ExplanationText, ReachesTheDeepestComponents) {
 TEST_F(ExplanationText, HasBoldHeadingsWhereControlSequencesAreUnderstood) {
     text_style style;
     style.has_control_sequences = true;
-    EXPECT_THAT(explanation_text(explanations(cds_file(processor("CPU 1"))), style),
+    EXPECT_THAT(components_text(explanations(cds_file(processor("CPU 1"))), row_columns::named, style),
                 StartsWith("\033[1mprocessor 'CPU 1'\033[0m\n  at "));
+}
+
+TEST_F(ExplanationText, NamesTheRowAloneWhereItsColumnsAreHidden) {
+    EXPECT_THAT(components_text(explanations(cds_file(processor("CPU 1"))), row_columns::hidden, {}),
+                EndsWith("  row     Processor 1\n"));
+}
+
+TEST_F(ExplanationText, ShowsTheLogOfWhatIsRefusedBesideTheRule) {
+    EXPECT_THAT(explain(cds_file(cds_component("pci_device_info", address("1")))),
+                HasSubstr("\n          there is no setting 'Location' in pci_device_info\n"
+                          "  logged  CDS PARSER: Device on slot -1 bus 1 doesn't have valid location info.\n"));
+}
+
+TEST_F(ExplanationText, TellsWhatIsStoredOfAValueThatIsNoNumber) {
+    EXPECT_THAT(explain(cds_file(processor("CPU 1", {integer("Core Count", "many")}))),
+                HasSubstr("  wrong   'Core Count' in cpu_info is no number: integer_value 'many' is stored as 0 in "
+                          "CoreCount\n"));
+}
+
+TEST_F(ExplanationText, OfProblemsHasNothingOfWhatIsWell) {
+    EXPECT_EQ(problems(cds_file(processor("CPU 1", {text("Color", "red")}))),
+              "1 component to record: 1 row, 0 without a row; 1 setting that no column takes\n");
+}
+
+TEST_F(ExplanationText, OfProblemsSaysAReasonOnceForAllComponents) {
+    EXPECT_EQ(problems(cds_file(cds_component("pci_device_info", address("1")) + processor("CPU 1") +
+                                cds_component("pci_device_info", address("2")))),
+              "No row, 2 components: its location is unknown; any 'Location' but 2, or the class code 0x010802 of an "
+              "NVMe drive, would have made a row\n"
+              "  there is no setting 'Location' in pci_device_info\n"
+              "  * PCI function 0000:01:00.0\n"
+              "    at      /component/child_slot_group[1]/component[1]\n"
+              "    logged  CDS PARSER: Device on slot -1 bus 1 doesn't have valid location info.\n"
+              "  * PCI function 0000:02:00.0\n"
+              "    at      /component/child_slot_group[1]/component[3]\n"
+              "    logged  CDS PARSER: Device on slot -1 bus 2 doesn't have valid location info.\n"
+              "\n"
+              "3 components to record: 1 row, 2 without a row; 0 settings that no column takes\n");
+}
+
+TEST_F(ExplanationText, OfProblemsKeepsReasonsApartWithinTheirRule) {
+    const std::string shown = problems(cds_file(cds_component("pci_bridge_info", {integer("Bus Number", "1")}) +
+                                                cds_component("pci_bridge_info", {})));
+    EXPECT_THAT(shown, StartsWith("No row, 2 components: its address is incomplete; "));
+    EXPECT_THAT(shown, HasSubstr("  * PCI bridge 0000:01:?.?\n"
+                                 "    at      /component/child_slot_group[1]/component[1]\n"
+                                 "    there is no setting 'Device Number' in pci_bridge_info\n"));
+}
+
+TEST_F(ExplanationText, OfProblemsHasWhatLooksWrongBehindWhatIsMissing) {
+    const std::string shown =
+        problems(cds_file(processor("CPU 1", {text("Core Count", "8"), text("Serial Nmber", "1")}) +
+                          cds_component("cpu_info", {text("Color", "red")})));
+    EXPECT_THAT(shown,
+                HasSubstr("\nLooks wrong, 1 component: 'Core Count' in cpu_info is text where a number is taken\n"
+                          "  * processor 'CPU 1'\n"
+                          "    at      /component/child_slot_group[1]/component[1]\n"
+                          "    value   text_value '8' is stored as 0 in CoreCount\n"));
+    EXPECT_THAT(shown, HasSubstr("\nLooks wrong, 1 component: no column takes 'Serial Nmber' in cpu_info; 'Serial "
+                                 "Number' may be meant\n"));
+    EXPECT_LT(shown.find("No row"), shown.find("Looks wrong"));
+    EXPECT_THAT(shown, EndsWith("2 settings that no column takes; 1 value that looks wrong\n"));
+}
+
+TEST_F(ExplanationText, OfProblemsHasSettingsThatCannotMatter) {
+    EXPECT_THAT(problems(cds_file(module("A1", "S1", {integer("Capacity", "1"), integer("DimmNum", "2")}))),
+                StartsWith("No effect, 1 component: this kind of record does not take 'Capacity' in memory_info, "
+                           "'DimmNum' in memory_info; a persistent module has bit 12 of 'Type Detail' and the "
+                           "'Manufacturer' Intel\n  * memory device 'A1'\n"));
 }

@@ -20,7 +20,21 @@ std::string unusable(const std::string& setting, const std::string& group, const
 }
 
 std::string not_below(const std::string& title) {
-    return "the loader does not look below the " + title;
+    return "the loader does not look below the " + title + "; elsewhere this would have been looked at";
+}
+
+constexpr const char* address_rule =
+    "its address is incomplete; a bus, a device and a function number, none of them negative, would have made a row";
+constexpr const char* location_rule =
+    "its location is unknown; any 'Location' but 2, or the class code 0x010802 of an NVMe drive, would have made a row";
+
+std::string nothing_known_rule(const std::string& group, const std::string& setting) {
+    return "the loader knows none of the settings in " + group + "; any that it knows, such as '" + setting +
+           "', would have made a row";
+}
+
+std::string slots_rule(const std::string& group) {
+    return "the loader looks for " + group + " in components only; in one it would have made a row";
 }
 
 // A GPU function of the kind of which a card's first one is recorded.
@@ -42,9 +56,11 @@ std::string gpu_line_of_any(int slot, int bus) {
 
 class Verdict : public explanation_test {
 protected:
-    // Expects that a component with these settings in `group` is incomplete for these reasons.
+    // Expects that a component with these settings in `group` is incomplete by the rule about addresses for these
+    // reasons.
     void expect_incomplete(const std::string& group, const std::vector<setting>& settings,
-                           const std::vector<std::string>& missing, const std::vector<std::string>& reasons) const {
+                           const std::vector<std::string>& missing, std::vector<std::string> reasons) const {
+        reasons.insert(reasons.begin(), address_rule);
         const json of = told_of(cds_component(group, settings));
         EXPECT_EQ(of["result"], "incomplete");
         EXPECT_EQ(of["missing_settings"], json(missing));
@@ -63,13 +79,13 @@ protected:
 
 TEST_F(Verdict, OfAProcessorAreThatNoSettingIsKnown) {
     const json of = told_of(cds_component("cpu_info", {text("Color", "red")}));
-    expect(of, path_of(1), "nothing_known", {"the loader knows none of the settings in cpu_info"});
+    expect(of, path_of(1), "nothing_known", {nothing_known_rule("cpu_info", "Socket Designation")});
     EXPECT_THAT(of["missing_settings"], IsEmpty());
 }
 
 TEST_F(Verdict, OfAMemoryDeviceAreThatNoSettingIsKnown) {
     expect(told_of(cds_component("memory_info", {})), path_of(1), "nothing_known",
-           {"the loader knows none of the settings in memory_info"});
+           {nothing_known_rule("memory_info", "Slot Number")});
 }
 
 TEST_F(Verdict, OfAnOrdinaryModuleAreThatItHasSettingsOfPersistentOnesOnly) {
@@ -143,9 +159,11 @@ TEST_F(Verdict, OfEveryComponentAreItsOwn) {
     EXPECT_THAT(all[1]["missing_settings"], ElementsAre("Device Number"));
     EXPECT_THAT(all[2]["missing_settings"], ElementsAre("Function Number"));
     EXPECT_THAT(all[3]["missing_settings"], ElementsAre("Device Number"));
-    EXPECT_THAT(all[4]["reasons"], ElementsAre(unusable("Device Number", "pci_device_info", "text_value '1'")));
-    EXPECT_THAT(all[5]["reasons"], ElementsAre(unusable("Device Number", "pci_device_info", "integer_value '-1'")));
-    EXPECT_THAT(all[6]["reasons"], ElementsAre(absent("Bus Number", "pci_device_info")));
+    EXPECT_THAT(all[4]["reasons"],
+                ElementsAre(address_rule, unusable("Device Number", "pci_device_info", "text_value '1'")));
+    EXPECT_THAT(all[5]["reasons"],
+                ElementsAre(address_rule, unusable("Device Number", "pci_device_info", "integer_value '-1'")));
+    EXPECT_THAT(all[6]["reasons"], ElementsAre(address_rule, absent("Bus Number", "pci_device_info")));
 }
 
 // The loader goes on below a bridge that gets no row, as if it were not there.
@@ -157,21 +175,20 @@ TEST_F(Verdict, OfABridgeWithoutARowKeepNothingBelowItFromItsRow) {
     EXPECT_EQ(all[2]["row"]["BridgeId"], -1);
 }
 
-TEST_F(Verdict, OfAFunctionWithoutALocationAreWhatTheLoaderLogsAndTheSetting) {
+TEST_F(Verdict, OfAFunctionWithoutALocationAreTheRuleAndTheSetting) {
     const json of = told_of(cds_component("pci_device_info", address("B")));
     const std::string line = "CDS PARSER: Device on slot -1 bus 11 doesn't have valid location info.";
-    expect(of, path_of(1), "refused", {line, "there is no setting 'Location' in pci_device_info"});
+    expect(of, path_of(1), "refused", {location_rule, "there is no setting 'Location' in pci_device_info"});
     EXPECT_EQ(of["log"], json({{{"level", "warning"}, {"text", line}}}));
     EXPECT_EQ(of["missing_settings"], json({"Location"}));
     EXPECT_EQ(of["table"], nullptr);
 }
 
-TEST_F(Verdict, OfAFunctionWithAnUnknownLocationAreWhatTheLoaderLogsAndTheValue) {
+TEST_F(Verdict, OfAFunctionWithAnUnknownLocationAreTheRuleAndTheValue) {
     const json of = told_of(cds_component(
         "pci_device_info", joined(address("1"), {integer("Location", "2"), integer("Slot Number", "7")})));
     expect(of, path_of(1), "refused",
-           {"CDS PARSER: Device on slot 7 bus 1 doesn't have valid location info.",
-            "the setting 'Location' in pci_device_info is integer_value '2'"});
+           {location_rule, "the setting 'Location' in pci_device_info is integer_value '2'"});
 }
 
 TEST_F(Verdict, AreNoneOfADriveWithoutALocation) {
@@ -179,10 +196,13 @@ TEST_F(Verdict, AreNoneOfADriveWithoutALocation) {
     expect(of, path_of(1), "recorded", {});
 }
 
-TEST_F(Verdict, OfASecondFunctionOfAGpuCardAreTheLineThatSaysSo) {
+TEST_F(Verdict, OfASecondFunctionOfAGpuCardAreTheCardAndItsFirstFunction) {
     const json all = told(gpu("1", "5") + gpu("2", "5") + gpu("3", "6"));
     expect(all[0], path_of(1), "recorded", {});
-    expect(all[1], path_of(2), "refused", {gpu_line("Ignore", 5, 2, "")});
+    expect(
+        all[1], path_of(2), "refused",
+        {"the card at slot 5 is recorded once, by its first function 0000:01:00.0; at a slot of its own it would have "
+         "made a row"});
     EXPECT_EQ(all[1]["log"], json({{{"level", "warning"}, {"text", gpu_line_of_any(5, 2)}},
                                    {{"level", "warning"}, {"text", gpu_line("Ignore", 5, 2, "")}}}));
     expect(all[2], path_of(3), "recorded", {});
@@ -286,8 +306,7 @@ TEST_F(Verdict, OfAGroupInASlotGroupAreThatItBelongsIntoAComponent) {
                                                           cds_group("cpu_info") + cds_group("fan"))));
     ASSERT_EQ(all["components"].size(), 1u);
     const json of = all["components"][0];
-    expect(of, "/component/child_slot_group[1]", "not_reached",
-           {"the loader looks for cpu_info in components only", "the loader looks for memory_info in components only"});
+    expect(of, "/component/child_slot_group[1]", "not_reached", {slots_rule("cpu_info"), slots_rule("memory_info")});
     EXPECT_EQ(of["title"], "child_slot_group");
     EXPECT_THAT(of["groups"], ElementsAre("cpu_info", "memory_info"));
 }
@@ -295,8 +314,7 @@ TEST_F(Verdict, OfAGroupInASlotGroupAreThatItBelongsIntoAComponent) {
 TEST_F(Verdict, OfAGroupInASlotGroupThatIsNotReachedAreTheSame) {
     const json all = told(cds_component(cds_group("cpu_info") + cds_slots(cds_group("memory_info"))));
     ASSERT_EQ(all.size(), 2u);
-    expect(all[1], path_of(1) + "/child_slot_group[1]", "not_reached",
-           {"the loader looks for memory_info in components only"});
+    expect(all[1], path_of(1) + "/child_slot_group[1]", "not_reached", {slots_rule("memory_info")});
 }
 
 TEST_F(Verdict, OfAMisspeltGroupAreTheNameThatMayBeMeant) {
@@ -337,10 +355,10 @@ TEST_F(Verdict, OfTwoKnownGroupsAreThoseOfTheOneThatTheLoaderTakes) {
     const json all = told(cds_component(known_processor + cds_group("pci_device_info", {integer("Bus Number", "1")})) +
                           cds_component(known_processor + cds_group("memory_info", {text("Color", "red")})));
     expect(all[0], path_of(1), "incomplete",
-           {absent("Device Number", "pci_device_info"), absent("Function Number", "pci_device_info")});
+           {address_rule, absent("Device Number", "pci_device_info"), absent("Function Number", "pci_device_info")});
     EXPECT_EQ(all[0]["title"], "PCI function 0000:01:?.?");
     EXPECT_THAT(all[0]["groups"], ElementsAre("cpu_info", "pci_device_info"));
-    expect(all[1], path_of(2), "nothing_known", {"the loader knows none of the settings in memory_info"});
+    expect(all[1], path_of(2), "nothing_known", {nothing_known_rule("memory_info", "Slot Number")});
     EXPECT_EQ(all[1]["title"], "memory device");
 }
 

@@ -12,41 +12,51 @@ using testing::StartsWith;
 
 class Explain : public explain_test {};
 
-TEST_F(Explain, TellsWhereEveryComponentStandsAndWhatItBecame) {
-    EXPECT_EQ(explain(cds_file(server(processor("CPU 1") + module("A1", "S1") + bridge("1", {}, function("2"))))),
-              "processor 'CPU 1'\n"
-              "  at      /component/child_slot_group[1]/component[1]/child_slot_group[1]/component[1]\n"
-              "  row     Processor 1: NodeIndex, Socket\n"
-              "\n"
-              "memory device 'A1'\n"
-              "  at      /component/child_slot_group[1]/component[1]/child_slot_group[1]/component[2]\n"
-              "  row     Memory 1: ArrayId, NodeIndex, DevLocator, SerialNo\n"
-              "\n"
-              "PCI bridge 0000:01:00.0\n"
-              "  at      /component/child_slot_group[1]/component[1]/child_slot_group[1]/component[3]\n"
-              "  row     PCIBridge 1: ParentId, NodeIndex, SegNo, BusNo, DevNo, FunNo\n"
-              "\n"
-              "PCI function 0000:02:00.0\n"
-              "  at      /component/child_slot_group[1]/component[1]/child_slot_group[1]/component[3]/"
-              "child_slot_group[1]/component[1]\n"
-              "  row     PCIs 1: BridgeId, NodeIndex, DevKey, FunKey, SegNo, BusNo, DeviceNo, FunctionNo, SlotNo, "
-              "Location, HardwareId, HardwareTypeId, FunType\n"
-              "\n"
-              "4 components to record: 4 rows, 0 without a row; 0 settings that no column takes\n");
+const std::string incomplete = cds_file(processor("CPU 1") + cds_component("pci_device_info", address("2")) +
+                                        module("CPU1_DIMM_A1", "S1") + cds_component("fan_info", {}));
+
+TEST_F(Explain, TellsWhatIsMissingAndEndsWithTheTotals) {
+    const std::string shown = explain(incomplete);
+    EXPECT_THAT(shown, StartsWith("No row, 1 component: its location is unknown; "));
+    EXPECT_THAT(shown, Not(HasSubstr("CPU 1")));
+    EXPECT_THAT(shown,
+                EndsWith("\n3 components to record: 2 rows, 1 without a row; 0 settings that no column takes\n"));
 }
 
-TEST_F(Explain, WithAllTellsWhereComponentsWithoutHardwareStand) {
-    EXPECT_EQ(explain(cds_file(server("") + cds_component("fan_info", {})), "--all"),
-              "component\n"
-              "  at      /component\n"
-              "\n"
-              "component 'EFI_CT_MAIN_SERVER'\n"
-              "  at      /component/child_slot_group[1]/component[1]\n"
-              "\n"
-              "component\n"
-              "  at      /component/child_slot_group[1]/component[2]\n"
-              "\n"
-              "0 components to record: 0 rows, 0 without a row; 0 settings that no column takes\n");
+TEST_F(Explain, WithAllTellsOfEveryComponent) {
+    const std::string shown = explain(incomplete, "--all");
+    EXPECT_THAT(shown, StartsWith("component\n  at      /component\n\nprocessor 'CPU 1'\n"));
+    EXPECT_THAT(shown, HasSubstr("\n  row     Processor 1\n"));
+    EXPECT_THAT(shown, HasSubstr("\ncomponent\n  at      /component/child_slot_group[1]/component[4]\n"));
+    EXPECT_THAT(shown,
+                EndsWith("\n3 components to record: 2 rows, 1 without a row; 0 settings that no column takes\n"));
+}
+
+TEST_F(Explain, ThatIsVerboseNamesTheColumnsOfEachRow) {
+    EXPECT_THAT(explain(incomplete, "--all -v"), HasSubstr("\n  row     Processor 1: NodeIndex, Socket\n"));
+}
+
+TEST_F(Explain, OfOnePartTellsOfThatAlone) {
+    const std::string function = "PCI function 0000:02:00.0\n  at      /component/child_slot_group[1]/component[2]\n";
+    EXPECT_THAT(explain(incomplete, "--part 0000:02:00.0"), StartsWith(function));
+    EXPECT_EQ(explain(incomplete, "--part 02:00.0"), explain(incomplete, "--part 0000:02:00.0"));
+    EXPECT_EQ(explain(incomplete, "--part '/component/child_slot_group[1]/component[2]'"),
+              explain(incomplete, "--part 0000:02:00.0"));
+    EXPECT_EQ(explain(incomplete, "--part CPU1_DIMM_A1"),
+              "memory device 'CPU1_DIMM_A1'\n"
+              "  at      /component/child_slot_group[1]/component[3]\n"
+              "  row     Memory 1\n");
+    EXPECT_EQ(explain_json(incomplete, "--part CPU1_DIMM_A1")["components"].size(), 1u);
+}
+
+TEST_F(Explain, OfAPartThatIsNotThereHasNoAnswer) {
+    write("server.xml", incomplete);
+    const command_result result = run("zebdb-cds explain server.xml --part 7f:00.0");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err,
+              "zebdb-cds: there is no component '7f:00.0' in 'server.xml'; --all lists them with their addresses, "
+              "locators and paths\n");
 }
 
 TEST_F(Explain, ReadsStandardInput) {
@@ -57,7 +67,7 @@ TEST_F(Explain, ReadsStandardInput) {
 
 TEST_F(Explain, HasBoldHeadingsOnATerminal) {
     write("server.xml", cds_file(processor("CPU 1")));
-    write("commands", "stty -onlcr\nzebdb-cds explain server.xml\n");
+    write("commands", "stty -onlcr\nzebdb-cds explain --part 'CPU 1' server.xml\n");
     EXPECT_THAT(output("script --quiet --return --command 'sh ./commands' /dev/null"),
                 StartsWith("\033[1mprocessor 'CPU 1'\033[0m\n  at "));
 }
@@ -71,7 +81,7 @@ TEST_F(Explain, LeavesNothingBehind) {
 TEST_F(Explain, LeavesAnInventoryAsItIs) {
     write("server.xml", cds_file(processor("CPU 1")));
     write("inventory.db", "somebody's");
-    EXPECT_THAT(output("ZEBDB_DATABASE=inventory.db zebdb-cds explain server.xml"), HasSubstr("Processor 1"));
+    EXPECT_THAT(output("ZEBDB_DATABASE=inventory.db zebdb-cds explain server.xml"), HasSubstr("1 row, "));
     EXPECT_EQ(read("inventory.db"), "somebody's");
 }
 
