@@ -61,6 +61,9 @@ _zebdb_cds() {
     folders) compopt -o dirnames ;;
     *) mapfile -t COMPREPLY < <(compgen -W "$candidates" -- "$word") ;;
     esac
+    if [[ $subcommand == show && $word != -* && ${#COMPREPLY[@]} -eq 0 ]]; then
+        compopt -o default  # no kind begins so, but a file may
+    fi
 }
 
 complete -F _zebdb_cds zebdb-cds

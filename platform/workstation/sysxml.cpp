@@ -112,6 +112,16 @@ void guarded(void* context, Body body) {
     }
 }
 
+// Where libxml2 names the option that lifts its limits. Nobody who reads the message can set it, and nobody should.
+void leave_advice_for_programmers_away(std::string& text) {
+    const std::size_t option = text.find("XML_PARSE_HUGE");
+    if (option != std::string::npos) {
+        const std::size_t verb = text.find_last_of(' ', option - 2);  // "use" or "try"
+        text.erase(std::min(verb, option));
+        text.erase(text.find_last_not_of(", ") + 1);
+    }
+}
+
 void take_error(void* context, xmlErrorPtr error) {
     guarded(context, [error](xmlParserCtxtPtr parser) {
         reading& state = reading_of(parser);
@@ -119,6 +129,7 @@ void take_error(void* context, xmlErrorPtr error) {
         if (error->level >= XML_ERR_ERROR) {
             std::string text = error->message == nullptr ? "unknown error" : error->message;
             text.erase(text.find_last_not_of("\r\n") + 1);
+            leave_advice_for_programmers_away(text);
             keep_first_problem(state, text, refuses_document(*error));
         }
     });

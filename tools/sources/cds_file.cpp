@@ -3,7 +3,6 @@
 #include "sources/cds_file.h"
 
 #include <algorithm>
-#include <cstring>
 #include <fstream>
 #include <istream>
 #include <string>
@@ -12,6 +11,7 @@
 #include <zebdb_cds_parser.h>
 
 #include "console/failure.h"
+#include "sources/file_format.h"
 #include "sources/grammar_error.h"
 #include "sources/input_file.h"
 
@@ -26,7 +26,10 @@ failure grammar_failure(const sysipc::exception& error, const input_file& input)
 }
 
 // What the XML library says may take two lines.
-failure xml_failure(const sysipc::exception& error) {
+failure xml_failure(const sysipc::exception& error, const input_file& input) {
+    if (begins_as_database(*input.read_again())) {
+        return failure("it is a database and no CDS file; 'zebdb-cds show', 'tree' and 'diff' take one");
+    }
     std::string text = error.what();
     std::replace(text.begin(), text.end(), '\n', ' ');
     return failure(text);
@@ -53,7 +56,7 @@ void read_cds(std::istream& in, const input_file& input, cds_parser::document& d
     } catch (const cds_parser::name_error& error) {
         throw grammar_failure(error, input);
     } catch (const sysipc::exception& error) {
-        throw input.read_error() == 0 ? xml_failure(error) : failure(std::strerror(input.read_error()));
+        throw input.read_error().empty() ? xml_failure(error, input) : failure(input.read_error());
     }
     if (!is_cds) {
         throw failure("its root element is not 'component', so it is no CDS file");

@@ -19,11 +19,13 @@
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "cds_parser/record_columns.h"
 #include "console/failure.h"
 #include "console/output.h"
 #include "rows/kinds.h"
+#include "rows/row_identity.h"
 #include "sources/connection.h"
 #include "sources/memory_database.h"
 
@@ -117,10 +119,38 @@ struct table_counts {
     int others = 0;
 };
 
-// SQLite's extended result code.
-int count_tables(const connection_ptr& connection, table_counts& counts) {
-    const auto count = [](void* all, int, char** names, char**) {
-        auto& [inventory, others] = *static_cast<table_counts*>(all);
+// A table of another program may have the name of one of ours.
+constexpr const char* lacks_columns =
+    "SELECT 1 FROM sqlite_master WHERE type IN ('table', 'view') AND name = ?1 COLLATE NOCASE AND NOT EXISTS "
+    "(SELECT 1 FROM pragma_table_info(?1) WHERE name = ?2 COLLATE NOCASE)";
+
+bool lacks_column(sqlite3* connection, const inventory_kind& kind, const std::string& column) {
+    sqlite3_stmt* prepared = nullptr;
+    sqlite3_prepare_v2(connection, lacks_columns, -1, &prepared, nullptr);
+    const std::unique_ptr<sqlite3_stmt, int (*)(sqlite3_stmt*)> statement(prepared, sqlite3_finalize);
+    sqlite3_bind_text(prepared, 1, kind.record.table, -1, SQLITE_STATIC);
+    sqlite3_bind_text(prepared, 2, column.c_str(), -1, SQLITE_STATIC);
+    return sqlite3_step(prepared) == SQLITE_ROW;
+}
+
+// Whether there is a table with the name of one of ours that rows have no place in.
+bool has_homonym(sqlite3* connection) {
+    return std::any_of(std::begin(kinds::all), std::end(kinds::all), [connection](const inventory_kind* kind) {
+        const std::vector<std::string>& columns = identity_of(*kind).columns;
+        return std::any_of(columns.begin(), columns.end(), [connection, kind](const std::string& column) {
+            return lacks_column(connection, *kind, column);
+        });
+    });
+}
+
+// Of a database that can be read.
+std::optional<table_counts> tables_of(const std::string& path) {
+    sqlite3* opened = nullptr;
+    sqlite3_open_v2(sqlite_name(path).c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    const connection_ptr connection(opened);
+    sqlite3_busy_timeout(opened, lock_timeout_ms);
+    const auto count = [](void* counts, int, char** names, char**) {
+        auto& [inventory, others] = *static_cast<table_counts*>(counts);
         ++(names[0] != nullptr && is_inventory_table(names[0]) ? inventory : others);
         return 0;
     };
@@ -151,6 +181,9 @@ std::optional<table_counts> tables_of(const std::string& path) {
     }
     if (rc == SQLITE_NOMEM) {
         throw std::bad_alloc();
+    }
+    if (rc == SQLITE_OK && has_homonym(opened)) {
+        return table_counts{0, counts.inventory + counts.others};
     }
     return rc == SQLITE_OK ? std::optional(counts) : std::nullopt;
 }

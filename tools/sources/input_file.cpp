@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <sys/types.h>
 #include <unistd.h>
+#include <zlib.h>
 
 #include <cerrno>
 #include <cstring>
@@ -20,6 +21,7 @@
 
 #include "console/failure.h"
 #include "console/output.h"
+#include "sources/file_format.h"
 
 namespace {
 
@@ -28,6 +30,35 @@ constexpr const char* standard_input_path = "/dev/stdin";
 
 // Ends no XML document, in whatever encoding of one, two or four bytes.
 constexpr const char* no_end = "<<<<<<<<";
+
+struct packed_file_closer {
+    void operator()(gzFile file) const { ::gzclose(file); }
+};
+using packed_file = std::unique_ptr<gzFile_s, packed_file_closer>;
+
+std::string size_error(gzFile file) {
+    return ::gzdirect(file) == 1 ? std::strerror(EFBIG) : "it was packed by gzip and holds more than 256 MiB";
+}
+
+// Why the last reading gave less than was asked for; empty where that is all there is.
+std::string reading_error(gzFile file) {
+    const int system_error = errno;
+    int error = Z_OK;
+    ::gzerror(file, &error);
+    switch (error) {
+        case Z_OK:
+        case Z_STREAM_END:
+            return "";
+        case Z_ERRNO:
+            return std::strerror(system_error);
+        case Z_BUF_ERROR:
+            return "it was packed by gzip and lacks its end";
+        case Z_MEM_ERROR:
+            return std::strerror(ENOMEM);
+        default:
+            return "it was packed by gzip and is damaged";
+    }
+}
 
 [[noreturn]] void fail(int error) {
     throw failure(std::strerror(error));
@@ -66,7 +97,7 @@ struct input_file::passed_bytes {
     const std::size_t most_bytes;
     std::mutex mutex;
     std::string content;
-    int read_error = 0;
+    std::string read_error;
 };
 
 input_file::input_file(const std::string& name, std::size_t most_bytes_passed) : path_(name) {
@@ -90,8 +121,8 @@ input_file::input_file(const std::string& name, std::size_t most_bytes_passed) :
         fail(EISDIR);
     }
     const int file = open_for_reading(name);
-    if (!S_ISREG(status_.st_mode)) {
-        path_ = "/dev/fd/" + std::to_string(pass_on(file, most_bytes_passed));
+    if (!S_ISREG(status_.st_mode) || is_packed_file(name)) {
+        path_ = "/dev/fd/" + std::to_string(pass_on(file));
         return;
     }
     ::close(file);
@@ -111,17 +142,17 @@ int input_file::pass_on(int source, std::size_t most_bytes_passed) {
     return ends[0];
 }
 
-// Whether there is more to read and somebody to read it.
-bool input_file::pass_block(int source, int sink, passed_bytes& passed) {
+// Whether there is more to read and somebody to read it. What is not packed passes as it is.
+bool input_file::pass_block(gzFile source, int sink, passed_bytes& passed) {
     char block[1 << 16];
-    const ssize_t count = ::read(source, block, sizeof block);
-    const int error = count < 0 ? errno : 0;
+    const int count = ::gzread(source, block, sizeof block);
+    const std::string error = reading_error(source);
     const std::string bytes(block, count < 0 ? 0 : static_cast<std::size_t>(count));
     {
         const std::lock_guard<std::mutex> lock(passed.mutex);
         passed.content += bytes;
-        passed.read_error = passed.content.size() > passed.most_bytes ? EFBIG : error;
-        if (bytes.empty() || passed.read_error != 0) {
+        passed.read_error = passed.content.size() > most_passed_bytes ? size_error(source) : error;
+        if (bytes.empty() || !passed.read_error.empty()) {
             return false;
         }
     }
@@ -130,25 +161,25 @@ bool input_file::pass_block(int source, int sink, passed_bytes& passed) {
 
 void input_file::pass_all(int source, int sink, passed_bytes& passed) {
     try {
-        while (pass_block(source, sink, passed)) {
+        const packed_file file(::gzdopen(source, "rb"));
+        if (file == nullptr) {
+            throw std::bad_alloc();
+        }
+        while (pass_block(file.get(), sink, *passed)) {
         }
     } catch (const std::bad_alloc&) {
-        const std::lock_guard<std::mutex> lock(passed.mutex);
-        passed.read_error = ENOMEM;
-    }
-}
-
-// Who reads what came before an error must not take it for all.
-void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed) {
-    pass_all(source, sink, *passed);
-    if (passed->error() != 0) {
-        write_all(sink, no_end);
+        const std::lock_guard<std::mutex> lock(passed->mutex);
+        passed->read_error = std::strerror(ENOMEM);
     }
     ::close(sink);
 }
 
-int input_file::read_error() const {
-    return is_on_disk() ? 0 : passed_->error();
+std::string input_file::read_error() const {
+    if (is_on_disk()) {
+        return "";
+    }
+    const std::lock_guard<std::mutex> lock(passed_->mutex);
+    return passed_->read_error;
 }
 
 std::unique_ptr<std::istream> input_file::read_again() const {

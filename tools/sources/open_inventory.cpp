@@ -3,7 +3,6 @@
 #include "sources/open_inventory.h"
 
 #include <cstddef>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <ios>
@@ -16,20 +15,12 @@
 
 #include "console/failure.h"
 #include "sources/cds_file.h"
+#include "sources/file_format.h"
 #include "sources/input_file.h"
 #include "sources/inventory.h"
 #include "sources/memory_inventory.h"
 
 namespace {
-
-// With the 0 behind it.
-constexpr char database_magic[] = "SQLite format 3";
-
-bool begins_as_database(std::istream& in) {
-    char begin[sizeof database_magic] = {};
-    in.read(begin, sizeof begin);
-    return in.gcount() == sizeof begin && std::memcmp(begin, database_magic, sizeof begin) == 0;
-}
 
 bool is_file(const std::string& name) {
     std::error_code ignored;
@@ -52,8 +43,8 @@ std::string content_of(const input_file& input) {
         file.read(block, sizeof block);
         content.append(block, static_cast<std::size_t>(file.gcount()));
     } while (file);
-    if (input.read_error() != 0) {
-        throw failure(std::strerror(input.read_error()));
+    if (!input.read_error().empty()) {
+        throw failure(input.read_error());
     }
     return content;
 }
@@ -88,7 +79,7 @@ inventory open_inventory(const std::string& name) {
     const std::string title = input_title(name);
     try {
         const input_file input(name);
-        return is_file(name) ? read_file(input, title) : read_stream(input, title);
+        return input.is_on_disk() ? read_file(input, title) : read_stream(input, title);
     } catch (const failure& cause) {
         throw failure("cannot read " + title + ": " + cause.what());
     }

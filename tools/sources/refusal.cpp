@@ -2,7 +2,6 @@
 
 #include "sources/refusal.h"
 
-#include <cstring>
 #include <string>
 
 #include <zebdb_cds_parser.h>
@@ -13,8 +12,8 @@
 #include "sources/library_log.h"
 
 std::string cause_of_refusal(const input_file& input, const library_log& log) {
-    if (input.read_error() != 0) {
-        return std::strerror(input.read_error());
+    if (!input.read_error().empty()) {
+        return input.read_error();
     }
     if (const auto failed = log.database_failure()) {
         return *failed;

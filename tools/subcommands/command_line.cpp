@@ -34,6 +34,11 @@ void command_line::optional_argument(const char* name, std::string& value, const
     app_->add_option(name, value, description)->type_name("")->check(one_of(choices));
 }
 
+void command_line::optional_arguments(const char* names, std::vector<std::string>& values,
+                                      const std::string& description) {
+    app_->add_option(names, values, description)->type_name("")->expected(0, 2);
+}
+
 void command_line::path_option(const char* name, const char* type, std::string& value, const std::string& description,
                                const char* variable) {
     app_->add_option(name, value, description)
@@ -43,8 +48,7 @@ void command_line::path_option(const char* name, const char* type, std::string& 
         ->check(check_not_empty);
 }
 
-void command_line::text_option(const char* name, const char* type, std::string& value,
-                               const std::string& description) {
+void command_line::text_option(const char* name, const char* type, std::string& value, const std::string& description) {
     app_->add_option(name, value, description)->type_name(type);
 }
 

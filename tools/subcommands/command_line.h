@@ -23,6 +23,8 @@ public:
     void optional_argument(const char* name, std::string& value, const std::string& description);
     void optional_argument(const char* name, std::string& value, const std::string& description,
                            const std::vector<std::string>& choices);
+    /// Several, in any order; the names stand in the usage.
+    void optional_arguments(const char* names, std::vector<std::string>& values, const std::string& description);
 
     /// A path, which must not be empty. Where `variable` names an environment variable, its value takes the place of an
     /// option that is not given.

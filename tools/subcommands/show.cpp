@@ -20,6 +20,7 @@
 #include "rows/kinds.h"
 #include "rows/table.h"
 #include "sources/inventory.h"
+#include "sources/open_inventory.h"
 #include "subcommands/command_line.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
@@ -31,7 +32,9 @@ std::string text_of(const std::vector<inventory_table>& tables) {
 }
 
 struct show_options {
+    std::vector<std::string> words;
     std::string kind;  // empty for all
+    std::string file;  // empty for the database
     std::string database;
     output_format<decltype(&listing_json)> format = {
         "table, for people; json or csv, for programs",
@@ -47,6 +50,15 @@ std::vector<std::string> names_of_kinds() {
     return names;
 }
 
+// As in "processors,memory,bridges,devices".
+std::string list_of_kinds() {
+    std::string list;
+    for (const std::string& name : names_of_kinds()) {
+        list += (list.empty() ? "" : ",") + name;
+    }
+    return list;
+}
+
 // As in "processors, memory, bridges or devices".
 std::string choice_of_kinds() {
     const std::vector<std::string> names = names_of_kinds();
@@ -57,8 +69,42 @@ std::string choice_of_kinds() {
     return choice;
 }
 
-std::vector<inventory_table> read_tables(const show_options& options) {
-    const inventory shown(options.database);
+bool is_kind(const std::string& word) {
+    const std::vector<std::string> names = names_of_kinds();
+    return std::find(names.begin(), names.end(), word) != names.end();
+}
+
+// A word is a kind where there is one of its name; a file of that name goes with a folder in front.
+void read_words(const std::vector<std::string>& words, show_options& options) {
+    for (const std::string& word : words) {
+        std::string& named = is_kind(word) ? options.kind : options.file;
+        if (!named.empty()) {
+            throw failure("there is one KIND and one FILE at most, and " + in_quotes(word) +
+                          " is another; see 'zebdb-cds show --help'");
+        }
+        named = word;
+    }
+}
+
+bool is_there(const std::string& file) {
+    return file == "-" || ::access(file.c_str(), F_OK) == 0;
+}
+
+inventory open(const command_line& arguments, const show_options& options) {
+    if (options.file.empty()) {
+        return inventory(options.database);
+    }
+    if (arguments.has("--database")) {  // and not only in the environment
+        throw failure("FILE and --database exclude each other; see 'zebdb-cds show --help'");
+    }
+    if (!is_there(options.file) && options.file.find_first_of("./") == std::string::npos) {
+        throw failure(in_quotes(options.file) + " is neither a kind {" + list_of_kinds() +
+                      "} nor a file; see 'zebdb-cds show --help'");
+    }
+    return open_inventory(options.file);
+}
+
+std::vector<inventory_table> read_tables(const inventory& shown, const show_options& options) {
     std::vector<inventory_table> tables;
     for (const inventory_kind* kind : kinds::all) {
         if (options.kind.empty() || options.kind == kind->name) {
@@ -80,12 +126,13 @@ void make_printable(inventory_table& table) {
     }
 }
 
-int show(const show_options& options) {
+int show(const command_line& arguments, show_options options) {
+    read_words(options.words, options);
     const auto write = options.format.writer();
     if (write == listing_csv && options.kind.empty()) {
         throw failure("CSV holds one table: name " + choice_of_kinds() + "; see 'zebdb-cds show --help'");
     }
-    std::vector<inventory_table> tables = read_tables(options);
+    std::vector<inventory_table> tables = read_tables(open(arguments, options), options);
     if (options.redact) {
         std::for_each(tables.begin(), tables.end(), redact);
     }
@@ -100,10 +147,12 @@ int show(const show_options& options) {
 
 action define_show(command_line& arguments) {
     const auto options = std::make_shared<show_options>();
-    arguments.optional_argument("KIND", options->kind, choice_of_kinds() + "; all of them if none is named",
-                                names_of_kinds());
+    arguments.optional_arguments("KIND FILE", options->words,
+                                 "What to show, " + choice_of_kinds() +
+                                     ", or all of them, and of which inventory: a CDS file or a database; - is "
+                                     "standard input. Without it, that of --database");
     options->format.add_option(arguments);
     add_redact_flag(arguments, options->redact);
     add_database_option(arguments, options->database);
-    return [options] { return show(*options); };
+    return [options, arguments] { return show(arguments, *options); };
 }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <zlib.h>
 
 #include <fstream>
 #include <iterator>
@@ -23,8 +24,32 @@ std::string all_of(std::istream& in) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-template <class Action>
-std::string refusal_of(Action action) {
+// As gzip would pack it.
+std::string packed(const std::string& text) {
+    constexpr int gzip_format = 16 + MAX_WBITS;
+    z_stream stream = {};
+    EXPECT_EQ(deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, gzip_format, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY), Z_OK);
+    std::string bytes(deflateBound(&stream, text.size()), '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(bytes.data());
+    stream.avail_out = static_cast<uInt>(bytes.size());
+    EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+    bytes.resize(stream.total_out);
+    deflateEnd(&stream);
+    return bytes;
+}
+
+// What is wrong with a file of that content when it is read to its end.
+std::string read_error_of(const std::string& content) {
+    const scratch_file file(content);
+    const input_file input(file.path());
+    std::ifstream in(input.path());
+    all_of(in);
+    return input.read_error();
+}
+
+std::string refusal_of(const std::string& name) {
     try {
         action();
     } catch (const failure& cause) {
@@ -47,7 +72,7 @@ TEST(InputFile, OnDiskIsOpenedByItsPathAsOftenAsOneLikes) {
     EXPECT_EQ(all_of(*input.read_again()), "text");
     EXPECT_EQ(all_of(*input.read_again()), "text");
     EXPECT_EQ(input.status().st_size, 4);
-    EXPECT_EQ(input.read_error(), 0);
+    EXPECT_EQ(input.read_error(), "");
 }
 
 TEST(InputFile, ThatIsAPipeIsReadOnceAndKeptForAnotherLook) {
@@ -62,7 +87,41 @@ TEST(InputFile, ThatIsAPipeIsReadOnceAndKeptForAnotherLook) {
     EXPECT_TRUE(all_of(in) == text);
     writer.join();
     EXPECT_TRUE(all_of(*input.read_again()) == text);
-    EXPECT_EQ(input.read_error(), 0);
+    EXPECT_EQ(input.read_error(), "");
+}
+
+TEST(InputFile, ThatIsPackedIsUnpacked) {
+    const scratch_file file(packed(std::string(200'000, 'x')));
+    const input_file input(file.path());
+    EXPECT_FALSE(input.is_on_disk());
+    std::ifstream in(input.path());
+    EXPECT_TRUE(all_of(in) == std::string(200'000, 'x'));
+    EXPECT_TRUE(all_of(*input.read_again()) == std::string(200'000, 'x'));
+    EXPECT_EQ(input.read_error(), "");
+}
+
+TEST(InputFile, ThatIsPackedMayHaveSeveralParts) {
+    const scratch_file file(packed("first ") + packed("second"));
+    const input_file input(file.path());
+    std::ifstream in(input.path());
+    EXPECT_EQ(all_of(in), "first second");
+}
+
+TEST(InputFile, ThatIsPackedAndLacksItsEndIsSaidToDoSo) {
+    std::string content = packed(std::string(200'000, 'x'));
+    content.resize(content.size() / 2);
+    EXPECT_EQ(read_error_of(content), "it was packed by gzip and lacks its end");
+}
+
+TEST(InputFile, ThatIsPackedAndDamagedIsSaidToBeSo) {
+    std::string content = packed("a text that is long enough to be damaged in its middle");
+    content[content.size() / 2] = static_cast<char>(~content[content.size() / 2]);
+    EXPECT_EQ(read_error_of(content), "it was packed by gzip and is damaged");
+}
+
+TEST(InputFile, ThatIsPackedMayNotGrowWithoutBound) {
+    EXPECT_EQ(read_error_of(packed(std::string((std::size_t{256} << 20) + 1, '\0'))),
+              "it was packed by gzip and holds more than 256 MiB");
 }
 
 TEST(InputFile, ThatIsAPipeIsNoDocumentWhenItGoesOnWithoutAnEnd) {

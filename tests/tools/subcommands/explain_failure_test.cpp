@@ -46,7 +46,9 @@ TEST_F(ExplainFailure, OfADatabaseTellsThatItIsNoCdsFile) {
     ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
     const command_result result = run("zebdb-cds explain inventory.db");
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, StartsWith("zebdb-cds: cannot read 'inventory.db': line 1, "));
+    EXPECT_EQ(result.err,
+              "zebdb-cds: cannot read 'inventory.db': it is a database and no CDS file; 'zebdb-cds show', 'tree' and "
+              "'diff' take one\n");
 }
 
 TEST_F(ExplainFailure, OfContentOutOfPlaceTellsWhere) {

@@ -60,6 +60,14 @@ TEST_F(LoadDatabaseFailure, InADatabaseOfAnotherProgram) {
     EXPECT_EQ(read("other.db"), before);
 }
 
+TEST_F(LoadDatabaseFailure, InADatabaseOfAnotherProgramWithATableOfTheSameName) {
+    execute("games.db", "CREATE TABLE Memory (Player TEXT, Score INTEGER); INSERT INTO Memory VALUES ('Ann', 12)");
+    expect_failure(run("zebdb-cds load x.xml --database games.db"),
+                   "database 'games.db' is another program's: it has tables, but no inventory; name another with "
+                   "--database; 'games.db' is unchanged");
+    EXPECT_EQ(query("games.db", "SELECT Score FROM Memory"), "12");
+}
+
 TEST_F(LoadDatabaseFailure, IsNoneWhereOnlyTheServiceHasTables) {
     execute("early.db", "CREATE TABLE pciadapter (Id INTEGER PRIMARY KEY); CREATE TABLE Fans (Id INTEGER)");
     EXPECT_EQ(run("zebdb-cds load x.xml --database early.db").status, 0);

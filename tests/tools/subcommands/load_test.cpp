@@ -191,6 +191,23 @@ TEST_F(Load, ReadsStandardInputFromASocket) {
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }
 
+TEST_F(Load, ReadsWhatGzipPacked) {
+    ASSERT_EQ(run("gzip server.xml").status, 0);
+    EXPECT_EQ(run("zebdb-cds load server.xml.gz").status, 0);
+    EXPECT_EQ(processors_in("inventory.db"), "1");
+    EXPECT_EQ(run("cat server.xml.gz | zebdb-cds load - --database other.db").status, 0);
+    EXPECT_EQ(processors_in("other.db"), "1");
+}
+
+TEST_F(Load, NamesADatabaseInThePlaceOfACdsFile) {
+    ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
+    const command_result result = run("zebdb-cds load inventory.db --database new.db");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.last_error_line(),
+              "zebdb-cds: cannot load 'inventory.db': it is a database and no CDS file; 'zebdb-cds show', 'tree' and "
+              "'diff' take one; 'new.db' was not made");
+}
+
 TEST_F(Load, ReadsANamedPipe) {
     EXPECT_EQ(run("mkfifo pipe; cat server.xml >pipe & zebdb-cds load pipe").status, 0);
     EXPECT_EQ(processors_in("inventory.db"), "1");

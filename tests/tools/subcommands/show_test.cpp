@@ -40,6 +40,44 @@ protected:
     json show_json(const std::string& arguments = "") { return json::parse(show(arguments + " --format json")); }
 };
 
+TEST_F(Show, TakesACdsFileOrADatabase) {
+    const std::string shown = show("memory");
+    EXPECT_EQ(show("memory x.xml"), shown);
+    EXPECT_EQ(show("x.xml memory"), shown);
+    EXPECT_EQ(show("memory inventory.db"), shown);
+    EXPECT_EQ(show("memory - <x.xml"), shown);
+    EXPECT_EQ(show("x.xml"), show(""));
+}
+
+TEST_F(Show, TakesWhatGzipPacked) {
+    ASSERT_EQ(run("gzip --keep x.xml; gzip --keep inventory.db").status, 0);
+    const std::string shown = show("");
+    EXPECT_EQ(show("x.xml.gz"), shown);
+    EXPECT_EQ(show("inventory.db.gz"), shown);
+    EXPECT_EQ(show("- <x.xml.gz"), shown);
+    EXPECT_EQ(run("cat x.xml.gz | zebdb-cds show -").out, shown);
+}
+
+TEST_F(Show, OfAFileWritesNothing) {
+    ASSERT_EQ(run("rm inventory.db").status, 0);
+    EXPECT_EQ(left_in_tmp("zebdb-cds show x.xml"), "");
+    EXPECT_THAT(names(), ElementsAre("x.xml"));
+}
+
+TEST_F(Show, TakesNoTwoFilesAndNoFileBesideADatabase) {
+    const std::string help = "; see 'zebdb-cds show --help'\n";
+    EXPECT_EQ(run("zebdb-cds show x.xml x.xml").err,
+              "zebdb-cds: there is one KIND and one FILE at most, and 'x.xml' is another" + help);
+    EXPECT_EQ(run("zebdb-cds show x.xml --database inventory.db").err,
+              "zebdb-cds: FILE and --database exclude each other" + help);
+}
+
+TEST_F(Show, OfAMissingFileSaysSo) {
+    const command_result result = run("zebdb-cds show missing.xml");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zebdb-cds: cannot read 'missing.xml': No such file or directory\n");
+}
+
 TEST_F(Show, PrintsEveryKindAsATableForPeople) {
     EXPECT_EQ(
         show(""),

@@ -78,8 +78,9 @@ INSTANTIATE_TEST_SUITE_P(
                     "The following argument was not expected: b.xml; see 'zebdb-cds load --help'"},
         wrong_usage{"AnEmptyDatabasePath", "load a.xml --database ''",
                     "--database: the path is empty; see 'zebdb-cds load --help'"},
-        wrong_usage{"AnUnknownKind", "show disks",
-                    "KIND: disks not in {processors,memory,bridges,devices}; see 'zebdb-cds show --help'"},
+        wrong_usage{
+            "AnUnknownKind", "show disks",
+            "'disks' is neither a kind {processors,memory,bridges,devices} nor a file; see 'zebdb-cds show --help'"},
         wrong_usage{"AnUnknownFormat", "show --format xml",
                     "--format: xml not in {table,text,json,csv}; see 'zebdb-cds show --help'"},
         wrong_usage{"AnUnknownFormatOfATree", "tree --format csv",
