@@ -17,7 +17,8 @@ _zebdb_cds_candidates() {
     --aim | --indent) return ;;
     --format)
         case $subcommand in
-        show) echo table text json csv ;;
+        show) echo table text json jsonl csv ;;
+        fields) echo text json markdown ;;
         *) echo text json ;;
         esac
         return
@@ -31,7 +32,7 @@ _zebdb_cds_candidates() {
 
     case $subcommand in
     '') _zebdb_cds_help | sed -n '/^Subcommands:/I,/^$/s/^  *\([a-z-][a-z-]*\)  *.*/\1/p' ;;
-    show) echo processors memory bridges devices ;;
+    show | fields) echo processors memory bridges devices ;;
     bmc-address) ;;
     *) echo files ;;
     esac

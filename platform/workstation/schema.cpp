@@ -55,6 +55,13 @@ CREATE TABLE IF NOT EXISTS PendingFirmware (
     Component TEXT NOT NULL, Version TEXT NOT NULL
 );
 )sql",
+    // What the rows were loaded from, where the one who loaded them notes it.
+    R"sql(
+CREATE TABLE IF NOT EXISTS Source (
+    Id INTEGER PRIMARY KEY,
+    Name TEXT NOT NULL, Bytes INTEGER NOT NULL, Sha256 TEXT NOT NULL, LoadedAt INTEGER NOT NULL
+);
+)sql",
 };
 
 }  // namespace

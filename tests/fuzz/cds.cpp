@@ -15,6 +15,7 @@
 
 #include "explanation/explanation.h"
 #include "fuzz/fuzz_target.h"
+#include "rows/fields.h"
 #include "rows/kinds.h"
 #include "sources/inventory.h"
 #include "sources/memory_inventory.h"
@@ -98,8 +99,9 @@ rows_by_kind recorded_rows(document& recorded) {
 
 rows_by_kind explained_rows(document& explained) {
     rows_by_kind rows = no_rows();
-    for (const explanation& told : explanations_of(explained, true)) {
+    for (explanation& told : explanations_of(explained, true)) {
         if (told.row) {
+            forget_absent_values(*told.row);  // as who reads a database does
             rows[told.row->kind].push_back(told.row->rows.front());
         }
     }

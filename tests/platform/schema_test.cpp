@@ -146,7 +146,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Schema, testing::ValuesIn(complete_records),
 using SchemaOfTheDatabase = DatabaseTest;
 
 TEST_F(SchemaOfTheDatabase, HasTheTablesOfTheRecordsAndOfTheInventoryService) {
-    std::vector<std::string> tables = {"InventorySequence", "PCIAdapter", "PendingFirmware"};
+    std::vector<std::string> tables = {"InventorySequence", "PCIAdapter", "PendingFirmware", "Source"};
     for (const record_kind* kind : record_kinds) {
         tables.emplace_back(kind->table);
     }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <iterator>
 #include <map>
 #include <string>
@@ -18,19 +17,10 @@ namespace {
 
 using addresses = std::map<inventory_value, std::string>;  // by row id
 
-struct reference {
-    const char* id_column;
-    const char* address_column;
-};
-
-constexpr reference references[] = {
-    {"ParentId", "Parent"},
-    {"BridgeId", "Bridge"},
-    {"ArrayId", "Array"},
-};
+// Columns that hold the row id of a bridge.
+constexpr const char* references[] = {"ParentId", "BridgeId", "ArrayId"};
 
 constexpr const char* id_column = "Id";
-constexpr std::int64_t no_bridge = -1;
 constexpr const char* missing_bridge = "missing";  // an id that no bridge has
 
 addresses bridge_addresses(const std::vector<inventory_table>& tables) {
@@ -48,19 +38,18 @@ addresses bridge_addresses(const std::vector<inventory_table>& tables) {
 }
 
 inventory_value address_for(const inventory_value& id, const addresses& bridges) {
-    if (!is_put(id) || id == inventory_value(no_bridge)) {
+    if (!is_put(id)) {
         return {};
     }
     const auto bridge = bridges.find(id);
     return bridge == bridges.end() ? missing_bridge : bridge->second;
 }
 
-void replace_reference(inventory_table& table, const reference& each, const addresses& bridges) {
-    const auto column = find_column(table, each.id_column);
+void replace_reference(inventory_table& table, const char* name, const addresses& bridges) {
+    const auto column = find_column(table, name);
     if (!column) {
         return;
     }
-    table.columns[*column] = each.address_column;
     for (std::vector<inventory_value>& row : table.rows) {
         row[*column] = address_for(row[*column], bridges);
     }
@@ -99,7 +88,7 @@ inventory_table reordered(const inventory_table& table, const std::vector<std::s
 void replace_row_ids(std::vector<inventory_table>& tables) {
     const addresses bridges = bridge_addresses(tables);
     for (inventory_table& table : tables) {
-        for (const reference& each : references) {
+        for (const char* each : references) {
             replace_reference(table, each, bridges);
         }
         remove_column(table, id_column);

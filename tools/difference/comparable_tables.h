@@ -9,8 +9,8 @@
 #include "rows/table.h"
 
 /// Takes the row ids out of the tables of one inventory: the column that holds a row's own, and those that hold a
-/// bridge's become the address of that bridge, as in "Parent" for "ParentId"; such a column is as if never put in a
-/// row that is behind no bridge.
+/// bridge's hold the address of that bridge instead; such a column is as if never put in a row that is behind no
+/// bridge.
 void replace_row_ids(std::vector<inventory_table>& tables);
 
 /// Gives both tables the columns of either, those of `first` in front, in the same order.

@@ -13,7 +13,7 @@
 /// For people: a line for each part, beneath it the columns that changed, in units. It may change at any time.
 std::string difference_text(const std::vector<table_difference>& differences, const text_style& style);
 
-/// For programs: one object, {"schema": 1, "same": false, "processors": {"added": [...], ...}, ...}; rows in the order
+/// For programs: one object, {"schema": 2, "same": false, "processors": {"added": [...], ...}, ...}; rows in the order
 /// of their inventory, columns in that of their table.
 std::string difference_json(const std::vector<table_difference>& differences);
 

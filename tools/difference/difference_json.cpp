@@ -15,9 +15,6 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-// Raised when a program that reads today's output would misread tomorrow's.
-constexpr int schema = 1;
-
 json identity_json(const inventory_table& table, std::size_t row) {
     const std::vector<std::string>& columns = identity_of(*table.kind).columns;
     const inventory_row values(table, row);
@@ -107,7 +104,7 @@ json difference_of_kind_json(const table_difference& difference) {
 }  // namespace
 
 std::string difference_json(const std::vector<table_difference>& differences) {
-    json document = {{"schema", schema}, {"same", is_same(differences)}};
+    json document = {{"schema", json_schema}, {"same", is_same(differences)}};
     for (const table_difference& difference : differences) {
         document[difference.new_table.kind->name] = difference_of_kind_json(difference);
     }

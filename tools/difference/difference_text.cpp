@@ -13,6 +13,7 @@
 #include "difference/difference.h"
 #include "difference/row_matching.h"
 #include "rows/column_units.h"
+#include "rows/fields.h"
 #include "rows/part_text.h"
 #include "rows/table.h"
 

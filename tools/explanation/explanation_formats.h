@@ -21,7 +21,7 @@ std::string components_text(const std::vector<explanation>& explanations, row_co
 /// The line that sums up.
 std::string totals_text(const std::vector<explanation>& explanations);
 
-/// For programs: {"schema": 1, "summary": {...}, "components": [...]}.
+/// For programs: {"schema": 2, "summary": {...}, "components": [...]}.
 std::string explanation_json(const std::vector<explanation>& explanations);
 
 #endif

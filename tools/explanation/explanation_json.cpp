@@ -14,6 +14,7 @@
 #include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
 #include "explanation/verdict.h"
+#include "rows/fields.h"
 #include "rows/table.h"
 #include "rows/value_json.h"
 #include "sources/library_log.h"
@@ -21,9 +22,6 @@
 namespace {
 
 using json = nlohmann::ordered_json;
-
-// Raised when a program that reads today's output would misread tomorrow's.
-constexpr int schema = 1;
 
 struct fate_name {
     fate value;
@@ -78,7 +76,8 @@ json put_columns_json(const std::optional<inventory_table>& row) {
     for (std::size_t column = 0; column < row->columns.size(); ++column) {
         const inventory_value& value = row->rows.front()[column];
         if (is_put(value)) {
-            columns[row->columns[column]] = value_json(value);
+            const bool absent = is_absent(*row->kind, row->columns[column], value);
+            columns[row->columns[column]] = absent ? json() : value_json(value);
         }
     }
     return columns;
@@ -137,7 +136,7 @@ json explanation_object(const explanation& told) {
 std::string explanation_json(const std::vector<explanation>& explanations) {
     const explanation_counts counts = count(explanations);
     json document = {
-        {"schema", schema},
+        {"schema", json_schema},
         {"summary",
          {{"components", counts.components},
           {"rows", counts.rows},

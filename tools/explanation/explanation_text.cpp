@@ -14,6 +14,7 @@
 #include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
 #include "rows/column_units.h"
+#include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
 

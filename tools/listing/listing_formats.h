@@ -13,9 +13,12 @@
 /// For people: the columns that matter, in units, fitted to the width of the style. It may change at any time.
 std::string listing_text(const std::vector<inventory_table>& tables, const text_style& style);
 
-/// For programs: one object, {"schema": 1, "processors": [...], ...}, each row an object of all its columns; a column
+/// For programs: one object, {"schema": 2, "processors": [...], ...}, each row an object of all its columns; a column
 /// that was never put is null.
 std::string listing_json(const std::vector<inventory_table>& tables);
+
+/// For programs that take a line at a time: an object for each row, {"schema": 2, "kind": "processors", ...}.
+std::string listing_jsonl(const std::vector<inventory_table>& tables);
 
 /// For spreadsheets: RFC 4180 with a header line; a column that was never put is empty, an empty text is "". Holds one
 /// table.

@@ -8,17 +8,10 @@
 #include "rows/table.h"
 #include "rows/value_json.h"
 
-namespace {
-
 using json = nlohmann::ordered_json;
 
-// Raised when a program that reads today's output would misread tomorrow's.
-constexpr int schema = 1;
-
-}  // namespace
-
 std::string listing_json(const std::vector<inventory_table>& tables) {
-    json document = {{"schema", schema}};
+    json document = {{"schema", json_schema}};
     for (const inventory_table& table : tables) {
         json& rows = document[table.kind->name] = json::array();
         for (std::size_t row = 0; row < table.rows.size(); ++row) {

@@ -2,16 +2,13 @@
 
 #include "rows/column_units.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <iterator>
-#include <limits>
-#include <map>
 #include <string>
 
 #include "console/utf8.h"
-#include "rows/kinds.h"
+#include "rows/enumerations.h"
 #include "rows/table.h"
 
 namespace {
@@ -48,17 +45,12 @@ std::string size(const inventory_value& value, std::size_t unit) {
     return text;
 }
 
-struct type_name {
-    std::uint64_t number;
-    const char* name;
-};
-
-// How the firmware numbers the types of memory.
-constexpr type_name memory_types[] = {
-    {0x01, "other"},  {0x02, "unknown"}, {0x12, "DDR"},    {0x13, "DDR2"},   {0x18, "DDR3"},
-    {0x1A, "DDR4"},   {0x1B, "LPDDR"},   {0x1C, "LPDDR2"}, {0x1D, "LPDDR3"}, {0x1E, "LPDDR4"},
-    {0x1F, "NVDIMM"}, {0x20, "HBM"},     {0x21, "HBM2"},   {0x22, "DDR5"},   {0x23, "LPDDR5"},
-};
+// The name beside the number, as in "DDR4 (26)"; the number alone where it has no name.
+std::string named(const inventory_value& value, const enumeration& names) {
+    const auto number = number_in(value);
+    const char* name = number ? name_of(names, *number) : nullptr;
+    return name == nullptr ? column_units::plain(value) : name + (" (" + std::to_string(*number) + ")");
+}
 
 }  // namespace
 
@@ -67,13 +59,6 @@ namespace column_units {
 std::string plain(const inventory_value& value) {
     const std::string* text = text_in(value);
     return text != nullptr ? printable(*text) : with_unit(value, "");
-}
-
-std::string index(const inventory_value& value) {
-    constexpr auto no_index = std::numeric_limits<std::uint32_t>::max();
-    constexpr auto no_row = std::numeric_limits<std::uint64_t>::max();
-    const std::uint64_t number = number_in(value).value_or(0);
-    return number == no_index || number == no_row ? column_units::none : plain(value);
 }
 
 std::string key(const inventory_value& value) {
@@ -125,71 +110,18 @@ std::string processor_id(const inventory_value& value) {
 }
 
 std::string memory_type(const inventory_value& value) {
-    const auto number = number_in(value);
-    const auto named = std::find_if(std::begin(memory_types), std::end(memory_types),
-                                    [number](const type_name& each) { return each.number == number; });
-    return named == std::end(memory_types) ? plain(value) : named->name;
+    return named(value, enumerations::memory_type);
+}
+
+std::string form_factor(const inventory_value& value) {
+    return named(value, enumerations::form_factor);
+}
+
+std::string link_speed(const inventory_value& value) {
+    return named(value, enumerations::link_speed);
 }
 
 }  // namespace column_units
-
-column_unit unit_of(const inventory_kind& kind, const std::string& column) {
-    using namespace column_units;
-    static const std::map<const inventory_kind*, std::map<std::string, column_unit>> units = {
-        {&kinds::processors,
-         {{"NodeIndex", index},
-          {"ProcId", processor_id},
-          {"ExtClock", megahertz},
-          {"MaxSpeed", megahertz},
-          {"CurSpeed", megahertz},
-          {"L1CacheMaxSize", kibibytes},
-          {"L1CacheInstalled", kibibytes},
-          {"L2CacheMaxSize", kibibytes},
-          {"L2CacheInstalled", kibibytes},
-          {"L3CacheMaxSize", kibibytes},
-          {"L3CacheInstalled", kibibytes}}},
-        {&kinds::memory,
-         {{"NodeIndex", index},
-          {"SlotNo", index},
-          {"MemSize", mebibytes},
-          {"MemType", memory_type},
-          {"MaxSpeed", megatransfers},
-          {"ClockSpeed", megatransfers},
-          {"Capacity", bytes},
-          {"MemCapacity", bytes},
-          {"AppDirCap", bytes},
-          {"UnconfigCap", bytes},
-          {"InaccCap", bytes},
-          {"ReservedCap", bytes},
-          {"ArrayId", index}}},
-        {&kinds::bridges,
-         {{"NodeIndex", index},
-          {"ParentId", index},
-          {"VendorId", pci_id_part},
-          {"DevId", pci_id_part},
-          {"RevId", revision},
-          {"ClsCode", class_code},
-          {"PriBusNo", bus},
-          {"SndBusNo", bus},
-          {"SubBusNo", bus}}},
-        {&kinds::devices,
-         {{"NodeIndex", index},
-          {"BridgeId", index},
-          {"DevKey", key},
-          {"FunKey", key},
-          {"SlotNo", index},
-          {"VendorId", pci_id_part},
-          {"ClsCode", class_code},
-          {"DeviceId", pci_id_part},
-          {"RevId", revision},
-          {"SubVendorId", pci_id_part},
-          {"SubDeviceId", pci_id_part},
-          {"HardwareId", key}}},
-    };
-    const auto& units_of_kind = units.at(&kind);
-    const auto found = units_of_kind.find(column);
-    return found == units_of_kind.end() ? plain : found->second;
-}
 
 std::string hexadecimal_text(const inventory_value& value, int digits, const char* prefix) {
     const auto number = number_in(value);

@@ -6,7 +6,6 @@
 
 #include <string>
 
-#include "rows/kinds.h"
 #include "rows/table.h"
 
 /// Writes a value of a column that is kept in a certain unit.
@@ -18,8 +17,6 @@ inline constexpr const char* none = "-";
 
 /// What has no unit: texts, printable, and bare numbers.
 std::string plain(const inventory_value& value);
-/// A number of which -1, in 32 or in 64 bits, stands for none: node, slot and row ids.
-std::string index(const inventory_value& value);
 std::string key(const inventory_value& value);
 std::string class_code(const inventory_value& value);
 std::string revision(const inventory_value& value);
@@ -34,12 +31,12 @@ std::string bytes(const inventory_value& value);
 std::string kibibytes(const inventory_value& value);
 std::string mebibytes(const inventory_value& value);
 std::string processor_id(const inventory_value& value);
+/// Numbers of an enumeration, with their names.
 std::string memory_type(const inventory_value& value);
+std::string form_factor(const inventory_value& value);
+std::string link_speed(const inventory_value& value);
 
 }  // namespace column_units
-
-/// The unit of the column of that name in rows of `kind`; plain where it has none.
-column_unit unit_of(const inventory_kind& kind, const std::string& column);
 
 /// A number with at least that many hexadecimal digits behind `prefix`.
 std::string hexadecimal_text(const inventory_value& value, int digits, const char* prefix = "");

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "rows/column_units.h"
+#include "rows/enumerations.h"
 #include "rows/kinds.h"
 #include "rows/row_text.h"
 #include "rows/serial_number.h"
@@ -29,6 +30,13 @@ std::string serial_number(const inventory_row& row) {
     return text != nullptr && real_serial_number(*text) ? column_units::plain(*text) : "";
 }
 
+// Without its number, which is of no help in a sentence.
+std::string memory_type(const inventory_row& row) {
+    const auto number = number_in(row["MemType"]);
+    const char* name = number ? name_of(enumerations::memory_type, *number) : nullptr;
+    return name == nullptr ? column_units::plain(row["MemType"]) : name;
+}
+
 const kind_phrases& phrases_of(const inventory_kind& kind) {
     using namespace row_texts;
     static const std::map<const inventory_kind*, kind_phrases> phrases = {
@@ -36,7 +44,11 @@ const kind_phrases& phrases_of(const inventory_kind& kind) {
          {{{"", "Socket"}, {"node ", "NodeIndex"}}, {{"", "Version"}, {"serial number ", serial_number}}}},
         {&kinds::memory,
          {{{"", "DevLocator"}, {"", "BankLocator"}, {"node ", "NodeIndex"}},
-          {{"", "MemSize"}, {"", "MemType"}, {"", "Manufacturer"}, {"", "PartNo"}, {"serial number ", serial_number}}}},
+          {{"", "MemSize"},
+           {"", memory_type},
+           {"", "Manufacturer"},
+           {"", "PartNo"},
+           {"serial number ", serial_number}}}},
         {&kinds::bridges,
          {{{"", bridge_address}, {"node ", "NodeIndex"}},
           {{"", bridge_id}, {"class ", "ClsCode"}, {"to bus ", bus_range}}}},

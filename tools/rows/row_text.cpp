@@ -6,6 +6,7 @@
 #include <string>
 
 #include "rows/column_units.h"
+#include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
 

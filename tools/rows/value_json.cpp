@@ -32,6 +32,10 @@ json row_json(const inventory_table& table, std::size_t place) {
     return object;
 }
 
+std::string json_line(const json& document) {
+    return harmless_json(document.dump(-1, ' ', false, json::error_handler_t::replace)) + '\n';
+}
+
 std::string json_text(const json& document) {
     return harmless_json(document.dump(2, ' ', false, json::error_handler_t::replace)) + '\n';
 }

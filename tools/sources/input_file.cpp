@@ -100,7 +100,7 @@ struct input_file::passed_bytes {
     std::string read_error;
 };
 
-input_file::input_file(const std::string& name, std::size_t most_bytes_passed) : path_(name) {
+input_file::input_file(const std::string& name) : name_(name), path_(name) {
     if (name == standard_input) {
         require_open_for_reading();
         ::fstat(STDIN_FILENO, &status_);
@@ -188,4 +188,11 @@ std::unique_ptr<std::istream> input_file::read_again() const {
     }
     const std::lock_guard<std::mutex> lock(passed_->mutex);
     return std::make_unique<std::istringstream>(passed_->content);
+}
+
+std::unique_ptr<std::istream> input_file::read_as_it_lies() const {
+    if (name_ != standard_input && S_ISREG(status_.st_mode)) {
+        return std::make_unique<std::ifstream>(name_, std::ios::binary);
+    }
+    return read_again();
 }

@@ -36,12 +36,16 @@ public:
     /// What has been read, from its start, for another look.
     std::unique_ptr<std::istream> read_again() const;
 
+    /// The bytes of the file that was named, packed or not; of what can be read only once, what has been read.
+    std::unique_ptr<std::istream> read_as_it_lies() const;
+
 private:
     struct passed_bytes;
     static bool pass_block(gzFile source, int sink, passed_bytes& passed);
     static void pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed);
     int pass_on(int source, std::size_t most_bytes_passed);
 
+    std::string name_;
     std::string path_;
     struct stat status_ = {};
     std::shared_ptr<passed_bytes> passed_;  // null for a file on disk

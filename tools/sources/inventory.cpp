@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -18,6 +19,7 @@
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/utf8.h"
+#include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/recorded_columns.h"
 #include "rows/table.h"
@@ -137,7 +139,9 @@ void inventory::refuse_computed_columns(const inventory_kind& kind) const {
 
 inventory_table inventory::read(const inventory_kind& kind) const {
     refuse_computed_columns(kind);
-    return table_of(kind, select("*", kind));
+    inventory_table table = table_of(kind, select("*", kind));
+    forget_absent_values(table);
+    return table;
 }
 
 std::vector<inventory_table> inventory::read_all() const {
@@ -178,6 +182,19 @@ inventory_table inventory::table_of(const inventory_kind& kind, const statement_
 std::int64_t inventory::count(const inventory_kind& kind) const {
     const statement_ptr rows = select("count(*)", kind);
     return step(rows) ? sqlite3_column_int64(rows.get(), 0) : 0;
+}
+
+// A database of an earlier version, or of another maker, has no such table.
+std::optional<source_record> inventory::source() const {
+    sqlite3_stmt* prepared = nullptr;
+    sqlite3_prepare_v2(connection_.get(), "SELECT Name, Bytes, Sha256, LoadedAt FROM Source", -1, &prepared, nullptr);
+    const statement_ptr row(prepared);
+    if (row == nullptr || !step(row)) {
+        return std::nullopt;
+    }
+    return source_record{repaired_utf8(text_at(row.get(), 0)),
+                         static_cast<std::uint64_t>(sqlite3_column_int64(row.get(), 1)),
+                         repaired_utf8(text_at(row.get(), 2)), sqlite3_column_int64(row.get(), 3)};
 }
 
 inventory::statement_ptr inventory::select(const std::string& what, const inventory_kind& kind,

@@ -9,12 +9,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "rows/kinds.h"
 #include "rows/table.h"
 #include "sources/connection.h"
+#include "sources/source_record.h"
 
 /// How the user named a database. Where it was by --database, messages say so.
 enum class database_naming { option, argument };
@@ -33,12 +35,16 @@ public:
     /// Takes over an open connection; messages call the inventory `title`.
     inventory(std::string title, sqlite3* connection);
 
+    /// A value that stands for an absent one is none.
     inventory_table read(const inventory_kind& kind) const;
     /// The tables of all kinds, in their order.
     std::vector<inventory_table> read_all() const;
-    /// Only the rows with an id above `id`.
+    /// Only the rows with an id above `id`, with every value as it is stored.
     inventory_table read_after(const inventory_kind& kind, std::int64_t id) const;
     std::int64_t count(const inventory_kind& kind) const;
+
+    /// What the rows were loaded from, where that is noted.
+    std::optional<source_record> source() const;
 
 private:
     struct finalizer {

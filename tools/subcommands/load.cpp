@@ -29,6 +29,7 @@
 #include "sources/library_log.h"
 #include "sources/memory_database.h"
 #include "sources/refusal.h"
+#include "sources/source_record.h"
 #include "subcommands/command_line.h"
 #include "subcommands/loading.h"
 #include "subcommands/options.h"
@@ -50,12 +51,14 @@ struct handle_closer {
 using handle_ptr = std::unique_ptr<_zeb_db_handle_t, handle_closer>;
 
 // All of it or, false, nothing.
-bool load_in_transaction(_zeb_db_handle_t* handle, const char* path, left_out_watch& watch) {
+bool load_in_transaction(_zeb_db_handle_t* handle, const load_options& options, const input_file& input,
+                         left_out_watch& watch) {
     if (zeb_db_begin_transaction(handle) != 0) {
         return false;
     }
     const auto accepts = [&watch](const cds_parser::document& loaded) { return watch.accepts(loaded); };
-    if (cds_parser::load_file(handle, path, accepts) == 0 && zeb_db_commit_transaction(handle) == 0) {
+    if (cds_parser::load_file(handle, input.path().c_str(), accepts) == 0 &&
+        write_source(handle, source_of(options.loading.file, input)) && zeb_db_commit_transaction(handle) == 0) {
         return true;
     }
     zeb_db_rollback_transaction(handle);
@@ -73,13 +76,14 @@ attempt make_inventory(const std::string& database, const char* path) {
     return make_database(database, rows) ? attempt::done : attempt::overtaken;
 }
 
-attempt try_to_load(const std::string& database, const char* path, left_out_watch& watch) {
+attempt try_to_load(const load_options& options, const input_file& input, left_out_watch& watch) {
+    const std::string& database = options.database;
     new_database_file file(database);
     refuse_foreign_database(database);
     _zeb_db_handle_t* opened = nullptr;
     zeb_db_open(sqlite_name(database).c_str(), &opened);
     handle_ptr handle(opened);
-    if (handle != nullptr && load_in_transaction(handle.get(), path, watch)) {
+    if (handle != nullptr && load_in_transaction(handle.get(), options, input, watch)) {
         file.keep();
         return attempt::done;
     }
@@ -95,7 +99,7 @@ void replace_inventory(const load_options& options, left_out_watch& watch) {
     progress line(input.status());
     for (int attempts_left = most_attempts;; --attempts_left) {
         const library_log log(line, display_for(options.loading));
-        const attempt result = try_to_load(options.database, input.path().c_str(), watch);
+        const attempt result = try_to_load(options, input, watch);
         if (result == attempt::done) {
             return;
         }

@@ -2,8 +2,16 @@
 
 #include "subcommands/options.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <ctime>
+#include <iterator>
 #include <string>
+#include <vector>
 
+#include "rows/kinds.h"
+#include "sources/inventory.h"
+#include "sources/source_record.h"
 #include "subcommands/command_line.h"
 
 void add_cds_file_argument(command_line& arguments, std::string& file) {
@@ -19,6 +27,31 @@ void add_root_option(command_line& arguments, std::string& folder) {
     arguments.path_option("--root", "DIR", folder,
                           "Keep /var/DS, /var/vonk, /var/log, /tmp and /bin/pci_digest.sh below this folder instead of "
                           "using the machine's own");
+}
+
+std::string age_line(const inventory& shown) {
+    const auto source = shown.source();
+    return source ? age_text(*source, std::time(nullptr)) + '\n' : "";
+}
+
+std::vector<std::string> names_of_kinds() {
+    std::vector<std::string> names;
+    std::transform(std::begin(kinds::all), std::end(kinds::all), std::back_inserter(names),
+                   [](const inventory_kind* kind) { return kind->name; });
+    return names;
+}
+
+std::string choice_of_kinds() {
+    const std::vector<std::string> names = names_of_kinds();
+    std::string choice = names.front();
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        choice += (i + 1 == names.size() ? " or " : ", ") + names[i];
+    }
+    return choice;
+}
+
+void add_kind_argument(command_line& arguments, std::string& kind) {
+    arguments.optional_argument("KIND", kind, choice_of_kinds() + "; all of them if none is named", names_of_kinds());
 }
 
 void add_redact_flag(command_line& arguments, bool& value) {

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "sources/inventory.h"
 #include "subcommands/command_line.h"
 
 /// Declares the argument FILE, a CDS file.
@@ -19,6 +20,16 @@ void add_database_option(command_line& arguments, std::string& path);
 
 /// Declares --root; `folder` stays empty when it is not given.
 void add_root_option(command_line& arguments, std::string& folder);
+
+/// A line about how old the rows of an inventory are, for text; empty where that is not noted.
+std::string age_line(const inventory& shown);
+
+/// Names of kinds as words of a command line: all of them, and as in "processors, memory, bridges or devices".
+std::vector<std::string> names_of_kinds();
+std::string choice_of_kinds();
+
+/// Declares the argument KIND; `kind` stays empty when it is not given.
+void add_kind_argument(command_line& arguments, std::string& kind);
 
 /// Declares what hides serial numbers.
 void add_redact_flag(command_line& arguments, bool& value);

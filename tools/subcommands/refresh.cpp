@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
 #include "change_detection/private_view.h"
@@ -20,6 +21,7 @@
 #include "sources/input_file.h"
 #include "sources/library_log.h"
 #include "sources/refusal.h"
+#include "sources/source_record.h"
 #include "subcommands/command_line.h"
 #include "subcommands/loading.h"
 #include "subcommands/options.h"
@@ -65,11 +67,16 @@ void run_refresh(const input_file& input, const refresh_options& options, left_o
     }
 }
 
-// The service makes the database before the file is read. Throws failure with the cause alone.
-void refuse_before_a_database_is_made(const input_file& input) {
-    if (input.is_on_disk()) {
-        cds_parser::document document;
-        read_cds(*input.read_again(), input, document);
+// Behind the library's transaction: a refresh is done when that is committed.
+void note_source(const refresh_options& options, const input_file& input) {
+    const library_log log(log_display::hidden);
+    _zeb_db_handle_t* handle = open_service(options.database);
+    const bool noted = zeb_db_begin_transaction(handle) == 0 &&
+                       write_source(handle, source_of(options.loading.file, input)) &&
+                       zeb_db_commit_transaction(handle) == 0;
+    if (!noted) {
+        zeb_db_rollback_transaction(handle);
+        complain("cannot note in " + in_quotes(options.database) + " what it was refreshed from: " + log.problem());
     }
 }
 
@@ -81,6 +88,7 @@ inventory_marks refresh_database(const refresh_options& options, left_out_watch&
     inventory_marks before = read_marks(open_service(options.database));
     run_refresh(input, options, watch);
     file.keep();
+    note_source(options, input);
     return before;
 }
 

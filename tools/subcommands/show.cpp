@@ -37,18 +37,11 @@ struct show_options {
     std::string file;  // empty for the database
     std::string database;
     output_format<decltype(&listing_json)> format = {
-        "table, for people; json or csv, for programs",
-        {{"table", text_of}, {"text", text_of}, {"json", listing_json}, {"csv", listing_csv}},
+        "table, for people; json, jsonl or csv, for programs",
+        {{"table", text_of}, {"text", text_of}, {"json", listing_json}, {"jsonl", listing_jsonl}, {"csv", listing_csv}},
     };
     bool redact = false;
 };
-
-std::vector<std::string> names_of_kinds() {
-    std::vector<std::string> names;
-    std::transform(std::begin(kinds::all), std::end(kinds::all), std::back_inserter(names),
-                   [](const inventory_kind* kind) { return kind->name; });
-    return names;
-}
 
 // As in "processors,memory,bridges,devices".
 std::string list_of_kinds() {
@@ -57,16 +50,6 @@ std::string list_of_kinds() {
         list += (list.empty() ? "" : ",") + name;
     }
     return list;
-}
-
-// As in "processors, memory, bridges or devices".
-std::string choice_of_kinds() {
-    const std::vector<std::string> names = names_of_kinds();
-    std::string choice = names.front();
-    for (std::size_t i = 1; i < names.size(); ++i) {
-        choice += (i + 1 == names.size() ? " or " : ", ") + names[i];
-    }
-    return choice;
 }
 
 bool is_kind(const std::string& word) {
@@ -132,14 +115,16 @@ int show(const command_line& arguments, show_options options) {
     if (write == listing_csv && options.kind.empty()) {
         throw failure("CSV holds one table: name " + choice_of_kinds() + "; see 'zebdb-cds show --help'");
     }
-    std::vector<inventory_table> tables = read_tables(open(arguments, options), options);
+    const inventory shown = open(arguments, options);
+    std::vector<inventory_table> tables = read_tables(shown, options);
     if (options.redact) {
         std::for_each(tables.begin(), tables.end(), redact);
     }
     if (write == listing_csv && ::isatty(STDOUT_FILENO) == 1) {
         std::for_each(tables.begin(), tables.end(), make_printable);
     }
-    print(write(tables));
+    const std::string age = write == text_of ? age_line(shown) : "";
+    print(write(tables) + (age.empty() ? "" : '\n' + age));
     return status_done;
 }
 

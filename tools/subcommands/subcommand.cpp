@@ -10,6 +10,7 @@ const std::vector<subcommand>& subcommands() {
         {"show", "Print the inventory", define_show},
         {"tree", "Print the PCI bridges and functions as a tree", define_tree},
         {"explain", "Tell what became of every component of a CDS file, and why", define_explain},
+        {"fields", "Print what the columns of an inventory mean", define_fields},
         {"dump", "Print the normalised text of a CDS file", define_dump},
         {"diff", "Print what differs between two inventories", define_diff},
         {"refresh", "Take the inventory to what a CDS file describes and say what changed", define_refresh},

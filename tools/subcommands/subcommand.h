@@ -25,6 +25,7 @@ action define_check(command_line& arguments);
 action define_diff(command_line& arguments);
 action define_dump(command_line& arguments);
 action define_explain(command_line& arguments);
+action define_fields(command_line& arguments);
 action define_load(command_line& arguments);
 action define_refresh(command_line& arguments);
 action define_save_digest(command_line& arguments);

@@ -52,7 +52,11 @@ int tree(const command_line& arguments, const tree_options& options) {
     output_buffer buffer;
     std::ostream out(&buffer);
     out.exceptions(std::ios::badbit);
-    options.format.writer()(pci_topology(bridges, functions, names), out);
+    const auto write = options.format.writer();
+    write(pci_topology(bridges, functions, names), out);
+    if (write == write_text) {
+        out << age_line(shown);
+    }
     buffer.finish();
     return status_done;
 }

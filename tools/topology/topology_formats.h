@@ -14,7 +14,7 @@
 /// time.
 void write_topology_text(const std::vector<pci_part>& parts, const text_style& style, std::ostream& out);
 
-/// For programs: one object, {"schema": 1, "parts": [...]}, with the parts in their order. It is nested no deeper
+/// For programs: one object, {"schema": 2, "parts": [...]}, with the parts in their order. It is nested no deeper
 /// however deep the tree is, so that every reader can take it: "parent" is the place of the parent in the list, first
 /// is 0.
 void write_topology_json(const std::vector<pci_part>& parts, std::ostream& out);

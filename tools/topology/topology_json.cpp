@@ -16,9 +16,6 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-// Raised when a program that reads today's output would misread tomorrow's.
-constexpr int schema = 1;
-
 struct json_member {
     const char* key;
     const char* column;
@@ -110,7 +107,7 @@ json part_json(const pci_part& part) {
 }  // namespace
 
 void write_topology_json(const std::vector<pci_part>& parts, std::ostream& out) {
-    json document = {{"schema", schema}, {"parts", json::array()}};
+    json document = {{"schema", json_schema}, {"parts", json::array()}};
     for (const pci_part& part : parts) {
         document["parts"].push_back(part_json(part));
     }

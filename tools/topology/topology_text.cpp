@@ -38,7 +38,7 @@ struct tree_line {
 };
 
 std::string node_text(const inventory_row& row) {
-    const std::string index = column_units::index(row["NodeIndex"]);
+    const std::string index = column_units::plain(row["NodeIndex"]);
     return index == "-" ? "No node" : "Node " + index;
 }
 
@@ -72,7 +72,7 @@ std::string kind_text(const inventory_row& row) {
 }
 
 std::string slot_text(const inventory_row& row) {
-    const std::string slot = column_units::index(row["SlotNo"]);
+    const std::string slot = column_units::plain(row["SlotNo"]);
     const std::string designation = stripped(column_units::plain(row["SlotDesignation"]));
     return (slot == column_units::none ? "" : ", slot " + slot) + (designation.empty() ? "" : ", " + designation);
 }

@@ -38,7 +38,7 @@ TEST_F(DifferenceJson, IsWrittenInThisForm) {
     new_tables.erase(new_tables.begin() + 2, new_tables.end());
     old_tables.erase(old_tables.begin() + 2, old_tables.end());
     EXPECT_EQ(difference_json(difference()), R"({
-  "schema": 1,
+  "schema": 2,
   "same": false,
   "processors": {
     "added": [],
@@ -55,12 +55,12 @@ TEST_F(DifferenceJson, IsWrittenInThisForm) {
     "moved": [
       {
         "old_identity": {
-          "NodeIndex": 4294967295,
+          "NodeIndex": null,
           "DevLocator": "A1",
           "BankLocator": null
         },
         "identity": {
-          "NodeIndex": 4294967295,
+          "NodeIndex": null,
           "DevLocator": "B1",
           "BankLocator": null
         },
@@ -83,7 +83,7 @@ TEST_F(DifferenceJson, OfEqualInventoriesHasTheSchemaAndNoEntry) {
     write_both(module("A1", "S1"), module("A1", "S1"));
     const json nothing =
         json::parse(R"({"added": [], "removed": [], "changed": [], "moved": [], "collisions": [], "ambiguous": []})");
-    EXPECT_EQ(same_json(), (json{{"schema", 1},
+    EXPECT_EQ(same_json(), (json{{"schema", 2},
                                  {"same", true},
                                  {"processors", nothing},
                                  {"memory", nothing},
@@ -119,17 +119,16 @@ TEST_F(DifferenceJson, GivesAnAddedRowWithEveryColumnButRowIds) {
     const json added = different_json()["bridges"]["added"][1];
     EXPECT_EQ(added["identity"], json::parse(R"({"NodeIndex": 1, "SegNo": 0, "BusNo": 2, "DevNo": 0, "FunNo": 0})"));
     EXPECT_EQ(added["columns"], json::parse(R"({
-        "Parent": "0000:01:00.0", "NodeIndex": 1, "SegNo": 0, "BusNo": 2, "DevNo": 0, "FunNo": 0, "VendorId": 32902,
+        "ParentId": "0000:01:00.0", "NodeIndex": 1, "SegNo": 0, "BusNo": 2, "DevNo": 0, "FunNo": 0, "VendorId": 32902,
         "DevId": null, "RevId": null, "ClsCode": null, "PriBusNo": null, "SndBusNo": null, "SubBusNo": null})"));
 }
 
 TEST_F(DifferenceJson, GivesARemovedRowInTheSameForm) {
     write_both(module("A1", "S1"), "");
     const json removed = different_json()["memory"]["removed"][0];
-    EXPECT_EQ(removed["identity"],
-              json::parse(R"({"NodeIndex": 4294967295, "DevLocator": "A1", "BankLocator": null})"));
+    EXPECT_EQ(removed["identity"], json::parse(R"({"NodeIndex": null, "DevLocator": "A1", "BankLocator": null})"));
     EXPECT_EQ(removed["columns"]["SerialNo"], "S1");
-    EXPECT_EQ(removed["columns"]["Array"], nullptr);
+    EXPECT_EQ(removed["columns"]["ArrayId"], nullptr);
     EXPECT_FALSE(removed["columns"].contains("Id"));
 }
 
@@ -137,7 +136,7 @@ TEST_F(DifferenceJson, GivesOldAndNewValueOfEveryChangedColumnAsTheyAreStored) {
     write_both(processor("CPU 1", {integer("Core Count", "8"), text("Processor Version", "Fast")}),
                processor("CPU 1", {integer("Core Count", "16"), hex("Processor ID", "0x7FFFFFFFFFFFFFFF")}));
     EXPECT_EQ(different_json()["processors"]["changed"], json::parse(R"([{
-        "identity": {"NodeIndex": 4294967295, "Socket": "CPU 1"},
+        "identity": {"NodeIndex": null, "Socket": "CPU 1"},
         "columns": {"ProcId": {"old": null, "new": 9223372036854775807},
                     "Version": {"old": "Fast", "new": null},
                     "CoreCount": {"old": 8, "new": 16}}}])"));
@@ -151,23 +150,23 @@ TEST_F(DifferenceJson, GivesUnsignedNumbersTheirValue) {
 TEST_F(DifferenceJson, GivesBothIdentitiesOfAMovedPart) {
     write_both(module("A1", "S1", {integer("Slot Number", "1")}), module("B1", "S1", {integer("Slot Number", "2")}));
     EXPECT_EQ(different_json()["memory"]["moved"], json::parse(R"([{
-        "old_identity": {"NodeIndex": 4294967295, "DevLocator": "A1", "BankLocator": null},
-        "identity": {"NodeIndex": 4294967295, "DevLocator": "B1", "BankLocator": null},
+        "old_identity": {"NodeIndex": null, "DevLocator": "A1", "BankLocator": null},
+        "identity": {"NodeIndex": null, "DevLocator": "B1", "BankLocator": null},
         "columns": {"SlotNo": {"old": 1, "new": 2}}}])"));
 }
 
 TEST_F(DifferenceJson, CountsTheRecordsOfACollision) {
     write_both(function("1") + function("1"), function("1"));
     EXPECT_EQ(different_json()["devices"]["collisions"],
-              json::parse(R"([{"identity": {"NodeIndex": 4294967295, "FunKey": 65536}, "old": 2, "new": 1}])"));
+              json::parse(R"([{"identity": {"NodeIndex": null, "FunKey": 65536}, "old": 2, "new": 1}])"));
 }
 
 TEST_F(DifferenceJson, NamesTheRecordsOfASharedSerialNumber) {
     write_both(processor("1", {text("Serial Number", "S1")}) + processor("2", {text("Serial Number", "S1")}),
                processor("3", {text("Serial Number", "S1")}));
     EXPECT_EQ(different_json()["processors"]["ambiguous"], json::parse(R"([{
-        "old": [{"NodeIndex": 4294967295, "Socket": "1"}, {"NodeIndex": 4294967295, "Socket": "2"}],
-        "new": [{"NodeIndex": 4294967295, "Socket": "3"}]}])"));
+        "old": [{"NodeIndex": null, "Socket": "1"}, {"NodeIndex": null, "Socket": "2"}],
+        "new": [{"NodeIndex": null, "Socket": "3"}]}])"));
 }
 
 TEST_F(DifferenceJson, IsValidWhateverATextHolds) {

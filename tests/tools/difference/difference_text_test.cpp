@@ -114,7 +114,7 @@ TEST_F(DifferenceText, ShowsTheParentOfAPartByItsAddress) {
     expect_different(
         "Devices: 1 changed\n"
         "~ 0000:09:00.0\n"
-        "    Bridge  \"0000:01:00.0\" -> \"0000:02:00.0\"\n");
+        "    BridgeId  \"0000:01:00.0\" -> \"0000:02:00.0\"\n");
 }
 
 TEST_F(DifferenceText, ShowsTheParentsOfBridgesAndMemoryToo) {
@@ -122,11 +122,11 @@ TEST_F(DifferenceText, ShowsTheParentsOfBridgesAndMemoryToo) {
     expect_different(
         "Memory: 1 changed\n"
         "~ A1\n"
-        "    Array  \"0000:01:00.0\" -> -\n"
+        "    ArrayId  \"0000:01:00.0\" -> -\n"
         "\n"
         "Bridges: 1 changed\n"
         "~ 0000:02:00.0\n"
-        "    Parent  \"0000:01:00.0\" -> -\n");
+        "    ParentId  \"0000:01:00.0\" -> -\n");
 }
 
 TEST_F(DifferenceText, DoesNotTakeAnotherRowIdOfTheSameParentForAChange) {
@@ -202,7 +202,7 @@ TEST_F(DifferenceText, SaysThatAParentIsNotInTheInventory) {
     expect_different(
         "Devices: 1 changed\n"
         "~ 0000:09:00.0\n"
-        "    Bridge  \"missing\" -> -\n");
+        "    BridgeId  \"missing\" -> -\n");
 }
 
 TEST_F(DifferenceText, HidesWhatIsRedactedAndTellsAllTheSameThatItMoved) {

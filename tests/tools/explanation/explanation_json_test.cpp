@@ -26,7 +26,7 @@ TEST_F(ExplanationJson, IsWrittenInThisForm) {
     EXPECT_EQ(explanation_json(explanations(
                   cds_file(cds_component("pci_device_info", joined(address("1"), {text("Colour", "red")}))))),
               R"({
-  "schema": 1,
+  "schema": 2,
   "summary": {
     "components": 1,
     "rows": 0,
@@ -74,7 +74,7 @@ TEST_F(ExplanationJson, IsWrittenInThisForm) {
 TEST_F(ExplanationJson, HoldsTheSchemaNumberTheSumsAndTheComponents) {
     const json shown = explain_json(cds_file(processor("A", {text("Color", "red")}) + cds_component("cpu_info", {})));
     EXPECT_THAT(keys_of(shown), ElementsAre("schema", "summary", "components"));
-    EXPECT_EQ(shown["schema"], 1);
+    EXPECT_EQ(shown["schema"], 2);
     EXPECT_EQ(shown["summary"].dump(), R"({"components":2,"rows":1,"unused_settings":1,"odd_values":0})");
     EXPECT_EQ(shown["components"].size(), 2u);
 }
@@ -87,7 +87,7 @@ TEST_F(ExplanationJson, TellsOfARow) {
         "groups": ["pci_bridge_info"],
         "result": "recorded",
         "table": "PCIBridge",
-        "row": {"Id": 1, "ParentId": -1, "NodeIndex": 1, "SegNo": 0, "BusNo": 1, "DevNo": 0, "FunNo": 0,
+        "row": {"Id": 1, "ParentId": null, "NodeIndex": 1, "SegNo": 0, "BusNo": 1, "DevNo": 0, "FunNo": 0,
                 "VendorId": 32902},
         "reasons": [],
         "missing_settings": [],
@@ -165,7 +165,7 @@ TEST_F(ExplanationJson, IsValidWhateverTheTextsHold) {
 }
 
 TEST_F(ExplanationJson, OfAnEmptyFileHoldsAnEmptyList) {
-    EXPECT_EQ(explain_json("<component/>"), json::parse(R"({"schema": 1,
+    EXPECT_EQ(explain_json("<component/>"), json::parse(R"({"schema": 2,
         "summary": {"components": 0, "rows": 0, "unused_settings": 0, "odd_values": 0}, "components": []})"));
 }
 

@@ -172,7 +172,7 @@ TEST_F(Verdict, OfABridgeWithoutARowKeepNothingBelowItFromItsRow) {
     EXPECT_EQ(all[0]["result"], "recorded");
     EXPECT_EQ(all[1]["result"], "incomplete");
     EXPECT_EQ(all[2]["result"], "recorded");
-    EXPECT_EQ(all[2]["row"]["BridgeId"], -1);
+    EXPECT_EQ(all[2]["row"]["BridgeId"], nullptr);
 }
 
 TEST_F(Verdict, OfAFunctionWithoutALocationAreTheRuleAndTheSetting) {
@@ -284,12 +284,12 @@ TEST_F(Verdict, AreNoneWhereTheLoaderLooksBelowAnything) {
 TEST_F(Verdict, AreNoneOfHardwareBehindABridge) {
     const json all = told(bridge("1", {}, module("A1", "S1")) + module("B1", "S2"));
     EXPECT_EQ(all[1]["row"]["ArrayId"], 1);
-    EXPECT_EQ(all[2]["row"]["ArrayId"], -1);
+    EXPECT_EQ(all[2]["row"]["ArrayId"], nullptr);
 }
 
 TEST_F(Verdict, LeaveTheNodeOfAServerToWhatFollows) {
     const json all = told(processor("A") + server(processor("B"), "3") + processor("C") + server(processor("D"), "4"));
-    EXPECT_EQ(all[0]["row"]["NodeIndex"], 4294967295);
+    EXPECT_EQ(all[0]["row"]["NodeIndex"], nullptr);
     EXPECT_EQ(all[1]["row"]["NodeIndex"], 3);
     EXPECT_EQ(all[2]["row"]["NodeIndex"], 3);
     EXPECT_EQ(all[3]["row"]["NodeIndex"], 4);
@@ -298,7 +298,7 @@ TEST_F(Verdict, LeaveTheNodeOfAServerToWhatFollows) {
 TEST_F(Verdict, LeaveTheNodeAloneWhereTheLoaderDoesNotLook) {
     const json all = told(cds_component("cpu_info", {}, server(processor("A"), "3")) + processor("B"));
     EXPECT_EQ(all[1]["result"], "not_reached");
-    EXPECT_EQ(all[2]["row"]["NodeIndex"], 4294967295);
+    EXPECT_EQ(all[2]["row"]["NodeIndex"], nullptr);
 }
 
 TEST_F(Verdict, OfAGroupInASlotGroupAreThatItBelongsIntoAComponent) {

@@ -12,7 +12,7 @@ TEST_F(ListingCsv, HasAHeaderAndALineARow) {
     EXPECT_EQ(
         listing_csv(only(kinds::bridges)),
         "Id,ParentId,NodeIndex,SegNo,BusNo,DevNo,FunNo,VendorId,DevId,RevId,ClsCode,PriBusNo,SndBusNo,SubBusNo\r\n"
-        "1,-1,1,0,0,28,0,32902,41360,249,394240,0,58,63\r\n"
+        "1,,1,0,0,28,0,32902,41360,249,394240,0,58,63\r\n"
         "2,1,1,0,58,2,1,,,,,,,\r\n");
 }
 

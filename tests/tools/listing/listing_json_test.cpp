@@ -15,7 +15,7 @@ TEST_F(ListingJson, IsWrittenInThisForm) {
     EXPECT_EQ(listing_json({{&kinds::memory, {"Id", "DevLocator", "Capacity"}, {{std::int64_t{1}, "A\"1", {}}}},
                             {&kinds::devices, {"Id"}, {}}}),
               "{\n"
-              "  \"schema\": 1,\n"
+              "  \"schema\": 2,\n"
               "  \"memory\": [\n"
               "    {\n"
               "      \"Id\": 1,\n"
@@ -34,7 +34,7 @@ TEST_F(ListingJson, HoldsTheSchemaNumberAndTheKindsInOrder) {
         keys.push_back(item.key());
     }
     EXPECT_THAT(keys, ElementsAre("schema", "processors", "memory", "bridges", "devices"));
-    EXPECT_EQ(shown["schema"], 1);
+    EXPECT_EQ(shown["schema"], 2);
 }
 
 TEST_F(ListingJson, OfOneKindHoldsNoOther) {
@@ -44,8 +44,9 @@ TEST_F(ListingJson, OfOneKindHoldsNoOther) {
 }
 
 TEST_F(ListingJson, HoldsEveryColumnWithItsRawNumber) {
-    EXPECT_EQ(json::parse(listing_json(only(kinds::bridges)))["bridges"],
-              json::parse(R"([{"Id": 1, "ParentId": -1, "NodeIndex": 1, "SegNo": 0, "BusNo": 0, "DevNo": 28, "FunNo": 0,
+    EXPECT_EQ(
+        json::parse(listing_json(only(kinds::bridges)))["bridges"],
+        json::parse(R"([{"Id": 1, "ParentId": null, "NodeIndex": 1, "SegNo": 0, "BusNo": 0, "DevNo": 28, "FunNo": 0,
                                "VendorId": 32902, "DevId": 41360, "RevId": 249, "ClsCode": 394240, "PriBusNo": 0,
                                "SndBusNo": 58, "SubBusNo": 63},
                               {"Id": 2, "ParentId": 1, "NodeIndex": 1, "SegNo": 0, "BusNo": 58, "DevNo": 2, "FunNo": 1,
@@ -61,7 +62,7 @@ TEST_F(ListingJson, HasTheColumnsOfEachTable) {
     EXPECT_EQ(shown["devices"][0].size(), 30u);
 }
 
-TEST_F(ListingJson, WritesCapacitiesUnsignedAndRowReferencesSigned) {
+TEST_F(ListingJson, WritesCapacitiesUnsignedAndRowReferencesToNothingAsNull) {
     execute("UPDATE Processor SET ProcId = -1");
     execute(
         "UPDATE Memory SET Capacity = -1, MemCapacity = -2, AppDirCap = -3, UnconfigCap = -4, InaccCap = -5, "
@@ -75,15 +76,15 @@ TEST_F(ListingJson, WritesCapacitiesUnsignedAndRowReferencesSigned) {
     EXPECT_EQ(module["UnconfigCap"], 18446744073709551612u);
     EXPECT_EQ(module["InaccCap"], 18446744073709551611u);
     EXPECT_EQ(module["ReservedCap"], 18446744073709551610u);
-    EXPECT_EQ(module["ArrayId"], -1);
-    EXPECT_EQ(shown["bridges"][0]["ParentId"], -1);
-    EXPECT_EQ(shown["devices"][1]["BridgeId"], -1);
+    EXPECT_EQ(module["ArrayId"], nullptr);
+    EXPECT_EQ(shown["bridges"][0]["ParentId"], nullptr);
+    EXPECT_EQ(shown["devices"][1]["BridgeId"], nullptr);
 }
 
 TEST_F(ListingJson, OfAnEmptyInventoryHoldsEmptyLists) {
     load(cds_file(""));
     EXPECT_EQ(json::parse(listing_json(all())),
-              json::parse(R"({"schema": 1, "processors": [], "memory": [], "bridges": [], "devices": []})"));
+              json::parse(R"({"schema": 2, "processors": [], "memory": [], "bridges": [], "devices": []})"));
 }
 
 TEST_F(ListingJson, OrdersRowsByTheirId) {

@@ -15,7 +15,7 @@ constexpr std::int64_t many = 129408;
 }  // namespace
 
 TEST(ColumnUnits, WriteADashForWhatIsAbsent) {
-    for (const column_unit unit : {plain, index, key, class_code, revision, segment, bus, pci_id_part, megahertz,
+    for (const column_unit unit : {plain, key, class_code, revision, segment, bus, pci_id_part, megahertz,
                                    megatransfers, bytes, kibibytes, mebibytes, processor_id, memory_type}) {
         EXPECT_EQ(unit(absent), "-");
     }
@@ -28,12 +28,6 @@ TEST(ColumnUnits, WritePlainNumbersAsTheyAre) {
 
 TEST(ColumnUnits, WritePlainTextsPrintable) {
     EXPECT_EQ(plain("a\tb"), "a\\tb");
-}
-
-TEST(ColumnUnits, WriteADashForAnIndexThatStandsForNone) {
-    EXPECT_EQ(index(number(5)), "5");
-    EXPECT_EQ(index(number(-1)), "-");
-    EXPECT_EQ(index(number(4294967295)), "-");
 }
 
 TEST(ColumnUnits, WritePciNumbersInHexadecimal) {
@@ -66,20 +60,15 @@ TEST(ColumnUnits, WriteALongSizeWithOneDecimal) {
     EXPECT_EQ(mebibytes(number(many)), "126.4 GiB");
 }
 
-TEST(ColumnUnits, NameTypesOfMemory) {
-    EXPECT_EQ(memory_type(number(26)), "DDR4");
+TEST(ColumnUnits, WriteNamesBesideTheNumbersThatHaveOne) {
+    EXPECT_EQ(memory_type(number(26)), "DDR4 (26)");
     EXPECT_EQ(memory_type(number(99)), "99");
+    EXPECT_EQ(form_factor(number(9)), "DIMM (9)");
+    EXPECT_EQ(link_speed(number(3)), "8 GT/s (3)");
 }
 
 TEST(ColumnUnits, WriteATextInThePlaceOfANumberOnlyWhereItMayBeOne) {
-    EXPECT_EQ(index("x"), "x");
     EXPECT_EQ(memory_type("x"), "x");
     EXPECT_EQ(mebibytes("x"), "-");
     EXPECT_EQ(key("x"), "-");
-}
-
-TEST(ColumnUnits, AreThoseOfTheKind) {
-    EXPECT_EQ(unit_of(kinds::processors, "MaxSpeed"), megahertz);
-    EXPECT_EQ(unit_of(kinds::memory, "MaxSpeed"), megatransfers);
-    EXPECT_EQ(unit_of(kinds::devices, "MaxSpeed"), plain);
 }

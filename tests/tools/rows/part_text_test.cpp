@@ -30,7 +30,7 @@ TEST(PlaceText, OfMemoryIsItsLocatorsAndNode) {
 TEST(PlaceText, OfAFunctionIsItsAddressAndNode) {
     EXPECT_EQ(place_of({&kinds::devices,
                         {"SegNo", "BusNo", "DeviceNo", "FunctionNo", "NodeIndex"},
-                        {{number(0), number(0x3B), number(0), number(1), number(-1)}}}),
+                        {{number(0), number(0x3B), number(0), number(1), {}}}}),
               "0000:3b:00.1");
 }
 
@@ -61,5 +61,5 @@ TEST(PartText, OfABridgeTellsItsIdsAndBuses) {
 }
 
 TEST(PartText, OfAPartOfWhichNothingIsKnownIsEmpty) {
-    EXPECT_EQ(part_of({&kinds::devices, {"SlotNo"}, {{number(-1)}}}), "");
+    EXPECT_EQ(part_of({&kinds::devices, {"SlotNo"}, {{inventory_value()}}}), "");
 }

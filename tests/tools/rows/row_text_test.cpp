@@ -32,7 +32,7 @@ TEST(RowText, IsOneDashWhenAllPartsAreAbsent) {
 }
 
 TEST(ShownText, IsAColumnInItsUnit) {
-    EXPECT_EQ(shown_text("SlotNo")(function), "-");
+    EXPECT_EQ(shown_text("MaxLanes")(function), "-");
     EXPECT_EQ(shown_text("VendorId")(function), "0x8086");
 }
 
@@ -42,7 +42,7 @@ TEST(ShownText, IsATextOfSeveralColumns) {
 
 TEST(ShownText, IsPlainOnlyWhereItIsAColumnWithoutAUnit) {
     EXPECT_TRUE(shown_text("SlotDesignation").is_plain(kinds::devices));
-    EXPECT_FALSE(shown_text("SlotNo").is_plain(kinds::devices));
+    EXPECT_FALSE(shown_text("DevKey").is_plain(kinds::devices));
     EXPECT_FALSE(shown_text(row_texts::device_id).is_plain(kinds::devices));
 }
 

@@ -126,7 +126,7 @@ protected:
 
     // Every place where only certain values are taken: the subcommand and what stands before the value.
     std::vector<std::pair<std::string, std::string>> places_of_values() const {
-        std::vector<std::pair<std::string, std::string>> places = {{"show", ""}};
+        std::vector<std::pair<std::string, std::string>> places = {{"show", ""}, {"fields", ""}};
         for (const auto& [subcommand, options] : usage_of_command()) {
             if (options.count("--format") != 0) {
                 places.emplace_back(subcommand, "--format");
@@ -288,7 +288,7 @@ TEST_F(Completion, OffersWhatBeginsLikeTheWord) {
 }
 
 TEST_F(Completion, OffersTheValuesOfAnOptionBehindAnEqualsSign) {
-    EXPECT_EQ(offered({"show", "--format", "="}), (name_set{"table", "text", "json", "csv"}));
+    EXPECT_EQ(offered({"show", "--format", "="}), (name_set{"table", "text", "json", "jsonl", "csv"}));
     EXPECT_EQ(offered({"diff", "--format", "=", "j"}), name_set{"json"});
 }
 

@@ -74,6 +74,25 @@ TEST_F(Load, LoadsTheSampleServer) {
                                      std::string(SAMPLES_DIR) + "/two-socket-server.xml tells which\n"));
 }
 
+TEST_F(Load, NotesWhatItLoaded) {
+    ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
+    EXPECT_EQ(query("inventory.db", "SELECT Name FROM Source"), "server.xml");
+    EXPECT_EQ(query("inventory.db", "SELECT Bytes FROM Source"), std::to_string(server.size()));
+    EXPECT_EQ(query("inventory.db", "SELECT Sha256 FROM Source") + "  server.xml\n", run("sha256sum server.xml").out);
+    EXPECT_EQ(query("inventory.db", "SELECT abs(LoadedAt - unixepoch()) < 100 FROM Source"), "1");
+}
+
+TEST_F(Load, NotesThePackedFileWhereOneWasNamed) {
+    ASSERT_EQ(run("gzip server.xml && zebdb-cds load server.xml.gz").status, 0);
+    EXPECT_EQ(query("inventory.db", "SELECT Sha256 FROM Source") + "  server.xml.gz\n",
+              run("sha256sum server.xml.gz").out);
+}
+
+TEST_F(Load, NotesTheLastSourceOnly) {
+    ASSERT_EQ(run("zebdb-cds load server.xml && cat server.xml | zebdb-cds load -").status, 0);
+    EXPECT_EQ(query("inventory.db", "SELECT group_concat(Name) FROM Source"), "-");
+}
+
 TEST_F(Load, ReplacesWhatTheDatabaseHeld) {
     ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
     write("nothing.xml", nothing);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -10,6 +11,7 @@
 #include "tools/subcommands/command_test.h"
 
 using nlohmann::json;
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -34,8 +36,11 @@ protected:
         const command_result result = run("zebdb-cds show " + arguments);
         EXPECT_EQ(result.status, 0);
         EXPECT_THAT(result.err, IsEmpty());
-        return result.out;
+        return without_age(result.out);
     }
+
+    // Without the line that says when the rows were loaded, which is another one a second later.
+    static std::string without_age(const std::string& shown) { return shown.substr(0, shown.find("\nLoaded ")); }
 
     json show_json(const std::string& arguments = "") { return json::parse(show(arguments + " --format json")); }
 };
@@ -88,11 +93,11 @@ TEST_F(Show, PrintsEveryKindAsATableForPeople) {
         "CPU-TAG\n"
         "\n"
         "Memory (2)\n"
-        "Id  Node  Slot  Locator       Size  Type      Speed  Manufacturer  Serial number   Capacity  App direct  "
+        "Id  Node  Slot  Locator       Size  Type           Speed  Manufacturer  Serial number   Capacity  App direct  "
         "Array\n"
-        " 1     1     3  DIMM A1     32 GiB  DDR4  2666 MT/s  Maker         DIMM-SECRET            -           -  "
+        " 1     1     3  DIMM A1     32 GiB  DDR4 (26)  2666 MT/s  Maker         DIMM-SECRET            -           -  "
         "    -\n"
-        " 2     1     -  DIMM A2  126.4 GiB  99            -  Intel         -              126.4 GiB     126 GiB  "
+        " 2     1     -  DIMM A2  126.4 GiB  99                 -  Intel         -              126.4 GiB     126 GiB  "
         "    -\n"
         "\n"
         "Bridges (2)\n"
@@ -107,6 +112,19 @@ TEST_F(Show, PrintsEveryKindAsATableForPeople) {
         "0x01010005  0x013b1f07\n"
         " 2     1       -  0000:00:02.0     -  -            -           -          -             -     -  "
         "0x0101ffff  0x00000200\n");
+}
+
+TEST_F(Show, SaysWhenAndFromWhatTheRowsWereLoaded) {
+    EXPECT_THAT(run("zebdb-cds show bridges").out, ContainsRegex("\n\nLoaded .* UTC, from 'x\\.xml'\n$"));
+    EXPECT_THAT(run("zebdb-cds show inventory.db").out, ContainsRegex("\nLoaded .* UTC, from 'x\\.xml'\n$"));
+    EXPECT_THAT(run("zebdb-cds show x.xml").out, Not(HasSubstr("Loaded")));
+    EXPECT_THAT(run("zebdb-cds show --format json").out, Not(HasSubstr("Loaded")));
+}
+
+TEST_F(Show, HasALineForEachRowAsJsonl) {
+    const std::string lines = show("--format jsonl");
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 7);
+    EXPECT_THAT(show("bridges --format jsonl"), StartsWith("{\"schema\":2,\"kind\":\"bridges\",\"Id\":1,"));
 }
 
 TEST_F(Show, TakesTextAsAnotherNameOfTheTable) {
@@ -131,7 +149,7 @@ TEST_F(Show, CsvHasAHeaderAndALineARow) {
     EXPECT_EQ(
         show("bridges --format csv"),
         "Id,ParentId,NodeIndex,SegNo,BusNo,DevNo,FunNo,VendorId,DevId,RevId,ClsCode,PriBusNo,SndBusNo,SubBusNo\r\n"
-        "1,-1,1,0,0,28,0,32902,41360,249,394240,0,58,63\r\n"
+        "1,,1,0,0,28,0,32902,41360,249,394240,0,58,63\r\n"
         "2,1,1,0,58,2,1,,,,,,,\r\n");
 }
 

@@ -82,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
             "AnUnknownKind", "show disks",
             "'disks' is neither a kind {processors,memory,bridges,devices} nor a file; see 'zebdb-cds show --help'"},
         wrong_usage{"AnUnknownFormat", "show --format xml",
-                    "--format: xml not in {table,text,json,csv}; see 'zebdb-cds show --help'"},
+                    "--format: xml not in {table,text,json,jsonl,csv}; see 'zebdb-cds show --help'"},
         wrong_usage{"AnUnknownFormatOfATree", "tree --format csv",
                     "--format: csv not in {text,json}; see 'zebdb-cds tree --help'"},
         wrong_usage{"CsvOfEverything", "show --format csv",

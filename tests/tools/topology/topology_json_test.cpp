@@ -19,7 +19,7 @@ TEST_F(TopologyJson, IsWrittenInThisForm) {
     add_bridge(7, -1, 0, 28, "SndBusNo = 58");
     add_function(3, 7, 58, 1, "SlotDesignation = 'Slot 5'");
     EXPECT_EQ(tree_json(), R"({
-  "schema": 1,
+  "schema": 2,
   "parts": [
     {
       "type": "bridge",
@@ -27,7 +27,7 @@ TEST_F(TopologyJson, IsWrittenInThisForm) {
       "parent": null,
       "problem": null,
       "id": 7,
-      "parent_id": -1,
+      "parent_id": null,
       "node": 1,
       "segment": 0,
       "bus": 0,
@@ -80,7 +80,7 @@ TEST_F(TopologyJson, HoldsTheSchemaNumberAndThePartsInOrder) {
         keys.push_back(item.key());
     }
     EXPECT_THAT(keys, ElementsAre("schema", "parts"));
-    EXPECT_EQ(shown["schema"], 1);
+    EXPECT_EQ(shown["schema"], 2);
     EXPECT_EQ(shown["parts"][0]["type"], "bridge");
     EXPECT_EQ(shown["parts"][1]["type"], "function");
 }
@@ -89,7 +89,7 @@ TEST_F(TopologyJson, TellsOfABridge) {
     add_bridge(7, -1, 0, 28,
                "VendorId = 32902, DevId = 41360, ClsCode = 394240, PriBusNo = 0, SndBusNo = 58, SubBusNo = 63");
     EXPECT_EQ(parts(), json::parse(R"([{"type": "bridge", "depth": 0, "parent": null, "problem": null, "id": 7,
-                                        "parent_id": -1, "node": 1, "segment": 0, "bus": 0, "device": 28, "function": 0,
+                                        "parent_id": null, "node": 1, "segment": 0, "bus": 0, "device": 28, "function": 0,
                                         "class_code": 394240, "vendor_id": 32902, "device_id": 41360, "primary_bus": 0,
                                         "secondary_bus": 58, "subordinate_bus": 63, "class": "bridge",
                                         "subclass": "PCI", "vendor_name": null, "device_name": null}])"));
@@ -100,7 +100,7 @@ TEST_F(TopologyJson, TellsOfAFunction) {
                  "SegNo = 1, FunctionNo = 7, VendorId = 32902, DeviceId = 5490, ClsCode = 67586, SlotNo = 5, "
                  "SlotDesignation = ' Slot 5'");
     EXPECT_EQ(parts(), json::parse(R"([{"type": "function", "depth": 0, "parent": null, "problem": null, "id": 3,
-                                        "parent_id": -1, "node": 1, "segment": 1, "bus": 59, "device": 1,
+                                        "parent_id": null, "node": 1, "segment": 1, "bus": 59, "device": 1,
                                         "function": 7, "class_code": 67586, "vendor_id": 32902, "device_id": 5490,
                                         "slot": 5, "slot_designation": " Slot 5", "class": "storage",
                                         "subclass": "NVMe", "vendor_name": null, "device_name": null}])"));
@@ -151,7 +151,7 @@ TEST_F(TopologyJson, IsValidWhateverTheTextsHold) {
 }
 
 TEST_F(TopologyJson, OfAnEmptyInventoryHoldsAnEmptyList) {
-    EXPECT_EQ(json::parse(tree_json()), json::parse(R"({"schema": 1, "parts": []})"));
+    EXPECT_EQ(json::parse(tree_json()), json::parse(R"({"schema": 2, "parts": []})"));
 }
 
 TEST_F(TopologyJson, HoldsTheNamesOfVendorAndDevice) {

@@ -80,7 +80,7 @@ TEST_F(TopologyText, IsInTheOrderOfAddressesAndNotOfRows) {
 }
 
 TEST_F(TopologyText, NamesWhatHasNoNode) {
-    add_function(1, -1, 1, 0, "NodeIndex = -1");
+    add_function(1, -1, 1, 0, "NodeIndex = 4294967295");
     EXPECT_THAT(tree(), StartsWith("No node\n`- Segment 0000\n"));
 }
 
@@ -191,7 +191,7 @@ TEST_F(TopologyText, ShowsTheSlotAndItsDesignation) {
     EXPECT_EQ(part_of(tree()), "0000:00:01.0 function, slot 5");
     execute("UPDATE PCIs SET SlotDesignation = '  PCIe Slot 5 '");
     EXPECT_EQ(part_of(tree()), "0000:00:01.0 function, slot 5, PCIe Slot 5");
-    execute("UPDATE PCIs SET SlotNo = -1");
+    execute("UPDATE PCIs SET SlotNo = 4294967295");
     EXPECT_EQ(part_of(tree()), "0000:00:01.0 function, PCIe Slot 5");
 }
 
