@@ -29,7 +29,7 @@ void complain(const std::string& problem);
 /// Whether `descriptor` is a terminal that understands control sequences.
 bool is_terminal(int descriptor);
 
-/// Whether text for people may be styled and fitted there: a terminal, and NO_COLOR is not set.
+/// Whether text for people may be styled there: a terminal, and NO_COLOR is not set.
 bool is_styled(int descriptor);
 
 /// How many characters fit into a line of the terminal behind `descriptor`; 0 when that is unknown.

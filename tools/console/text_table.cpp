@@ -7,12 +7,15 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
+#include <cstring>
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "console/output.h"
 #include "console/utf8.h"
+#include "console/wrapping.h"
 
 namespace {
 
@@ -44,20 +47,22 @@ std::size_t line_width(const std::vector<std::size_t>& widths) {
     return sum - gap_width;
 }
 
-// Takes from the widest columns until the line fits or nothing can be spared.
-void fit(std::vector<std::size_t>& widths, const std::vector<text_column>& columns, std::size_t available) {
+// Takes from the widest columns until the line fits; false when nothing is left to take.
+bool fit(std::vector<std::size_t>& widths, const std::vector<text_column>& columns, std::size_t available) {
     for (std::size_t width = line_width(widths); width > available; --width) {
         std::size_t* widest = nullptr;
         for (std::size_t i = 0; i < widths.size(); ++i) {
-            if (columns[i].may_shrink && widths[i] > narrowest && (widest == nullptr || widths[i] > *widest)) {
+            const std::size_t least = std::max(narrowest, length_of(columns[i].heading));
+            if (columns[i].may_wrap && widths[i] > least && (widest == nullptr || widths[i] > *widest)) {
                 widest = &widths[i];
             }
         }
         if (widest == nullptr) {
-            return;
+            return false;
         }
         --*widest;
     }
+    return true;
 }
 
 std::string padded(const std::string& cell, std::size_t width, alignment aligned) {
@@ -65,17 +70,83 @@ std::string padded(const std::string& cell, std::size_t width, alignment aligned
     return aligned == alignment::left ? cell + blanks : blanks + cell;
 }
 
-template <class CellOf>
-std::string line(const std::vector<text_column>& columns, const std::vector<std::size_t>& widths,
-                 const text_style& style, CellOf cell_of) {
+std::string without_blanks_behind(std::string text) {
+    return text.erase(text.find_last_not_of(' ') + 1);
+}
+
+std::string heading_line(const std::vector<text_column>& columns, const std::vector<std::size_t>& widths) {
     std::string text;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        const std::string cell = cell_of(columns[i]);
-        const bool may_be_cut = style.width != 0 && columns[i].may_shrink;
-        text += (i == 0 ? "" : gap) +
-                padded(may_be_cut ? cut_text(cell, widths[i], style) : cell, widths[i], columns[i].aligned);
+        text += (i == 0 ? "" : gap) + padded(columns[i].heading, widths[i], columns[i].aligned);
     }
-    return text.erase(text.find_last_not_of(' ') + 1);
+    return without_blanks_behind(text);
+}
+
+std::vector<std::string> lines_of_cell(const text_column& column, std::size_t row, std::size_t width, bool wraps) {
+    const std::string& cell = column.cells[row];
+    return wraps && column.may_wrap ? wrapped(cell, width) : std::vector<std::string>{cell};
+}
+
+std::string row_lines(const std::vector<text_column>& columns, const std::vector<std::size_t>& widths, std::size_t row,
+                      bool wraps) {
+    std::vector<std::vector<std::string>> cells;
+    std::size_t height = 0;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        cells.push_back(lines_of_cell(columns[i], row, widths[i], wraps));
+        height = std::max(height, cells.back().size());
+    }
+    std::string text;
+    for (std::size_t line = 0; line < height; ++line) {
+        std::string shown;
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            shown += (i == 0 ? "" : gap) +
+                     padded(line < cells[i].size() ? cells[i][line] : "", widths[i], columns[i].aligned);
+        }
+        text += without_blanks_behind(shown) + '\n';
+    }
+    return text;
+}
+
+std::string lines_below(const std::vector<std::string>& lines, const std::string& first, const std::string& others) {
+    std::string text;
+    for (const std::string& line : lines) {
+        text += without_blanks_behind((text.empty() ? first : others) + line) + '\n';
+    }
+    return text;
+}
+
+// A heading and a cell a line; where there is no room beside the headings, the cell stands below its own.
+std::string block(const std::vector<text_column>& columns, std::size_t row, std::size_t available) {
+    constexpr std::size_t indent = 2;
+    std::size_t name_width = 0;
+    for (const text_column& column : columns) {
+        name_width = std::max(name_width, length_of(column.heading));
+    }
+    const bool beside = name_width + gap_width + narrowest <= available;
+    const std::size_t left = beside ? available - name_width - gap_width : std::max(available, indent + 1) - indent;
+    const std::string below(beside ? name_width + gap_width : indent, ' ');
+    std::string text;
+    for (const text_column& column : columns) {
+        const std::vector<std::string> lines = wrapped(column.cells[row], left);
+        text += beside ? lines_below(lines, padded(column.heading, name_width, alignment::left) + gap, below)
+                       : column.heading + '\n' + lines_below(lines, below, below);
+    }
+    return text;
+}
+
+std::string blocks(const std::vector<text_column>& columns, std::size_t available) {
+    std::string text;
+    for (std::size_t row = 0; row < columns.front().cells.size(); ++row) {
+        text += (row == 0 ? "" : "\n") + block(columns, row, available);
+    }
+    return text;
+}
+
+std::size_t width_in_environment() {
+    const char* columns = std::getenv("COLUMNS");
+    const bool is_number =
+        columns != nullptr && *columns != '\0' && std::strspn(columns, "0123456789") == std::strlen(columns);
+    return is_number ? std::strtoul(columns, nullptr, 10) : 0;
 }
 
 }  // namespace
@@ -83,15 +154,10 @@ std::string line(const std::vector<text_column>& columns, const std::vector<std:
 text_style output_style() {
     text_style style;
     style.utf8 = is_terminal(STDOUT_FILENO) && std::string(::nl_langinfo(CODESET)) == "UTF-8";
-    if (is_styled(STDOUT_FILENO)) {
-        style.has_control_sequences = true;
-        style.width = terminal_width(STDOUT_FILENO);
-    }
+    style.has_control_sequences = is_styled(STDOUT_FILENO);
+    const std::size_t wanted = width_in_environment();
+    style.width = wanted != 0 ? wanted : terminal_width(STDOUT_FILENO);
     return style;
-}
-
-std::string cut_text(const std::string& text, std::size_t width, const text_style& style) {
-    return length_of(text) <= width ? text : first_characters(text, width - 1) + (style.utf8 ? "\u2026" : "~");
 }
 
 std::string heading_text(const std::string& heading, const text_style& style) {
@@ -100,14 +166,13 @@ std::string heading_text(const std::string& heading, const text_style& style) {
 
 std::string table_text(const std::vector<text_column>& columns, const text_style& style) {
     std::vector<std::size_t> widths = natural_widths(columns, std::max(longest_aligned, style.width));
-    if (style.width != 0) {
-        fit(widths, columns, style.width);
+    const bool wraps = style.width != 0;
+    if (wraps && !fit(widths, columns, style.width)) {
+        return blocks(columns, style.width);
     }
-    std::string text =
-        heading_text(line(columns, widths, style, [](const text_column& column) { return column.heading; }), style) +
-        '\n';
+    std::string text = heading_text(heading_line(columns, widths), style) + '\n';
     for (std::size_t row = 0; row < columns.front().cells.size(); ++row) {
-        text += line(columns, widths, style, [row](const text_column& column) { return column.cells[row]; }) + '\n';
+        text += row_lines(columns, widths, row, wraps);
     }
     return text;
 }

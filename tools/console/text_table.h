@@ -13,7 +13,7 @@ enum class alignment { left, right };
 struct text_column {
     std::string heading;
     alignment aligned;
-    bool may_shrink;  ///< may be cut where the line is too long for the terminal
+    bool may_wrap;  ///< its cells may take several lines where one is too long
     std::vector<std::string> cells;
 };
 
@@ -27,12 +27,11 @@ struct text_style {
 /// The style for what is printed to standard output.
 text_style output_style();
 
-/// `text` as far as it fits into `width` characters, with a mark where something was cut off.
-std::string cut_text(const std::string& text, std::size_t width, const text_style& style);
-
 std::string heading_text(const std::string& heading, const text_style& style);
 
-/// The lines of a table, aligned by characters. Cells are UTF-8.
+/// The lines of a table, aligned by characters. Cells are UTF-8. Where a line does not fit, cells that may wrap take
+/// several lines; where that is not enough, each row is a block of lines with a heading and a cell. Nothing is left
+/// out.
 std::string table_text(const std::vector<text_column>& columns, const text_style& style);
 
 #endif

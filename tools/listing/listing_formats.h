@@ -10,8 +10,14 @@
 #include "console/text_table.h"
 #include "rows/table.h"
 
-/// For people: the columns that matter, in units, fitted to the width of the style. It may change at any time.
-std::string listing_text(const std::vector<inventory_table>& tables, const text_style& style);
+/// Which columns people see.
+struct listing_view {
+    std::vector<std::string> columns;  ///< by name; where there are none, those that matter and hold something
+    bool wide = false;                 ///< also those that hold nothing, in lines of any length
+};
+
+/// For people: in units, fitted to the width of the style. It may change at any time.
+std::string listing_text(const std::vector<inventory_table>& tables, const listing_view& view, const text_style& style);
 
 /// For programs: one object, {"schema": 2, "processors": [...], ...}, each row an object of all its columns; a column
 /// that was never put is null.

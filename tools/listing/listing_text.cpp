@@ -12,26 +12,20 @@
 #include "console/text_table.h"
 #include "listing/listing_formats.h"
 #include "rows/kinds.h"
+#include "rows/pci_label_columns.h"
 #include "rows/row_text.h"
 #include "rows/table.h"
 
 namespace {
 
-enum class presence {
-    always,
-    if_any,  // only in a table that has something in it
-};
-
 struct shown_column {
     const char* heading;
     shown_text text;
     alignment aligned = alignment::left;
-    presence shown = presence::always;
 };
 
 constexpr auto left = alignment::left;
 constexpr auto right = alignment::right;
-constexpr auto if_any = presence::if_any;
 
 const std::vector<shown_column> processor_columns = {
     {"Id", "Id", right},
@@ -43,8 +37,8 @@ const std::vector<shown_column> processor_columns = {
     {"Speed", "CurSpeed", right},
     {"L3 cache", "L3CacheInstalled", right},
     {"Processor id", "ProcId"},
-    {"Serial number", "SerialNo", left, if_any},
-    {"Asset tag", "AssetTag", left, if_any},
+    {"Serial number", "SerialNo"},
+    {"Asset tag", "AssetTag"},
 };
 
 const std::vector<shown_column> memory_columns = {
@@ -52,18 +46,19 @@ const std::vector<shown_column> memory_columns = {
     {"Node", "NodeIndex", right},
     {"Slot", "SlotNo", right},
     {"Locator", "DevLocator"},
-    {"Bank", "BankLocator", left, if_any},
+    {"Bank", "BankLocator"},
     {"Size", "MemSize", right},
+    {"Form factor", "FormFactor"},
     {"Type", "MemType"},
     {"Speed", "ClockSpeed", right},
     {"Manufacturer", "Manufacturer"},
-    {"Part number", "PartNo", left, if_any},
-    {"Serial number", "SerialNo", left, if_any},
-    {"Asset tag", "AssetTag", left, if_any},
-    {"Capacity", "Capacity", right, if_any},
-    {"Volatile", "MemCapacity", right, if_any},
-    {"App direct", "AppDirCap", right, if_any},
-    {"Firmware", "FirmwareVersion", left, if_any},
+    {"Part number", "PartNo"},
+    {"Serial number", "SerialNo"},
+    {"Asset tag", "AssetTag"},
+    {"Capacity", "Capacity", right},
+    {"Volatile", "MemCapacity", right},
+    {"App direct", "AppDirCap", right},
+    {"Firmware", "FirmwareVersion"},
     {"Array", "ArrayId", right},
 };
 
@@ -73,8 +68,10 @@ const std::vector<shown_column> bridge_columns = {
     {"Parent", "ParentId", right},
     {"Address", row_texts::bridge_address},
     {"Vendor:dev", row_texts::bridge_id},
+    {"Name", pci_label_columns::name},
     {"Revision", "RevId"},
     {"Class", "ClsCode"},
+    {"Kind", pci_label_columns::kind},
     {"Primary bus", "PriBusNo"},
     {"Bus range", row_texts::bus_range},
 };
@@ -85,12 +82,14 @@ const std::vector<shown_column> device_columns = {
     {"Bridge", "BridgeId", right},
     {"Address", row_texts::device_address},
     {"Slot", "SlotNo", right},
-    {"Designation", "SlotDesignation", left, if_any},
+    {"Designation", "SlotDesignation"},
     {"Vendor:dev", row_texts::device_id},
-    {"Subsystem", row_texts::subsystem_id, left, if_any},
+    {"Name", pci_label_columns::name},
+    {"Subsystem", row_texts::subsystem_id},
     {"Class", "ClsCode"},
-    {"Lanes", row_texts::lanes, right, if_any},
-    {"PCIe", row_texts::link_generation, right, if_any},
+    {"Kind", pci_label_columns::kind},
+    {"Lanes", row_texts::lanes, right},
+    {"Link speed", row_texts::link_speed, right},
     {"Device key", "DevKey"},
     {"Function key", "FunKey"},
 };
@@ -115,11 +114,26 @@ text_column filled(const shown_column& shown, const inventory_table& table) {
     return column;
 }
 
-std::vector<text_column> filled_columns(const inventory_table& table) {
+// By the names of the database; where none are chosen, those that people want to see.
+std::vector<shown_column> columns_for(const inventory_table& table, const listing_view& view) {
+    if (view.columns.empty()) {
+        return shown_columns.at(table.kind);
+    }
+    std::vector<shown_column> columns;
+    for (const std::string& name : view.columns) {
+        if (find_column(table, name)) {
+            columns.push_back({name.c_str(), name.c_str(), left});
+        }
+    }
+    return columns;
+}
+
+std::vector<text_column> filled_columns(const inventory_table& table, const listing_view& view) {
     std::vector<text_column> columns;
-    for (const shown_column& shown : shown_columns.at(table.kind)) {
+    for (const shown_column& shown : columns_for(table, view)) {
         text_column column = filled(shown, table);
-        if (shown.shown == presence::always || !std::all_of(column.cells.begin(), column.cells.end(), is_empty)) {
+        const bool is_wanted = view.wide || !view.columns.empty();
+        if (is_wanted || !std::all_of(column.cells.begin(), column.cells.end(), is_empty)) {
             columns.push_back(std::move(column));
         }
     }
@@ -128,14 +142,19 @@ std::vector<text_column> filled_columns(const inventory_table& table) {
 
 }  // namespace
 
-std::string listing_text(const std::vector<inventory_table>& tables, const text_style& style) {
+std::string listing_text(const std::vector<inventory_table>& tables, const listing_view& view,
+                         const text_style& style) {
+    text_style fitting = style;
+    fitting.width = view.wide ? 0 : style.width;
     std::string text;
     for (const inventory_table& table : tables) {
         text += text.empty() ? "" : "\n";
         text += heading_text(std::string(table.kind->title) + " (" + std::to_string(table.rows.size()) + ")", style);
         text += '\n';
-        if (!table.rows.empty()) {
-            text += table_text(filled_columns(table), style);
+        const std::vector<text_column> columns =
+            table.rows.empty() ? std::vector<text_column>() : filled_columns(table, view);
+        if (!columns.empty()) {
+            text += table_text(columns, fitting);
         }
     }
     return text;

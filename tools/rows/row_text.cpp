@@ -65,8 +65,8 @@ std::string lanes(const inventory_row& row) {
     return joined(plain(row["LanesInUse"]), "/", plain(row["MaxLanes"]));
 }
 
-std::string link_generation(const inventory_row& row) {
-    return joined(plain(row["PCIeType"]), "/", plain(row["MaxPCIeType"]));
+std::string link_speed(const inventory_row& row) {
+    return joined(column_units::link_speed(row["PCIeType"]), " of ", column_units::link_speed(row["MaxPCIeType"]));
 }
 
 }  // namespace row_texts

@@ -21,7 +21,7 @@ std::string device_address(const inventory_row& row);
 std::string device_id(const inventory_row& row);
 std::string subsystem_id(const inventory_row& row);
 std::string lanes(const inventory_row& row);
-std::string link_generation(const inventory_row& row);
+std::string link_speed(const inventory_row& row);
 
 }  // namespace row_texts
 

@@ -52,6 +52,11 @@ void command_line::text_option(const char* name, const char* type, std::string& 
     app_->add_option(name, value, description)->type_name(type);
 }
 
+void command_line::list_option(const char* name, const char* type, std::vector<std::string>& values,
+                               const std::string& description) {
+    app_->add_option(name, values, description)->type_name(type)->delimiter(',')->expected(1);
+}
+
 void command_line::number_option(const char* name, const char* type, unsigned& value, const std::string& description,
                                  unsigned largest) {
     CLI::Option* number = app_->add_option(name, value, description)->type_name(type)->capture_default_str();

@@ -31,6 +31,9 @@ public:
     void path_option(const char* name, const char* type, std::string& value, const std::string& description,
                      const char* variable = "");
     void text_option(const char* name, const char* type, std::string& value, const std::string& description);
+    /// Values between commas.
+    void list_option(const char* name, const char* type, std::vector<std::string>& values,
+                     const std::string& description);
     void number_option(const char* name, const char* type, unsigned& value, const std::string& description,
                        unsigned largest = std::numeric_limits<unsigned>::max());
     void format_option(std::string& value, const std::string& description, const std::vector<std::string>& choices);

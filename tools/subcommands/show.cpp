@@ -17,6 +17,7 @@
 #include "console/text_table.h"
 #include "console/utf8.h"
 #include "listing/listing_formats.h"
+#include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
 #include "sources/inventory.h"
@@ -24,11 +25,19 @@
 #include "subcommands/command_line.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
+#include "topology/pci_labels.h"
+#include "topology/pci_names.h"
 
 namespace {
 
-std::string text_of(const std::vector<inventory_table>& tables) {
-    return listing_text(tables, output_style());
+struct show_options;
+using listing_writer = std::string (*)(const std::vector<inventory_table>& tables, const show_options& options);
+
+std::string text_of(const std::vector<inventory_table>& tables, const show_options& options);
+
+template <std::string (*Write)(const std::vector<inventory_table>&)>
+std::string whole(const std::vector<inventory_table>& tables, const show_options&) {
+    return Write(tables);
 }
 
 struct show_options {
@@ -36,12 +45,38 @@ struct show_options {
     std::string kind;  // empty for all
     std::string file;  // empty for the database
     std::string database;
-    output_format<decltype(&listing_json)> format = {
+    output_format<listing_writer> format = {
         "table, for people; json, jsonl or csv, for programs",
-        {{"table", text_of}, {"text", text_of}, {"json", listing_json}, {"jsonl", listing_jsonl}, {"csv", listing_csv}},
+        {{"table", text_of},
+         {"text", text_of},
+         {"json", whole<listing_json>},
+         {"jsonl", whole<listing_jsonl>},
+         {"csv", whole<listing_csv>}},
     };
+    listing_view view;
     bool redact = false;
 };
+
+std::string text_of(const std::vector<inventory_table>& tables, const show_options& options) {
+    std::vector<inventory_table> labelled = tables;
+    pci_names names;
+    for (inventory_table& table : labelled) {
+        add_pci_labels(table, names);
+    }
+    return listing_text(labelled, options.view, output_style());
+}
+
+void require_known_columns(const show_options& options) {
+    for (const std::string& column : options.view.columns) {
+        const bool is_known =
+            std::any_of(std::begin(kinds::all), std::end(kinds::all), [&](const inventory_kind* kind) {
+                return (options.kind.empty() || options.kind == kind->name) && find_field(*kind, column) != nullptr;
+            });
+        if (!is_known) {
+            throw failure("there is no column " + in_quotes(column) + "; 'zebdb-cds fields' lists them");
+        }
+    }
+}
 
 // As in "processors,memory,bridges,devices".
 std::string list_of_kinds() {
@@ -111,8 +146,9 @@ void make_printable(inventory_table& table) {
 
 int show(const command_line& arguments, show_options options) {
     read_words(options.words, options);
+    require_known_columns(options);
     const auto write = options.format.writer();
-    if (write == listing_csv && options.kind.empty()) {
+    if (write == whole<listing_csv> && options.kind.empty()) {
         throw failure("CSV holds one table: name " + choice_of_kinds() + "; see 'zebdb-cds show --help'");
     }
     const inventory shown = open(arguments, options);
@@ -120,11 +156,11 @@ int show(const command_line& arguments, show_options options) {
     if (options.redact) {
         std::for_each(tables.begin(), tables.end(), redact);
     }
-    if (write == listing_csv && ::isatty(STDOUT_FILENO) == 1) {
+    if (write == whole<listing_csv> && ::isatty(STDOUT_FILENO) == 1) {
         std::for_each(tables.begin(), tables.end(), make_printable);
     }
     const std::string age = write == text_of ? age_line(shown) : "";
-    print(write(tables) + (age.empty() ? "" : '\n' + age));
+    print(write(tables, options) + (age.empty() ? "" : '\n' + age));
     return status_done;
 }
 
@@ -137,6 +173,9 @@ action define_show(command_line& arguments) {
                                      ", or all of them, and of which inventory: a CDS file or a database; - is "
                                      "standard input. Without it, that of --database");
     options->format.add_option(arguments);
+    arguments.list_option("--columns", "NAME,...", options->view.columns,
+                          "Show these columns as a table, also where they hold nothing; 'zebdb-cds fields' lists them");
+    arguments.flag("--wide", options->view.wide, "Show columns that hold nothing, too, in lines of any length");
     add_redact_flag(arguments, options->redact);
     add_database_option(arguments, options->database);
     return [options, arguments] { return show(arguments, *options); };

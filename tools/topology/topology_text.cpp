@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "console/text_table.h"
+#include "console/utf8.h"
+#include "console/wrapping.h"
 #include "rows/column_units.h"
 #include "rows/row_text.h"
 #include "rows/table.h"
@@ -127,6 +129,31 @@ std::vector<bool> ends_of_branches(const std::vector<tree_line>& lines) {
     return ends;
 }
 
+std::string joined_branches(const std::vector<const char*>& all) {
+    std::string text;
+    for (const char* branch : all) {
+        text += branch;
+    }
+    return text;
+}
+
+// In several lines, with `below` before all but the first, where one is too long; a deep tree leaves a little room.
+void write_line(const std::string& text, const std::string& before, const std::string& below, const text_style& style,
+                std::ostream& out) {
+    constexpr std::size_t least_room = 20;
+    if (style.width == 0 || length_of(before) + length_of(text) <= style.width) {
+        out << before << text << '\n';
+        return;
+    }
+    const std::size_t taken = length_of(below);
+    const std::size_t room = style.width < taken + least_room ? least_room : style.width - taken;
+    const char* start = before.c_str();
+    for (const std::string& line : wrapped(text, room)) {
+        out << start << line << '\n';
+        start = below.c_str();
+    }
+}
+
 }  // namespace
 
 void write_topology_text(const std::vector<pci_part>& parts, const text_style& style, std::ostream& out) {
@@ -140,19 +167,15 @@ void write_topology_text(const std::vector<pci_part>& parts, const text_style& s
     std::vector<const char*> above;  // what goes before a line for each level but that of headings
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const auto& [level, text] = lines[i];
-        std::string line;
-        if (level != 0) {
-            above.resize(level - 1);
-            for (const char* branch : above) {
-                line += branch;
-            }
-            line += ends[i] ? drawn.last : drawn.more;
-            above.push_back(ends[i] ? drawn.ended : drawn.passing);
+        if (level == 0) {
+            out << heading_text(text, style) << '\n';
+            continue;
         }
-        line += text;
-        if (style.width != 0) {
-            line = cut_text(line, style.width, style);
-        }
-        out << (level == 0 ? heading_text(line, style) : line) << '\n';
+        above.resize(level - 1);
+        const std::string before = joined_branches(above);
+        above.push_back(ends[i] ? drawn.ended : drawn.passing);
+        const bool has_children = i + 1 < lines.size() && lines[i + 1].level > level;
+        write_line(text, before + (ends[i] ? drawn.last : drawn.more),
+                   joined_branches(above) + (has_children ? drawn.passing : drawn.ended), style, out);
     }
 }

@@ -28,7 +28,7 @@ TEST(RowText, HasADashForAPartThatIsAbsent) {
 
 TEST(RowText, IsOneDashWhenAllPartsAreAbsent) {
     EXPECT_EQ(row_texts::subsystem_id(function), "-");
-    EXPECT_EQ(row_texts::link_generation(function), "-");
+    EXPECT_EQ(row_texts::link_speed(function), "-");
 }
 
 TEST(ShownText, IsAColumnInItsUnit) {

@@ -121,7 +121,7 @@ command_test::command_test() : folder_(fs::path(built::folder) / "tests" / "fold
     setenv("PATH", (fs::path(built::command).parent_path().string() + ":" + std::getenv("PATH")).c_str(), 1);
     setenv("TERM", "xterm", 1);
     setenv("LC_ALL", "C.UTF-8", 1);
-    for (const char* name : {"ZEBDB_DATABASE", "VONK_LOG", "NO_COLOR"}) {
+    for (const char* name : {"ZEBDB_DATABASE", "VONK_LOG", "NO_COLOR", "COLUMNS"}) {
         unsetenv(name);
     }
 }

@@ -33,7 +33,7 @@ protected:
     }
 
     std::string show(const std::string& arguments) {
-        const command_result result = run("zebdb-cds show " + arguments);
+        const command_result result = run("ZEBDB_PCI_IDS=none zebdb-cds show " + arguments);
         EXPECT_EQ(result.status, 0);
         EXPECT_THAT(result.err, IsEmpty());
         return without_age(result.out);
@@ -93,25 +93,25 @@ TEST_F(Show, PrintsEveryKindAsATableForPeople) {
         "CPU-TAG\n"
         "\n"
         "Memory (2)\n"
-        "Id  Node  Slot  Locator       Size  Type           Speed  Manufacturer  Serial number   Capacity  App direct  "
-        "Array\n"
-        " 1     1     3  DIMM A1     32 GiB  DDR4 (26)  2666 MT/s  Maker         DIMM-SECRET            -           -  "
-        "    -\n"
-        " 2     1     -  DIMM A2  126.4 GiB  99                 -  Intel         -              126.4 GiB     126 GiB  "
-        "    -\n"
+        "Id  Node  Slot  Locator       Size  Type           Speed  Manufacturer  Serial number   Capacity  App direct\n"
+        " 1     1     3  DIMM A1     32 GiB  DDR4 (26)  2666 MT/s  Maker         DIMM-SECRET            -           -\n"
+        " 2     1     -  DIMM A2  126.4 GiB  99                 -  Intel         -              126.4 GiB     126 GiB\n"
         "\n"
         "Bridges (2)\n"
-        "Id  Node  Parent  Address       Vendor:dev  Revision  Class     Primary bus  Bus range\n"
-        " 1     1       -  0000:00:1c.0  8086:a190   0xf9      0x060400  00           3a-3f\n"
-        " 2     1       1  0000:3a:02.1  -           -         -         -            -\n"
+        "Id  Node  Parent  Address       Vendor:dev  Revision  Class     Kind          Primary bus  Bus range\n"
+        " 1     1       -  0000:00:1c.0  8086:a190   0xf9      0x060400  bridge (PCI)  00           3a-3f\n"
+        " 2     1       1  0000:3a:02.1  -           -         -         -             -            -\n"
         "\n"
         "Devices (2)\n"
-        "Id  Node  Bridge  Address       Slot  Designation  Vendor:dev  Subsystem  Class     Lanes  PCIe  "
-        "Device key  Function key\n"
-        " 1     1       1  0001:3b:1f.7     5  Slot 5       8086:1572   8086:0007  0x020000    4/8   3/4  "
-        "0x01010005  0x013b1f07\n"
-        " 2     1       -  0000:00:02.0     -  -            -           -          -             -     -  "
-        "0x0101ffff  0x00000200\n");
+        "Id  Node  Bridge  Address       Slot  Designation  Vendor:dev  Subsystem  Class     Kind                Lanes "
+        " "
+        "               Link speed  Device key  Function key\n"
+        " 1     1       1  0001:3b:1f.7     5  Slot 5       8086:1572   8086:0007  0x020000  network (Ethernet)    4/8 "
+        " "
+        "8 GT/s (3) of 16 GT/s (4)  0x01010005  0x013b1f07\n"
+        " 2     1       -  0000:00:02.0     -  -            -           -          -         -                       - "
+        " "
+        "                        -  0x0101ffff  0x00000200\n");
 }
 
 TEST_F(Show, SaysWhenAndFromWhatTheRowsWereLoaded) {
@@ -134,9 +134,29 @@ TEST_F(Show, TakesTextAsAnotherNameOfTheTable) {
 TEST_F(Show, PrintsOneKind) {
     EXPECT_EQ(show("bridges"),
               "Bridges (2)\n"
-              "Id  Node  Parent  Address       Vendor:dev  Revision  Class     Primary bus  Bus range\n"
-              " 1     1       -  0000:00:1c.0  8086:a190   0xf9      0x060400  00           3a-3f\n"
-              " 2     1       1  0000:3a:02.1  -           -         -         -            -\n");
+              "Id  Node  Parent  Address       Vendor:dev  Revision  Class     Kind          Primary bus  Bus range\n"
+              " 1     1       -  0000:00:1c.0  8086:a190   0xf9      0x060400  bridge (PCI)  00           3a-3f\n"
+              " 2     1       1  0000:3a:02.1  -           -         -         -             -            -\n");
+}
+
+TEST_F(Show, NamesVendorsAndDevicesAsTheTreeDoes) {
+    write("ids", "8086  Intel Corporation\n\ta190  Root Port\n");
+    EXPECT_THAT(run("ZEBDB_PCI_IDS=ids zebdb-cds show bridges").out,
+                HasSubstr("  8086:a190   Intel Corporation Root Port  "));
+}
+
+TEST_F(Show, FitsIntoTheWidthOfTheEnvironmentAlsoInAPipe) {
+    const std::string shown = run("COLUMNS=40 NO_COLOR=1 zebdb-cds show processors").out;
+    EXPECT_THAT(shown, HasSubstr("\nVersion        Züri 9000\n"));
+    EXPECT_THAT(run("COLUMNS=nonsense zebdb-cds show processors").out, HasSubstr("\nId  Node  Socket  "));
+}
+
+TEST_F(Show, HasTheColumnsThatAreChosen) {
+    EXPECT_EQ(show("memory --columns DevLocator,Attributes"),
+              "Memory (2)\n"
+              "DevLocator  Attributes\n"
+              "DIMM A1     -\n"
+              "DIMM A2     -\n");
 }
 
 TEST_F(Show, JsonOfOneKindHoldsNoOther) {

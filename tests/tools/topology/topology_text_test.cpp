@@ -235,7 +235,8 @@ TEST_F(TopologyText, HasBoxesAndBoldHeadingsAndLinesThatFitWhereTheStyleHas) {
               "\033[1mNode 1\033[0m\n"
               "└─ Segment 0000\n"
               "   ├─ 0000:00:01.0 bridge\n"
-              "   │  ├─ 0000:01:00.0 function, xxxxxxx…\n"
+              "   │  ├─ 0000:01:00.0 function,\n"
+              "   │  │     xxxxxxxxxxxxxxxxxxxx\n"
               "   │  └─ 0000:01:01.0 function\n"
               "   └─ 0000:02:00.0 function\n");
 }
