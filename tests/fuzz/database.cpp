@@ -22,7 +22,7 @@
 namespace {
 
 void list(const std::vector<inventory_table>& tables) {
-    listing_text(tables, {});
+    listing_text(tables, {}, {});
     listing_json(tables);
     for (const inventory_table& table : tables) {
         listing_csv({table});
@@ -41,10 +41,10 @@ void draw(const inventory& drawn) {
 }
 
 void compare_with_itself(const std::vector<inventory_table>& tables) {
-    const std::vector<table_difference> differences = compare(tables, tables);
-    require(is_same(differences), "an inventory does not differ from itself");
-    difference_text(differences, {});
-    difference_json(differences);
+    const comparison compared = compare(tables, tables);
+    require(compared.is_same(), "an inventory does not differ from itself");
+    difference_text(compared, {});
+    difference_json(compared);
 }
 
 }  // namespace

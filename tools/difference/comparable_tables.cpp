@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +23,9 @@ using addresses = std::map<inventory_value, std::string>;  // by row id
 constexpr const char* references[] = {"ParentId", "BridgeId", "ArrayId"};
 
 constexpr const char* id_column = "Id";
+constexpr const char* node_column = "NodeIndex";
+constexpr const char* card_key_column = "DevKey";
+constexpr std::uint64_t card_key_without_node = 0x00FFFFFF;
 constexpr const char* missing_bridge = "missing";  // an id that no bridge has
 
 addresses bridge_addresses(const std::vector<inventory_table>& tables) {
@@ -98,4 +103,40 @@ void replace_row_ids(std::vector<inventory_table>& tables) {
 void align_columns(inventory_table& first, inventory_table& second) {
     add_missing_columns(first, second.columns);
     second = reordered(second, first.columns);
+}
+
+void remove_columns(std::vector<inventory_table>& tables, const std::vector<std::string>& names) {
+    for (inventory_table& table : tables) {
+        for (const std::string& name : names) {
+            remove_column(table, name);
+        }
+    }
+}
+
+std::optional<std::uint64_t> only_node(const std::vector<inventory_table>& tables) {
+    std::optional<std::uint64_t> node;
+    for (const inventory_table& table : tables) {
+        for (std::size_t place = 0; place < table.rows.size(); ++place) {
+            const auto here = number_in(inventory_row(table, place)[node_column]);
+            if (!here || (node && node != here)) {
+                return std::nullopt;
+            }
+            node = here;
+        }
+    }
+    return node;
+}
+
+void forget_node(std::vector<inventory_table>& tables) {
+    for (inventory_table& table : tables) {
+        for (std::vector<inventory_value>& row : table.rows) {
+            if (const auto node = find_column(table, node_column)) {
+                row[*node] = {};
+            }
+            const auto key = find_column(table, card_key_column);
+            if (const auto number = key ? number_in(row[*key]) : std::nullopt) {
+                row[*key] = static_cast<std::int64_t>(*number & card_key_without_node);
+            }
+        }
+    }
 }

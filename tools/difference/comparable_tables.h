@@ -4,6 +4,9 @@
 #ifndef TOOLS_DIFFERENCE_COMPARABLE_TABLES_H
 #define TOOLS_DIFFERENCE_COMPARABLE_TABLES_H
 
+#include <cstdint>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "rows/table.h"
@@ -15,5 +18,14 @@ void replace_row_ids(std::vector<inventory_table>& tables);
 
 /// Gives both tables the columns of either, those of `first` in front, in the same order.
 void align_columns(inventory_table& first, inventory_table& second);
+
+/// Takes the columns of these names out of all tables.
+void remove_columns(std::vector<inventory_table>& tables, const std::vector<std::string>& names);
+
+/// The node that all rows stand at, or nothing when they stand at several or at none.
+std::optional<std::uint64_t> only_node(const std::vector<inventory_table>& tables);
+
+/// Takes the node out of all rows: its column, and its part of the keys of cards.
+void forget_node(std::vector<inventory_table>& tables);
 
 #endif

@@ -5,6 +5,10 @@
 #define TOOLS_DIFFERENCE_DIFFERENCE_H
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "difference/row_matching.h"
@@ -27,9 +31,22 @@ struct table_difference {
     bool is_same() const;
 };
 
-/// The tables are those of all kinds, in one order.
-std::vector<table_difference> compare(std::vector<inventory_table> old_tables, std::vector<inventory_table> new_tables);
+/// Two inventories beside each other.
+struct comparison {
+    std::vector<table_difference> kinds;
+    /// The node of each side, where all rows of either stand at one and these differ: it was left out then.
+    std::optional<std::pair<std::uint64_t, std::uint64_t>> ignored_nodes;
+    std::vector<std::string> ignored_columns;
+    bool differs_in_ignored = false;  ///< that is all that differs
 
-bool is_same(const std::vector<table_difference>& differences);
+    bool is_same() const;
+};
+
+/// The tables are those of all kinds, in one order. Columns of the names `ignored` are left out.
+comparison compare(const std::vector<inventory_table>& old_tables, const std::vector<inventory_table>& new_tables,
+                   const std::vector<std::string>& ignored = {});
+
+/// What a name in a list of ignored columns stands for: "serials" for serial numbers and asset tags, else itself.
+std::vector<std::string> ignored_columns(const std::string& name);
 
 #endif

@@ -5,16 +5,18 @@
 #define TOOLS_DIFFERENCE_DIFFERENCE_FORMATS_H
 
 #include <string>
-#include <vector>
 
 #include "console/text_table.h"
 #include "difference/difference.h"
 
 /// For people: a line for each part, beneath it the columns that changed, in units. It may change at any time.
-std::string difference_text(const std::vector<table_difference>& differences, const text_style& style);
+std::string difference_text(const comparison& compared, const text_style& style);
+
+/// For people: how many parts of each kind differ, and how.
+std::string difference_counts(const comparison& compared, const text_style& style);
 
 /// For programs: one object, {"schema": 2, "same": false, "processors": {"added": [...], ...}, ...}; rows in the order
 /// of their inventory, columns in that of their table.
-std::string difference_json(const std::vector<table_difference>& differences);
+std::string difference_json(const comparison& compared);
 
 #endif

@@ -103,9 +103,15 @@ json difference_of_kind_json(const table_difference& difference) {
 
 }  // namespace
 
-std::string difference_json(const std::vector<table_difference>& differences) {
-    json document = {{"schema", json_schema}, {"same", is_same(differences)}};
-    for (const table_difference& difference : differences) {
+std::string difference_json(const comparison& compared) {
+    json document = {{"schema", json_schema}, {"same", compared.is_same()}};
+    if (compared.ignored_nodes) {
+        document["ignored_nodes"] = {{"old", compared.ignored_nodes->first}, {"new", compared.ignored_nodes->second}};
+    }
+    if (!compared.ignored_columns.empty()) {
+        document["ignored_columns"] = compared.ignored_columns;
+    }
+    for (const table_difference& difference : compared.kinds) {
         document[difference.new_table.kind->name] = difference_of_kind_json(difference);
     }
     return json_text(document);

@@ -150,16 +150,60 @@ std::string counts(const table_difference& difference) {
     return text.empty() ? "no difference" : text;
 }
 
+// What was left out of the comparison of itself.
+std::string node_note(const comparison& compared) {
+    if (!compared.ignored_nodes) {
+        return "";
+    }
+    const auto& [old_node, new_node] = *compared.ignored_nodes;
+    return "All parts stand at node " + std::to_string(old_node) + " on one side and at node " +
+           std::to_string(new_node) + " on the other: nodes are not compared.\n";
+}
+
+std::string ignored_text(const std::vector<std::string>& columns) {
+    if (columns == ignored_columns("serials")) {
+        return "serial numbers";
+    }
+    std::string text;
+    for (const std::string& column : columns) {
+        text += (text.empty() ? "" : ", ") + column;
+    }
+    return text;
+}
+
+std::string sameness(const comparison& compared) {
+    return compared.differs_in_ignored ? "Same but for " + ignored_text(compared.ignored_columns) + ".\n"
+                                       : "No difference.\n";
+}
+
 }  // namespace
 
-std::string difference_text(const std::vector<table_difference>& differences, const text_style& style) {
+std::string difference_text(const comparison& compared, const text_style& style) {
     std::string text;
-    for (const table_difference& difference : differences) {
+    for (const table_difference& difference : compared.kinds) {
         const std::string lines = writer(difference, style).text();
         if (!lines.empty()) {
             const std::string heading = std::string(difference.new_table.kind->title) + ": " + counts(difference);
             text += (text.empty() ? "" : "\n") + heading_text(heading, style) + '\n' + lines;
         }
     }
-    return text.empty() ? "No difference.\n" : text;
+    const std::string note = node_note(compared);
+    if (text.empty()) {
+        return note + sameness(compared);
+    }
+    return (note.empty() ? "" : note + '\n') + text;
+}
+
+std::string difference_counts(const comparison& compared, const text_style& style) {
+    const std::string note = node_note(compared);
+    if (compared.is_same()) {
+        return note + sameness(compared);
+    }
+    text_column kinds = {"Kind", alignment::left, false, {}};
+    text_column differences = {"Difference", alignment::left, true, {}};
+    for (const table_difference& difference : compared.kinds) {
+        kinds.cells.emplace_back(difference.new_table.kind->title);
+        differences.cells.push_back(counts(difference));
+    }
+    return note + table_text({kinds, differences}, style);
 }

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "rows/row_identity.h"
@@ -29,6 +30,7 @@ public:
     std::optional<row_key> operator()(const inventory_table& table, std::size_t row) const {
         const inventory_row values(table, row);
         row_key key = values.values(columns_);
+        std::for_each(key.begin(), key.end(), trim);
         if (with_serial_) {
             const auto serial = serial_of(values);
             if (!serial) {
@@ -40,6 +42,13 @@ public:
     }
 
 private:
+    // What one firmware pads with blanks, another does not.
+    static void trim(inventory_value& value) {
+        if (auto* text = std::get_if<std::string>(&value)) {
+            *text = without_blanks_around(*text);
+        }
+    }
+
     static std::optional<std::string> serial_of(const inventory_row& row) {
         const std::string* text = text_in(row["SerialNo"]);
         return text == nullptr ? std::nullopt : real_serial_number(*text);

@@ -63,12 +63,6 @@ char lower_case(char character) {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
-std::string without_blanks_around(const std::string& text) {
-    const auto first = std::find_if_not(text.begin(), text.end(), is_blank);
-    const auto last = std::find_if_not(text.rbegin(), std::make_reverse_iterator(first), is_blank);
-    return {first, last.base()};
-}
-
 // What is left of a text without ASCII punctuation, which firmware adds and drops freely.
 std::string letters_and_digits(const std::string& text) {
     std::string left;
@@ -86,6 +80,12 @@ bool is_one_character(const std::string& text) {
 }
 
 }  // namespace
+
+std::string without_blanks_around(const std::string& text) {
+    const auto first = std::find_if_not(text.begin(), text.end(), is_blank);
+    const auto last = std::find_if_not(text.rbegin(), std::make_reverse_iterator(first), is_blank);
+    return {first, last.base()};
+}
 
 std::optional<std::string> real_serial_number(const std::string& text) {
     const std::string core = letters_and_digits(text);

@@ -11,4 +11,7 @@
 /// of one, such as "Not Specified", "NO DIMM", blanks or zeros.
 std::optional<std::string> real_serial_number(const std::string& text);
 
+/// `text` without the blanks around it, which firmware pads texts with.
+std::string without_blanks_around(const std::string& text);
+
 #endif

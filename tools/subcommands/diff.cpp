@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "console/failure.h"
@@ -21,32 +20,57 @@
 
 namespace {
 
-std::string text_of(const std::vector<table_difference>& differences) {
-    return difference_text(differences, output_style());
+std::string differences_text_of(const comparison& compared) {
+    return difference_text(compared, output_style());
 }
 
 struct diff_options {
     std::string old_name;
     std::string new_name;
-    output_format<decltype(&difference_json)> format = text_or_json(text_of, difference_json);
+    output_format<decltype(&difference_json)> format = text_or_json(differences_text_of, difference_json);
+    std::vector<std::string> ignored;
+    bool counts = false;
     bool redact = false;
 };
+
+std::vector<std::string> ignored_columns_of(const diff_options& options) {
+    std::vector<std::string> columns;
+    for (const std::string& name : options.ignored) {
+        for (const std::string& column : ignored_columns(name)) {
+            require_known_column(column);
+            columns.push_back(column);
+        }
+    }
+    return columns;
+}
+
+std::string answer(const diff_options& options, const comparison& compared) {
+    const auto write = options.format.writer();
+    if (!options.counts) {
+        return write(compared);
+    }
+    if (write != differences_text_of) {
+        throw failure("--stat counts for people, and --format json holds everything; see 'zebdb-cds diff --help'");
+    }
+    return difference_counts(compared, output_style());
+}
 
 int diff(const diff_options& options) {
     if (options.old_name == "-" && options.new_name == "-") {
         throw failure("only one of the two inventories can be standard input");
     }
-    std::vector<inventory_table> old_tables = open_inventory(options.old_name).read_all();
-    std::vector<inventory_table> new_tables = open_inventory(options.new_name).read_all();
-    std::vector<table_difference> differences = compare(std::move(old_tables), std::move(new_tables));
+    const std::vector<std::string> ignored = ignored_columns_of(options);
+    const std::vector<inventory_table> old_tables = open_inventory(options.old_name).read_all();
+    const std::vector<inventory_table> new_tables = open_inventory(options.new_name).read_all();
+    comparison compared = compare(old_tables, new_tables, ignored);
     if (options.redact) {  // only now: serial numbers tell what moved
-        for (table_difference& difference : differences) {
+        for (table_difference& difference : compared.kinds) {
             redact(difference.old_table);
             redact(difference.new_table);
         }
     }
-    print(options.format.writer()(differences));
-    return is_same(differences) ? status_done : status_no;
+    print(answer(options, compared));
+    return compared.is_same() ? status_done : status_no;
 }
 
 }  // namespace
@@ -56,6 +80,10 @@ action define_diff(command_line& arguments) {
     arguments.argument("OLD", options->old_name, "An inventory: a CDS file or a database; - is standard input");
     arguments.argument("NEW", options->new_name, "The inventory to compare it with");
     options->format.add_option(arguments);
+    arguments.list_option(
+        "--ignore", "COLUMN,...", options->ignored,
+        "Leave these columns out of the comparison; serials stands for serial numbers and asset tags");
+    arguments.flag("--stat", options->counts, "Print only how many parts of each kind differ");
     add_redact_flag(arguments, options->redact);
     arguments.footer("Exit status: 0 the same, 1 different, 2 could not compare (the message says why).");
     return [options] { return diff(*options); };

@@ -9,6 +9,9 @@
 #include <string>
 #include <vector>
 
+#include "console/failure.h"
+#include "console/output.h"
+#include "rows/fields.h"
 #include "rows/kinds.h"
 #include "sources/inventory.h"
 #include "sources/source_record.h"
@@ -48,6 +51,15 @@ std::string choice_of_kinds() {
         choice += (i + 1 == names.size() ? " or " : ", ") + names[i];
     }
     return choice;
+}
+
+void require_known_column(const std::string& column, const std::string& kind) {
+    const bool is_known = std::any_of(std::begin(kinds::all), std::end(kinds::all), [&](const inventory_kind* each) {
+        return (kind.empty() || kind == each->name) && find_field(*each, column) != nullptr;
+    });
+    if (!is_known) {
+        throw failure("there is no column " + in_quotes(column) + "; 'zebdb-cds fields' lists them");
+    }
 }
 
 void add_kind_argument(command_line& arguments, std::string& kind) {

@@ -28,6 +28,9 @@ std::string age_line(const inventory& shown);
 std::vector<std::string> names_of_kinds();
 std::string choice_of_kinds();
 
+/// Throws failure unless rows of a kind have a column of that name; of `kind` alone unless that is empty.
+void require_known_column(const std::string& column, const std::string& kind = "");
+
 /// Declares the argument KIND; `kind` stays empty when it is not given.
 void add_kind_argument(command_line& arguments, std::string& kind);
 

@@ -17,7 +17,6 @@
 #include "console/text_table.h"
 #include "console/utf8.h"
 #include "listing/listing_formats.h"
-#include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
 #include "sources/inventory.h"
@@ -64,18 +63,6 @@ std::string text_of(const std::vector<inventory_table>& tables, const show_optio
         add_pci_labels(table, names);
     }
     return listing_text(labelled, options.view, output_style());
-}
-
-void require_known_columns(const show_options& options) {
-    for (const std::string& column : options.view.columns) {
-        const bool is_known =
-            std::any_of(std::begin(kinds::all), std::end(kinds::all), [&](const inventory_kind* kind) {
-                return (options.kind.empty() || options.kind == kind->name) && find_field(*kind, column) != nullptr;
-            });
-        if (!is_known) {
-            throw failure("there is no column " + in_quotes(column) + "; 'zebdb-cds fields' lists them");
-        }
-    }
 }
 
 // As in "processors,memory,bridges,devices".
@@ -146,7 +133,9 @@ void make_printable(inventory_table& table) {
 
 int show(const command_line& arguments, show_options options) {
     read_words(options.words, options);
-    require_known_columns(options);
+    for (const std::string& column : options.view.columns) {
+        require_known_column(column, options.kind);
+    }
     const auto write = options.format.writer();
     if (write == whole<listing_csv> && options.kind.empty()) {
         throw failure("CSV holds one table: name " + choice_of_kinds() + "; see 'zebdb-cds show --help'");

@@ -24,11 +24,11 @@ std::vector<std::string> keys_of(const json& object) {
 class DifferenceJson : public difference_test {
 protected:
     json same_json() const {
-        EXPECT_TRUE(is_same(difference()));
+        EXPECT_TRUE(difference().is_same());
         return json::parse(difference_json(difference()));
     }
     json different_json() const {
-        EXPECT_FALSE(is_same(difference()));
+        EXPECT_FALSE(difference().is_same());
         return json::parse(difference_json(difference()));
     }
 };

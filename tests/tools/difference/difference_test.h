@@ -23,15 +23,15 @@ protected:
         new_tables = loaded_inventory(cds_file(new_components)).read_all();
     }
 
-    std::vector<table_difference> difference() const { return compare(old_tables, new_tables); }
+    comparison difference() const { return compare(old_tables, new_tables); }
 
     void expect_same(const std::string& text) const {
-        EXPECT_TRUE(is_same(difference()));
+        EXPECT_TRUE(difference().is_same());
         EXPECT_EQ(difference_text(difference(), {}), text);
     }
 
     void expect_different(const std::string& text) const {
-        EXPECT_FALSE(is_same(difference()));
+        EXPECT_FALSE(difference().is_same());
         EXPECT_EQ(difference_text(difference(), {}), text);
     }
 

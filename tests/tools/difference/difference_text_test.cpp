@@ -151,11 +151,11 @@ TEST_F(DifferenceText, KeepsTheServersOfAnEnclosureApart) {
 }
 
 TEST_F(DifferenceText, RecognisesAddressesWhenTheServerWasGivenAnotherIndex) {
-    write_both(server(bridge("1"), "1"), server(bridge("1"), "2"));
+    write_both(server(bridge("1"), "1") + server(bridge("2"), "3"), server(bridge("1") + bridge("2"), "3"));
     expect_different(
         "Bridges: 1 changed\n"
-        "~ 0000:01:00.0, node 2\n"
-        "    NodeIndex  1 -> 2\n");
+        "~ 0000:01:00.0, node 3\n"
+        "    NodeIndex  1 -> 3\n");
 }
 
 TEST_F(DifferenceText, OfManyPartsFindsTheOnesThatDiffer) {

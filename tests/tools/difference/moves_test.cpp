@@ -22,7 +22,8 @@ TEST_F(Moves, AreRecognisedBySerialNumbers) {
 }
 
 TEST_F(Moves, MayBeToAnotherServer) {
-    write_both(server(module("A1", "S1"), "1"), server(module("A1", "S1"), "2"));
+    write_both(server(module("A1", "S1"), "1") + server(module("C1", "S2"), "2"),
+               server(module("A1", "S1") + module("C1", "S2"), "2"));
     expect_different(
         "Memory: 1 moved\n"
         "> A1, node 1 -> A1, node 2: serial number S1\n");

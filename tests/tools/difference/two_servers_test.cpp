@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: Apache-2.0
+
+// Comparing two servers, where not everything that differs is of interest.
+
+#include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+
+#include "tools/difference/difference_test.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+std::string machine(const std::string& node, const std::string& serial, const std::string& locator = "A1") {
+    return server(processor("CPU 1") + module(locator, serial) + bridge("1", {}, function("2")), node);
+}
+
+constexpr const char* note =
+    "All parts stand at node 1 on one side and at node 2 on the other: nodes are not compared.\n";
+
+}  // namespace
+
+class TwoServers : public difference_test {
+protected:
+    comparison without_serials() const { return compare(old_tables, new_tables, ignored_columns("serials")); }
+};
+
+TEST_F(TwoServers, AtOtherNodesAreComparedWithoutThem) {
+    write_both(machine("1", "S1"), machine("2", "S1"));
+    expect_same(note + std::string("No difference.\n"));
+}
+
+TEST_F(TwoServers, AtOtherNodesDifferInWhatElseIsOther) {
+    write_both(machine("1", "S1"), machine("2", "S2"));
+    expect_different(note + std::string("\nMemory: 1 changed\n"
+                                        "~ A1: serial number S2\n"
+                                        "    SerialNo  \"S1\" -> \"S2\"\n"));
+}
+
+TEST_F(TwoServers, OfSeveralNodesAreComparedWithThem) {
+    write_both(machine("1", "S1") + machine("3", "S3"), machine("2", "S1") + machine("3", "S3"));
+    EXPECT_FALSE(difference().ignored_nodes.has_value());
+    EXPECT_FALSE(difference().is_same());
+}
+
+TEST_F(TwoServers, AreTheSameButForSerialNumbersWhereTheseAreIgnored) {
+    write_both(machine("1", "S1"), machine("1", "S2"));
+    EXPECT_TRUE(without_serials().is_same());
+    EXPECT_EQ(difference_text(without_serials(), {}), "Same but for serial numbers.\n");
+}
+
+TEST_F(TwoServers, AreJustTheSameWhereNothingWasIgnored) {
+    write_both(machine("1", "S1"), machine("1", "S1"));
+    EXPECT_EQ(difference_text(without_serials(), {}), "No difference.\n");
+}
+
+TEST_F(TwoServers, DifferAllTheSameInWhatIsNotIgnored) {
+    write_both(machine("1", "S1"), machine("1", "S2", "B1"));
+    EXPECT_FALSE(without_serials().is_same());
+}
+
+TEST_F(TwoServers, AreTheSameButForTheColumnsThatAreNamed) {
+    write_both(server(processor("CPU 1", {integer("Core Count", "8")})),
+               server(processor("CPU 1", {integer("Core Count", "9")})));
+    EXPECT_EQ(difference_text(compare(old_tables, new_tables, {"CoreCount"}), {}), "Same but for CoreCount.\n");
+}
+
+TEST_F(TwoServers, ArePaddedWithBlanksByTheirFirmware) {
+    const std::vector<setting> padded = {text("Part Number", "M393A4K40CB2-CVF  ")};
+    const std::vector<setting> trimmed = {text("Part Number", "M393A4K40CB2-CVF")};
+    write_both(module("A1 ", "S1  ", padded), module("A1", "S1", trimmed));
+    expect_same("No difference.\n");
+}
+
+TEST_F(TwoServers, AreCountedByKind) {
+    write_both(machine("1", "S1") + server(module("B1", "S3")), machine("1", "S2"));
+    EXPECT_EQ(difference_counts(difference(), {}),
+              "Kind        Difference\n"
+              "Processors  no difference\n"
+              "Memory      1 removed, 1 changed\n"
+              "Bridges     no difference\n"
+              "Devices     no difference\n");
+}
+
+TEST_F(TwoServers, ThatAreTheSameAreNotCounted) {
+    write_both(machine("1", "S1"), machine("1", "S1"));
+    EXPECT_EQ(difference_counts(difference(), {}), "No difference.\n");
+}
+
+TEST_F(TwoServers, HaveWhatWasLeftOutInJson) {
+    write_both(machine("1", "S1"), machine("2", "S2"));
+    const auto shown = nlohmann::json::parse(difference_json(without_serials()));
+    EXPECT_EQ(shown["same"], true);
+    EXPECT_EQ(shown["ignored_nodes"], nlohmann::json({{"old", 1}, {"new", 2}}));
+    EXPECT_THAT(shown["ignored_columns"], ElementsAre("SerialNo", "AssetTag"));
+}
