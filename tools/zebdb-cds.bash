@@ -14,7 +14,7 @@ _zebdb_cds_candidates() {
     case $previous in
     --database) echo files && return ;;
     --root) echo folders && return ;;
-    --aim | --indent) return ;;
+    --aim | --columns | --ignore | --indent | --part) return ;;
     --format)
         case $subcommand in
         show) echo table text json jsonl csv ;;
@@ -33,6 +33,8 @@ _zebdb_cds_candidates() {
     case $subcommand in
     '') _zebdb_cds_help | sed -n '/^Subcommands:/I,/^$/s/^  *\([a-z-][a-z-]*\)  *.*/\1/p' ;;
     show | fields) echo processors memory bridges devices ;;
+    help) _zebdb_cds_help | sed -n '/^Subcommands:/I,/^$/s/^  *\([a-z-][a-z-]*\)  .*/\1/p' ;;
+    completion) echo zsh fish ;;
     bmc-address) ;;
     *) echo files ;;
     esac

@@ -22,25 +22,30 @@ std::string check_not_empty(const std::string& path) {
 }  // namespace
 
 void command_line::argument(const char* name, std::string& value, const std::string& description) {
+    note(name, "", description);
     app_->add_option(name, value, description)->required()->type_name("");
 }
 
+void command_line::required_argument(const char* name, std::string& value, const std::string& description,
+                                     const std::vector<std::string>& choices) {
+    note(name, "", description, choices);
+    app_->add_option(name, value, description)->required()->type_name("")->check(one_of(choices));
+}
+
 void command_line::optional_argument(const char* name, std::string& value, const std::string& description) {
+    note(name, "", description);
     app_->add_option(name, value, description)->type_name("");
 }
 
 void command_line::optional_argument(const char* name, std::string& value, const std::string& description,
                                      const std::vector<std::string>& choices) {
+    note(name, "", description, choices);
     app_->add_option(name, value, description)->type_name("")->check(one_of(choices));
-}
-
-void command_line::optional_arguments(const char* names, std::vector<std::string>& values,
-                                      const std::string& description) {
-    app_->add_option(names, values, description)->type_name("")->expected(0, 2);
 }
 
 void command_line::path_option(const char* name, const char* type, std::string& value, const std::string& description,
                                const char* variable) {
+    note(name, type, description);
     app_->add_option(name, value, description)
         ->envname(variable)
         ->type_name(type)
@@ -49,16 +54,19 @@ void command_line::path_option(const char* name, const char* type, std::string& 
 }
 
 void command_line::text_option(const char* name, const char* type, std::string& value, const std::string& description) {
+    note(name, type, description);
     app_->add_option(name, value, description)->type_name(type);
 }
 
 void command_line::list_option(const char* name, const char* type, std::vector<std::string>& values,
                                const std::string& description) {
+    note(name, type, description);
     app_->add_option(name, values, description)->type_name(type)->delimiter(',')->expected(1);
 }
 
 void command_line::number_option(const char* name, const char* type, unsigned& value, const std::string& description,
                                  unsigned largest) {
+    note(name, type, description);
     CLI::Option* number = app_->add_option(name, value, description)->type_name(type)->capture_default_str();
     if (largest != std::numeric_limits<unsigned>::max()) {
         number->check(CLI::Range(0U, largest).description(""));
@@ -67,6 +75,7 @@ void command_line::number_option(const char* name, const char* type, unsigned& v
 
 void command_line::format_option(std::string& value, const std::string& description,
                                  const std::vector<std::string>& choices) {
+    note("--format", "FORMAT", description, choices);
     app_->add_option("--format", value, description)
         ->type_name("FORMAT")
         ->capture_default_str()
@@ -74,11 +83,17 @@ void command_line::format_option(std::string& value, const std::string& descript
 }
 
 void command_line::flag(const char* names, bool& value, const std::string& description) {
+    note(names, "", description);
     app_->add_flag(names, value, description);
 }
 
 void command_line::exclude(const char* name, const char* other) {
     app_->get_option(name)->excludes(app_->get_option(other));
+}
+
+void command_line::note(const std::string& names, const std::string& type, const std::string& description,
+                        const std::vector<std::string>& choices) {
+    declared_->push_back({names, type, description, choices});
 }
 
 void command_line::remark(const std::string& text) {

@@ -12,19 +12,28 @@ namespace CLI {
 class App;
 }
 
+/// One that is declared, for who writes about all of them.
+struct declared_option {
+    std::string names;  ///< as in "-q,--quiet"; without dashes for an argument
+    std::string type;   ///< as in "PATH"; empty for a flag
+    std::string description;
+    std::vector<std::string> choices;  ///< the values that it takes; empty for any
+};
+
 /// Declares them, each with the variable that gets its value when the command line is read. What a variable holds
 /// before is the default. Refers to `app`.
 class command_line {
 public:
-    explicit command_line(CLI::App& app) : app_(&app) {}
+    /// Notes what is declared in `declared`, too, and refers to it.
+    command_line(CLI::App& app, std::vector<declared_option>& declared) : app_(&app), declared_(&declared) {}
 
     /// Arguments go by their place; the name is for messages.
     void argument(const char* name, std::string& value, const std::string& description);
+    void required_argument(const char* name, std::string& value, const std::string& description,
+                           const std::vector<std::string>& choices);
     void optional_argument(const char* name, std::string& value, const std::string& description);
     void optional_argument(const char* name, std::string& value, const std::string& description,
                            const std::vector<std::string>& choices);
-    /// Several, in any order; the names stand in the usage.
-    void optional_arguments(const char* names, std::vector<std::string>& values, const std::string& description);
 
     /// A path, which must not be empty. Where `variable` names an environment variable, its value takes the place of an
     /// option that is not given.
@@ -53,7 +62,11 @@ public:
     bool has(const char* name) const;
 
 private:
+    void note(const std::string& names, const std::string& type, const std::string& description,
+              const std::vector<std::string>& choices = {});
+
     CLI::App* app_;
+    std::vector<declared_option>* declared_;
 };
 
 #endif

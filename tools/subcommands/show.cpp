@@ -9,6 +9,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -32,31 +33,35 @@ namespace {
 struct show_options;
 using listing_writer = std::string (*)(const std::vector<inventory_table>& tables, const show_options& options);
 
-std::string text_of(const std::vector<inventory_table>& tables, const show_options& options);
+std::string table_of(const std::vector<inventory_table>& tables, const show_options& options);
 
-template <std::string (*Write)(const std::vector<inventory_table>&)>
-std::string whole(const std::vector<inventory_table>& tables, const show_options&) {
-    return Write(tables);
+std::string json_of(const std::vector<inventory_table>& tables, const show_options&) {
+    return listing_json(tables);
+}
+
+std::string jsonl_of(const std::vector<inventory_table>& tables, const show_options&) {
+    return listing_jsonl(tables);
+}
+
+std::string csv_of(const std::vector<inventory_table>& tables, const show_options&) {
+    return listing_csv(tables);
 }
 
 struct show_options {
-    std::vector<std::string> words;
-    std::string kind;  // empty for all
-    std::string file;  // empty for the database
+    std::string first;   // a kind or a file, as they come
+    std::string second;  // the other
+    std::string kind;    // empty for all
+    std::string file;    // empty for the database
     std::string database;
     output_format<listing_writer> format = {
         "table, for people; json, jsonl or csv, for programs",
-        {{"table", text_of},
-         {"text", text_of},
-         {"json", whole<listing_json>},
-         {"jsonl", whole<listing_jsonl>},
-         {"csv", whole<listing_csv>}},
+        {{"table", table_of}, {"text", table_of}, {"json", json_of}, {"jsonl", jsonl_of}, {"csv", csv_of}},
     };
     listing_view view;
     bool redact = false;
 };
 
-std::string text_of(const std::vector<inventory_table>& tables, const show_options& options) {
+std::string table_of(const std::vector<inventory_table>& tables, const show_options& options) {
     std::vector<inventory_table> labelled = tables;
     pci_names names;
     for (inventory_table& table : labelled) {
@@ -79,9 +84,20 @@ bool is_kind(const std::string& word) {
     return std::find(names.begin(), names.end(), word) != names.end();
 }
 
+failure neither_kind_nor_file(const std::string& word) {
+    return failure(in_quotes(word) + " is neither a kind {" + list_of_kinds() +
+                   "} nor a file; see 'zebdb-cds show --help'");
+}
+
 // A word is a kind where there is one of its name; a file of that name goes with a folder in front.
-void read_words(const std::vector<std::string>& words, show_options& options) {
-    for (const std::string& word : words) {
+void read_words(const command_line& arguments, show_options& options) {
+    for (const auto& [name, word] : {std::make_pair("KIND", options.first), std::make_pair("FILE", options.second)}) {
+        if (!arguments.has(name)) {
+            continue;
+        }
+        if (word.empty()) {
+            throw neither_kind_nor_file(word);
+        }
         std::string& named = is_kind(word) ? options.kind : options.file;
         if (!named.empty()) {
             throw failure("there is one KIND and one FILE at most, and " + in_quotes(word) +
@@ -103,8 +119,7 @@ inventory open(const command_line& arguments, const show_options& options) {
         throw failure("FILE and --database exclude each other; see 'zebdb-cds show --help'");
     }
     if (!is_there(options.file) && options.file.find_first_of("./") == std::string::npos) {
-        throw failure(in_quotes(options.file) + " is neither a kind {" + list_of_kinds() +
-                      "} nor a file; see 'zebdb-cds show --help'");
+        throw neither_kind_nor_file(options.file);
     }
     return open_inventory(options.file);
 }
@@ -132,12 +147,12 @@ void make_printable(inventory_table& table) {
 }
 
 int show(const command_line& arguments, show_options options) {
-    read_words(options.words, options);
+    read_words(arguments, options);
     for (const std::string& column : options.view.columns) {
         require_known_column(column, options.kind);
     }
     const auto write = options.format.writer();
-    if (write == whole<listing_csv> && options.kind.empty()) {
+    if (write == csv_of && options.kind.empty()) {
         throw failure("CSV holds one table: name " + choice_of_kinds() + "; see 'zebdb-cds show --help'");
     }
     const inventory shown = open(arguments, options);
@@ -145,10 +160,10 @@ int show(const command_line& arguments, show_options options) {
     if (options.redact) {
         std::for_each(tables.begin(), tables.end(), redact);
     }
-    if (write == whole<listing_csv> && ::isatty(STDOUT_FILENO) == 1) {
+    if (write == csv_of && ::isatty(STDOUT_FILENO) == 1) {
         std::for_each(tables.begin(), tables.end(), make_printable);
     }
-    const std::string age = write == text_of ? age_line(shown) : "";
+    const std::string age = write == table_of ? age_line(shown) : "";
     print(write(tables, options) + (age.empty() ? "" : '\n' + age));
     return status_done;
 }
@@ -157,10 +172,10 @@ int show(const command_line& arguments, show_options options) {
 
 action define_show(command_line& arguments) {
     const auto options = std::make_shared<show_options>();
-    arguments.optional_arguments("KIND FILE", options->words,
-                                 "What to show, " + choice_of_kinds() +
-                                     ", or all of them, and of which inventory: a CDS file or a database; - is "
-                                     "standard input. Without it, that of --database");
+    arguments.optional_argument("KIND", options->first, choice_of_kinds() + "; all of them if none is named");
+    arguments.optional_argument("FILE", options->second,
+                                "An inventory: a CDS file or a database; - is standard input. Without it, that of "
+                                "--database");
     options->format.add_option(arguments);
     arguments.list_option("--columns", "NAME,...", options->view.columns,
                           "Show these columns as a table, also where they hold nothing; 'zebdb-cds fields' lists them");

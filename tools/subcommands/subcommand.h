@@ -18,10 +18,13 @@ struct subcommand {
     const char* purpose;
     /// Declares the subcommand's arguments.
     action (*define)(command_line& arguments);
+    /// What one may type.
+    const char* examples[2];
 };
 
 action define_bmc_address(command_line& arguments);
 action define_check(command_line& arguments);
+action define_completion(command_line& arguments);
 action define_diff(command_line& arguments);
 action define_dump(command_line& arguments);
 action define_explain(command_line& arguments);

@@ -9,9 +9,11 @@
 #include <vector>
 
 #include "console/failure.h"
+#include "console/output.h"
 #include "console/output_stream.h"
 #include "console/text_table.h"
 #include "rows/kinds.h"
+#include "rows/pci_address_text.h"
 #include "rows/table.h"
 #include "sources/inventory.h"
 #include "sources/open_inventory.h"
@@ -31,6 +33,7 @@ void write_text(const std::vector<pci_part>& parts, std::ostream& out) {
 struct tree_options {
     std::string file;
     std::string database;
+    std::string part;  // empty for the whole tree
     output_format<decltype(&write_topology_json)> format = text_or_json(write_text, write_topology_json);
 };
 
@@ -49,11 +52,23 @@ int tree(const command_line& arguments, const tree_options& options) {
     const inventory_table bridges = shown.read(kinds::bridges);
     const inventory_table functions = shown.read(kinds::devices);
     pci_names names;
+    std::vector<pci_part> parts = pci_topology(bridges, functions, names);
+    if (!options.part.empty()) {
+        const auto address = full_pci_address(options.part);
+        if (!address) {
+            throw failure("--part " + in_quotes(options.part) + " is no PCI address, as 0000:3b:00.0 or 3b:00.0 is");
+        }
+        parts = part_of_topology(parts, *address);
+        if (parts.empty()) {
+            complain("there is nothing at " + *address + " in the inventory");
+            return status_no;
+        }
+    }
     output_buffer buffer;
     std::ostream out(&buffer);
     out.exceptions(std::ios::badbit);
     const auto write = options.format.writer();
-    write(pci_topology(bridges, functions, names), out);
+    write(parts, out);
     if (write == write_text) {
         out << age_line(shown);
     }
@@ -68,6 +83,8 @@ action define_tree(command_line& arguments) {
     arguments.optional_argument(
         "FILE", options->file,
         "An inventory: a CDS file or a database; - is standard input. Without it, that of --database");
+    arguments.text_option("--part", "ADDRESS", options->part,
+                          "Print what is at a PCI address, with the path to it and what is behind it");
     options->format.add_option(arguments);
     add_database_option(arguments, options->database);
     return [options, arguments] { return tree(arguments, *options); };

@@ -8,11 +8,13 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <string>
 #include <tuple>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "rows/row_text.h"
 #include "rows/table.h"
 #include "topology/pci_names.h"
 
@@ -181,4 +183,31 @@ std::vector<pci_part> pci_topology(const inventory_table& bridges, const invento
     std::vector<pci_part> parts = in_tree_order(rows);
     std::for_each(parts.begin(), parts.end(), [&names](pci_part& part) { look_up_names(part, names); });
     return parts;
+}
+
+std::vector<pci_part> part_of_topology(const std::vector<pci_part>& parts, const std::string& address) {
+    std::vector<bool> is_kept(parts.size());
+    std::vector<bool> is_below(parts.size());  // it, or what it is behind, is at the address
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const pci_part& part = parts[i];
+        const std::string here =
+            part.is_bridge ? row_texts::bridge_address(part.row) : row_texts::device_address(part.row);
+        is_below[i] = here == address || (part.parent && is_below[*part.parent]);
+        is_kept[i] = is_below[i];
+        for (std::optional<std::size_t> above = part.parent; here == address && above; above = parts[*above].parent) {
+            is_kept[*above] = true;
+        }
+    }
+    std::vector<pci_part> kept;
+    std::vector<std::size_t> places(parts.size());
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (is_kept[i]) {
+            places[i] = kept.size();
+            kept.push_back(parts[i]);
+            if (const auto parent = parts[i].parent) {
+                kept.back().parent = places[*parent];
+            }
+        }
+    }
+    return kept;
 }

@@ -35,4 +35,8 @@ struct pci_part {
 /// up in `names`.
 std::vector<pci_part> pci_topology(const inventory_table& bridges, const inventory_table& functions, pci_names& names);
 
+/// Of those parts the ones at that address, as in "0000:3b:00.0", with the bridges that they are behind and with what
+/// is behind them.
+std::vector<pci_part> part_of_topology(const std::vector<pci_part>& parts, const std::string& address);
+
 #endif

@@ -220,6 +220,25 @@ TEST_F(Readme, NamesEveryKind) {
     }
 }
 
+using OtherCompletion = documentation_test;
+
+TEST_F(OtherCompletion, OfZshAndFishIsWhatTheCommandPrints) {
+    for (const std::string shell : {"zsh", "fish"}) {
+        EXPECT_EQ(output("zebdb-cds completion " + shell),
+                  output("cat " + quoted(SOURCE_DIR "/tools/zebdb-cds." + shell)));
+    }
+}
+
+TEST_F(OtherCompletion, OfFishHasEveryOption) {
+    const std::string script = output("zebdb-cds completion fish");
+    for (const auto& [subcommand, options] : usage_of_command()) {
+        for (const std::string& option : subcommand == "help" ? name_set() : options) {
+            EXPECT_THAT(script, ContainsRegex((subcommand.empty() ? "use_subcommand" : "from " + subcommand) +
+                                              ".* -l " + option));
+        }
+    }
+}
+
 class Completion : public documentation_test {
 protected:
     // What is offered for the last of the words, which may be begun or empty, one a line.

@@ -80,7 +80,7 @@ TEST_F(ExplainFailure, IsNoneWhenTheReaderHasSeenEnough) {
 
 TEST_F(ExplainFailure, IsAUsageErrorWithoutAFileOrWithMoreThanOne) {
     expect_refused("", "FILE is required; see 'zebdb-cds explain --help'");
-    expect_refused("a.xml b.xml", "The following argument was not expected: b.xml; see 'zebdb-cds explain --help'");
+    expect_refused("a.xml b.xml", "the word 'b.xml' is one too many; see 'zebdb-cds explain --help'");
 }
 
 TEST_F(ExplainFailure, IsAUsageErrorWithAnotherFormatOrOption) {
@@ -89,8 +89,7 @@ TEST_F(ExplainFailure, IsAUsageErrorWithAnotherFormatOrOption) {
     EXPECT_THAT(result.out, IsEmpty());
     EXPECT_THAT(result.err, StartsWith("zebdb-cds: --format: "));
     EXPECT_THAT(result.err, EndsWith("; see 'zebdb-cds explain --help'\n"));
-    expect_refused("server.xml --database x.db",
-                   "The following arguments were not expected: x.db --database; see 'zebdb-cds explain --help'");
+    expect_refused("server.xml --database x.db", "there is no option '--database'; see 'zebdb-cds explain --help'");
 }
 
 // Inserts that the database of the process refuses.

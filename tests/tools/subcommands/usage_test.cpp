@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <sstream>
+#include <string>
+
 #include <zebdb_cds_parser/version.h>
 
 #include "tools/subcommands/command_test.h"
@@ -34,6 +37,31 @@ TEST_F(Usage, VersionIsOneLine) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "zebdb-cds " ZEBDB_CDS_PARSER_VERSION_STRING "\n");
     EXPECT_THAT(result.err, IsEmpty());
+}
+
+TEST_F(Usage, VersionHasAShortOption) {
+    EXPECT_EQ(run("zebdb-cds -V").out, run("zebdb-cds --version").out);
+}
+
+TEST_F(Usage, HelpIsASubcommandToo) {
+    EXPECT_EQ(run("zebdb-cds help").out, run("zebdb-cds --help").out);
+    EXPECT_EQ(run("zebdb-cds help load").out, run("zebdb-cds load --help").out);
+}
+
+TEST_F(Usage, HelpOfEverySubcommandFitsIntoEightyColumnsAndHasTwoExamples) {
+    const std::string names = run("zebdb-cds --help | sed -n '/^Subcommands:/I,/^$/s/^  \\([a-z-]*\\)  .*/\\1/p'").out;
+    EXPECT_THAT(names, HasSubstr("load\n"));
+    std::istringstream all("--help\n" + names);
+    for (std::string name; std::getline(all, name);) {
+        const std::string help = run("zebdb-cds " + (name == "--help" ? name : "help " + name)).out;
+        std::istringstream lines(help);
+        for (std::string line; std::getline(lines, line);) {
+            EXPECT_LE(line.size(), 80u) << line;
+        }
+        if (name != "--help") {
+            EXPECT_THAT(help, ContainsRegex("\nExamples:\n  zebdb-cds " + name + ".*\n  zebdb-cds " + name)) << name;
+        }
+    }
 }
 
 TEST_F(Usage, WithoutArgumentsPrintsTheHelpWhereErrorsGo) {
@@ -69,13 +97,23 @@ TEST_P(WrongUsage, SaysWhatIsWrongAndWhereHelpIs) {
 INSTANTIATE_TEST_SUITE_P(
     Of, WrongUsage,
     testing::Values(
-        wrong_usage{"AnUnknownSubcommand", "sho", "there is no subcommand 'sho'; see 'zebdb-cds --help'"},
+        wrong_usage{"AnUnknownSubcommand", "sho",
+                    "there is no subcommand 'sho'; did you mean 'show'?; see 'zebdb-cds --help'"},
+        wrong_usage{"AnUnknownHelp", "help sho",
+                    "there is no subcommand 'sho'; did you mean 'show'?; see 'zebdb-cds --help'"},
+        wrong_usage{"AnAbbreviatedOption", "show --form json",
+                    "there is no option '--form'; write '--format' in full; see 'zebdb-cds show --help'"},
+        wrong_usage{"AnAbbreviatedOptionWithItsValue", "show --form=json",
+                    "there is no option '--form'; write '--format' in full; see 'zebdb-cds show --help'"},
+        wrong_usage{"AMisspeltOption", "show --fromat json",
+                    "there is no option '--fromat'; did you mean '--format'?; see 'zebdb-cds show --help'"},
+        wrong_usage{"AnUnknownColumn", "show --columns Colour",
+                    "there is no column 'Colour'; 'zebdb-cds fields' lists them"},
         wrong_usage{"AnEmptySubcommand", "''", "there is no subcommand ''; see 'zebdb-cds --help'"},
-        wrong_usage{"AnUnknownOption", "--frobnicate",
-                    "The following argument was not expected: --frobnicate; see 'zebdb-cds --help'"},
+        wrong_usage{"AnUnknownOption", "--frobnicate", "there is no option '--frobnicate'; see 'zebdb-cds --help'"},
         wrong_usage{"LoadWithoutAFile", "load", "FILE is required; see 'zebdb-cds load --help'"},
         wrong_usage{"LoadOfTwoFiles", "load a.xml b.xml",
-                    "The following argument was not expected: b.xml; see 'zebdb-cds load --help'"},
+                    "the word 'b.xml' is one too many; see 'zebdb-cds load --help'"},
         wrong_usage{"AnEmptyDatabasePath", "load a.xml --database ''",
                     "--database: the path is empty; see 'zebdb-cds load --help'"},
         wrong_usage{

@@ -104,3 +104,33 @@ TEST(PciTopology, NamesTheParentByItsPlace) {
     EXPECT_EQ(parts[2].parent, 1u);
     EXPECT_EQ(parts[3].parent, 2u);
 }
+
+TEST(PartOfTheTopology, IsThePathToAnAddressAndWhatIsBehindIt) {
+    const inventory_table all_bridges = {&kinds::bridges,
+                                         {"Id", "ParentId", "SegNo", "BusNo", "DevNo", "FunNo"},
+                                         {{number(1), absent, number(0), number(0), number(1), number(0)},
+                                          {number(2), number(1), number(0), number(1), number(0), number(0)},
+                                          {number(3), absent, number(0), number(0), number(2), number(0)}}};
+    const inventory_table all_functions = {&kinds::devices,
+                                           {"Id", "BridgeId", "SegNo", "BusNo", "DeviceNo", "FunctionNo"},
+                                           {{number(1), number(2), number(0), number(2), number(0), number(0)},
+                                            {number(2), number(1), number(0), number(1), number(5), number(0)},
+                                            {number(3), number(3), number(0), number(3), number(0), number(0)}}};
+    pci_names names;
+    const std::vector<pci_part> parts =
+        part_of_topology(pci_topology(all_bridges, all_functions, names), "0000:01:00.0");
+    ASSERT_EQ(parts.size(), 3u);
+    EXPECT_EQ(parts[0].row["Id"], number(1));
+    EXPECT_EQ(parts[1].row["Id"], number(2));
+    EXPECT_EQ(parts[1].parent, 0u);
+    EXPECT_FALSE(parts[2].is_bridge);
+    EXPECT_EQ(parts[2].parent, 1u);
+}
+
+TEST(PartOfTheTopology, IsEmptyWhereNothingIsAtTheAddress) {
+    pci_names names;
+    EXPECT_TRUE(
+        part_of_topology(pci_topology(bridges({{number(1), absent, number(0), number(0)}}), functions({}), names),
+                         "0000:7f:00.0")
+            .empty());
+}
