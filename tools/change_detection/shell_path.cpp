@@ -32,6 +32,16 @@ std::string named(char character) {
     return byte < 0x20 || byte == 0x7F ? "a control character" : std::string("the character ") + character;
 }
 
+// How the same file may be named by a path that is short enough.
+std::string shorter_path(const std::string& path, std::size_t longest) {
+    const std::size_t slash = path.rfind('/');
+    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
+    if (slash == std::string::npos || slash == 0 || name.empty() || name.size() > longest) {
+        return "name the file by a shorter path";
+    }
+    return "go to its folder with 'cd " + path.substr(0, slash) + "' and name it '" + name + "'";
+}
+
 }  // namespace
 
 void require_shell_path(const std::string& path, std::size_t longest) {
@@ -45,8 +55,8 @@ void require_shell_path(const std::string& path, std::size_t longest) {
     }
     if (path.size() > longest) {
         throw failure("refused path '" + path + "': it is " + std::to_string(path.size()) + " bytes long, and beyond " +
-                      std::to_string(longest) +
-                      " the library cuts the command that it stands in; name the file by a shorter path");
+                      std::to_string(longest) + " the library cuts the command that it stands in; " +
+                      shorter_path(path, longest));
     }
     if (::access(path.c_str(), R_OK) != 0) {
         throw failure("cannot read '" + path + "': " + std::strerror(errno));

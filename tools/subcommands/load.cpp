@@ -160,6 +160,7 @@ int load(const load_options& options) {
         throw not_loaded(options, "out of memory", was_there);
     }
     const auto duration = std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
+    complain_of_foreign_marker();
     try {
         print(summary(options, duration, watch));
     } catch (const failure& problem) {

@@ -6,6 +6,7 @@
 
 #include <zebdb_cds_parser.h>
 
+#include "change_detection/controller_places.h"
 #include "console/output.h"
 #include "explanation/left_out.h"
 #include "sources/library_log.h"
@@ -26,6 +27,12 @@ log_display display_for(const loading_options& options) {
         return log_display::errors;
     }
     return options.verbose || !log_goes_to_a_terminal() ? log_display::shown : log_display::problems;
+}
+
+void complain_of_foreign_marker() {
+    if (const std::string problem = foreign_marker(); !problem.empty()) {
+        complain(problem);
+    }
 }
 
 bool left_out_watch::accepts(const cds_parser::document& loaded) {

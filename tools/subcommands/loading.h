@@ -25,6 +25,9 @@ void add_loading_options(command_line& arguments, loading_options& options);
 /// Which lines of the log are shown. On a terminal they are for somebody who looks on, else for a record.
 log_display display_for(const loading_options& options);
 
+/// Says on standard error where the marker of a load is somebody else's.
+void complain_of_foreign_marker();
+
 /// Watches a load for what it leaves out.
 class left_out_watch {
 public:

@@ -11,6 +11,7 @@
 #include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
+#include "change_detection/controller_places.h"
 #include "change_detection/private_view.h"
 #include "change_detection/service.h"
 #include "console/failure.h"
@@ -92,6 +93,14 @@ inventory_marks refresh_database(const refresh_options& options, left_out_watch&
     return before;
 }
 
+// A view that --root made has all of them.
+void complain_of_missing_places(const refresh_options& options) {
+    if (const std::string missing = missing_places(); !missing.empty()) {
+        complain("this is no controller: " + missing + "; try 'zebdb-cds refresh " +
+                 as_shell_word(options.loading.file) + " --root DIR'");
+    }
+}
+
 int refresh(const refresh_options& options) {
     enter_private_view(options.root, {options.loading.file, options.database});
     left_out_watch watch(options.loading);
@@ -102,6 +111,8 @@ int refresh(const refresh_options& options) {
         throw failure("cannot refresh " + in_quotes(options.database) + " from " + input_title(options.loading.file) +
                       ": " + problem.what());
     }
+    complain_of_foreign_marker();
+    complain_of_missing_places(options);
     try {
         print(report(options, before, read_marks(open_service(options.database)), watch));
     } catch (const failure& problem) {

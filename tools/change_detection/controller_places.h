@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+
+/// The places of a controller that a load and a refresh write to, on a machine that may be none.
+#ifndef TOOLS_CHANGE_DETECTION_CONTROLLER_PLACES_H
+#define TOOLS_CHANGE_DETECTION_CONTROLLER_PLACES_H
+
+#include <string>
+
+/// What a refresh could not do here for want of a place, in one line; empty where nothing is wanting.
+std::string missing_places();
+
+/// Whose the marker is that memory rows were deleted, where it cannot be renewed because it is somebody else's; else
+/// empty. In one line.
+std::string foreign_marker();
+
+#endif
