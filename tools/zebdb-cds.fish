@@ -62,3 +62,5 @@ complete -c zebdb-cds -n '__fish_seen_subcommand_from bmc-address' -l root -x -a
 complete -c zebdb-cds -n __fish_use_subcommand -f -a completion -d 'Print what completes the command in another shell than bash'
 complete -c zebdb-cds -n '__fish_seen_subcommand_from completion' -l help -s h -d 'Print this help message and exit'
 complete -c zebdb-cds -n '__fish_seen_subcommand_from completion' -a 'zsh fish'
+complete -c zebdb-cds -n __fish_use_subcommand -f -a help -d 'Print the help of a subcommand'
+complete -c zebdb-cds -n '__fish_seen_subcommand_from help' -f -a 'load show tree explain fields dump diff refresh check save-digest bmc-address completion'

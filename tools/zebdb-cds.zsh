@@ -15,6 +15,7 @@ _zebdb_cds() {
         'save-digest:Save the digests that check compares with'
         'bmc-address:Record and print the PCI address of the controller'\''s own bridge'
         'completion:Print what completes the command in another shell than bash'
+        'help:Print the help of a subcommand'
   )
   if (( CURRENT == 2 )); then
     _describe subcommand subcommands
@@ -135,6 +136,9 @@ _zebdb_cds() {
         '--help[Print this help message and exit]' \
         '-h[Print this help message and exit]' \
         '1:value:(zsh fish)'
+      ;;
+    help)
+      _describe subcommand subcommands
       ;;
   esac
 }
