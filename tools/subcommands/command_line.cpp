@@ -61,7 +61,7 @@ void command_line::text_option(const char* name, const char* type, std::string& 
 void command_line::list_option(const char* name, const char* type, std::vector<std::string>& values,
                                const std::string& description) {
     note(name, type, description);
-    app_->add_option(name, values, description)->type_name(type)->delimiter(',')->expected(1);
+    app_->add_option(name, values, description)->type_name(type)->delimiter(',')->allow_extra_args(false);
 }
 
 void command_line::number_option(const char* name, const char* type, unsigned& value, const std::string& description,
