@@ -81,6 +81,18 @@ void note_source(const refresh_options& options, const input_file& input) {
     }
 }
 
+// The service makes the database before the file is read. Throws failure with the cause alone.
+void refuse_before_a_database_is_made(const input_file& input, left_out_watch& watch) {
+    if (!input.is_on_disk()) {
+        return;
+    }
+    cds_parser::document document;
+    read_cds(*input.read_again(), input, document);
+    if (!watch.accepts(document)) {
+        throw failure(watch.refusal());
+    }
+}
+
 // What there was before. Throws failure with the cause alone.
 inventory_marks refresh_database(const refresh_options& options, left_out_watch& watch) {
     const input_file input(options.loading.file);
