@@ -60,7 +60,7 @@ TEST_F(Show, TakesWhatGzipPacked) {
     EXPECT_EQ(show("x.xml.gz"), shown);
     EXPECT_EQ(show("inventory.db.gz"), shown);
     EXPECT_EQ(show("- <x.xml.gz"), shown);
-    EXPECT_EQ(run("cat x.xml.gz | zebdb-cds show -").out, shown);
+    EXPECT_EQ(run("cat x.xml.gz | ZEBDB_PCI_IDS=none zebdb-cds show -").out, shown);
 }
 
 TEST_F(Show, OfAFileWritesNothing) {
