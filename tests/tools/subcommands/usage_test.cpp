@@ -49,7 +49,8 @@ TEST_F(Usage, HelpIsASubcommandToo) {
 }
 
 TEST_F(Usage, HelpOfEverySubcommandFitsIntoEightyColumnsAndHasTwoExamples) {
-    const std::string names = run("zebdb-cds --help | sed -n '/^Subcommands:/I,/^$/s/^  \\([a-z][a-z-]*\\)  .*/\\1/p'").out;
+    const std::string names =
+        run("zebdb-cds --help | sed -n '/^Subcommands:/I,/^$/s/^  \\([a-z][a-z-]*\\)  .*/\\1/p'").out;
     EXPECT_THAT(names, HasSubstr("load\n"));
     std::istringstream all("--help\n" + names);
     for (std::string name; std::getline(all, name);) {
