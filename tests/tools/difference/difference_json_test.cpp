@@ -177,12 +177,12 @@ TEST_F(DifferenceJson, IsValidWhateverATextHolds) {
 
 TEST_F(DifferenceJson, HidesWhatIsRedacted) {
     write_both(module("A1", "S1"), module("B1", "S1", {text("Asset Tag", "T1")}) + module("B2", "S2"));
-    std::vector<table_difference> differences = difference();
-    for (table_difference& each : differences) {
+    comparison compared = difference();
+    for (table_difference& each : compared.kinds) {
         redact(each.old_table);
         redact(each.new_table);
     }
-    const json memory = json::parse(difference_json(differences))["memory"];
+    const json memory = json::parse(difference_json(compared))["memory"];
     EXPECT_EQ(memory["moved"][0]["columns"], json::parse(R"({"AssetTag": {"old": null, "new": "[redacted]"}})"));
     EXPECT_EQ(memory["added"][0]["columns"]["SerialNo"], "[redacted]");
 }

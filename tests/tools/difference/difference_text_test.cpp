@@ -208,12 +208,12 @@ TEST_F(DifferenceText, SaysThatAParentIsNotInTheInventory) {
 TEST_F(DifferenceText, HidesWhatIsRedactedAndTellsAllTheSameThatItMoved) {
     write_both(module("A1", "SECRET1", {text("Asset Tag", "SECRET2")}) + module("A2", "SECRET3"),
                module("B1", "SECRET1", {text("Asset Tag", "SECRET4")}) + module("A2", "SECRET5"));
-    std::vector<table_difference> differences = difference();
-    for (table_difference& each : differences) {
+    comparison compared = difference();
+    for (table_difference& each : compared.kinds) {
         redact(each.old_table);
         redact(each.new_table);
     }
-    EXPECT_EQ(difference_text(differences, {}),
+    EXPECT_EQ(difference_text(compared, {}),
               "Memory: 1 changed, 1 moved\n"
               "~ A2: serial number [redacted]\n"
               "    SerialNo  \"[redacted]\" -> \"[redacted]\"\n"
