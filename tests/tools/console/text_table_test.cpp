@@ -68,14 +68,18 @@ TEST(TextTable, WrapsWordsThatAreTooLongWithinThemselves) {
 }
 
 TEST(TextTable, BecomesBlocksWhereALineCannotBeMadeToFit) {
-    EXPECT_EQ(
-        table_text({{"Id", right, false, {"1", "2"}}, {"Locator", left, true, {"a long locator", ""}}}, of_width(17)),
-        "Id       1\n"
-        "Locator  a long\n"
-        "         locator\n"
-        "\n"
-        "Id       2\n"
-        "Locator\n");
+    EXPECT_EQ(table_text({{"Id", right, false, {"1", "2"}},
+                          {"Locator", left, true, {"a long locator", ""}},
+                          {"Serial", left, false, {"12345678", ""}}},
+                         of_width(17)),
+              "Id       1\n"
+              "Locator  a long\n"
+              "         locator\n"
+              "Serial   12345678\n"
+              "\n"
+              "Id       2\n"
+              "Locator\n"
+              "Serial\n");
 }
 
 TEST(TextTable, LosesNothingAtAnyWidth) {

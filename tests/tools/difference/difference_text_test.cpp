@@ -92,13 +92,13 @@ TEST_F(DifferenceText, WritesPlainNumbersWhereTheUnitWouldHideTheDifference) {
 }
 
 TEST_F(DifferenceText, QuotesTextsSoThatEveryDifferenceShows) {
-    write_both(module("A1", "", {text("Part Number", "P")}),
-               module("A1", "", {text("Part Number", "P "), text("Manufacturer", "-")}));
+    write_both(module("A1", "", {text("Asset Tag", "T")}),
+               module("A1", "", {text("Asset Tag", "T "), text("Manufacturer", "-")}));
     expect_different(
         "Memory: 1 changed\n"
-        "~ A1: P\n"
+        "~ A1\n"
         "    Manufacturer  - -> \"-\"\n"
-        "    PartNo        \"P\" -> \"P \"\n");
+        "    AssetTag      \"T\" -> \"T \"\n");
 }
 
 TEST_F(DifferenceText, TakesARemovedColumnForAbsent) {

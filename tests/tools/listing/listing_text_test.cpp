@@ -122,13 +122,11 @@ TEST_F(ListingText, WrapsFreeTextsWhereTheLineIsTooLong) {
     style.width = 120;
     EXPECT_EQ(listing_text(only(kinds::processors), {}, style),
               "Processors (1)\n"
-              "Id  Node  Socket  Version            Cores  Threads     Speed  L3 cache  Processor id        Serial "
-              "number     "
-              "Asset tag\n"
-              " 1     1  CPU 1   vvvvvvvvvvvvvvvvv  12/16       24  2100 MHz  24.8 MiB  0x000806f8bfebfbff  "
-              "ssssssssssssssss  "
-              "CPU-TAG\n"
-              "                  vvvvvvvvvvvvv                                                              ssss\n");
+              "Id  Node  Socket  Version           Cores  Threads     Speed  L3 cache  Processor id        "
+              "Serial number      Asset tag\n"
+              " 1     1  CPU 1   vvvvvvvvvvvvvvvv  12/16       24  2100 MHz  24.8 MiB  0x000806f8bfebfbff  "
+              "sssssssssssssssss  CPU-TAG\n"
+              "                  vvvvvvvvvvvvvv                                                            sss\n");
 }
 
 TEST(ListingTextOfAKind, IsThereForEveryOne) {

@@ -31,7 +31,10 @@ TEST_F(TreeTerminal, ThatTakesUtf8GetsBoxesAndBoldHeadingsAndLinesThatFit) {
               "└─ Segment 0000\n"
               "   ├─ 0000:00:01.0 bridge\n"
               "   │  ├─ 0000:01:00.0 function\n"
-              "   │  └─ 0000:01:01.0 function, xxxxxxxxxxxxxxxxxxxxxxxxxxx…\n"
+              "   │  └─ 0000:01:01.0 function,\n"
+              "   │        xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n"
+              "   │        xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n"
+              "   │        xxxx\n"
               "   └─ 0000:02:00.0 function\n");
 }
 
@@ -41,24 +44,28 @@ TEST_F(TreeTerminal, WithoutUtf8GetsAscii) {
               "`- Segment 0000\n"
               "   +- 0000:00:01.0 bridge\n"
               "   |  +- 0000:01:00.0 function\n"
-              "   |  `- 0000:01:01.0 function, xxxxxxxxxxxxxxxxxxxxxxxxxxx~\n"
+              "   |  `- 0000:01:01.0 function,\n"
+              "   |        xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n"
+              "   |        xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n"
+              "   |        xxxx\n"
               "   `- 0000:02:00.0 function\n");
 }
 
-TEST_F(TreeTerminal, WithNoColorGetsBoxesInPlainWholeLines) {
+TEST_F(TreeTerminal, WithNoColorGetsBoxesInPlainLinesThatFit) {
     EXPECT_EQ(on_terminal("NO_COLOR=1"),
               "Node 1\n"
               "└─ Segment 0000\n"
               "   ├─ 0000:00:01.0 bridge\n"
               "   │  ├─ 0000:01:00.0 function\n"
-              "   │  └─ 0000:01:01.0 function, " +
-                  std::string(100, 'x') +
-                  "\n"
-                  "   └─ 0000:02:00.0 function\n");
+              "   │  └─ 0000:01:01.0 function,\n"
+              "   │        xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n"
+              "   │        xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx\n"
+              "   │        xxxx\n"
+              "   └─ 0000:02:00.0 function\n");
 }
 
-TEST_F(TreeTerminal, ThatUnderstandsNoControlSequencesGetsWhatAFileGets) {
-    EXPECT_EQ(on_terminal("TERM=dumb"), tree());
+TEST_F(TreeTerminal, ThatUnderstandsNoControlSequencesGetsWhatAFileOfItsWidthGets) {
+    EXPECT_EQ(on_terminal("TERM=dumb"), run_without_names("COLUMNS=60 zebdb-cds tree").out);
 }
 
 TEST_F(TreeTerminal, GetsTheSameJsonAsAFile) {
