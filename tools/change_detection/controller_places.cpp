@@ -35,7 +35,7 @@ std::string missing_places() {
     std::string missing;
     for (const place& each : places) {
         if (::access(each.path, each.needed) != 0) {
-            missing += (missing.empty() ? "" : ", ") + std::string(each.what_is_not_done) + " for want of " + each.path;
+            missing += (missing.empty() ? "" : ", ") + std::string(each.path) + " (" + each.what_is_not_done + ')';
         }
     }
     return missing;
@@ -46,6 +46,6 @@ std::string foreign_marker() {
     if (::stat(marker, &status) != 0 || status.st_uid == ::geteuid() || ::access(marker, W_OK) == 0) {
         return "";
     }
-    return std::string(marker) + ", which marks that memory rows were deleted, belongs to " + user_name(status.st_uid) +
-           " and keeps its time; the rows are loaded all the same";
+    return std::string(marker) + ", the mark that a load has deleted the memory rows, belongs to " +
+           user_name(status.st_uid) + " and was not renewed; the rows are loaded all the same";
 }

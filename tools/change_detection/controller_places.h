@@ -6,7 +6,7 @@
 
 #include <string>
 
-/// What a refresh could not do here for want of a place, in one line; empty where nothing is wanting.
+/// The places that a refresh could not use here, each with what it could not do, in one line; empty where it could.
 std::string missing_places();
 
 /// Whose the marker is that memory rows were deleted, where it cannot be renewed because it is somebody else's; else

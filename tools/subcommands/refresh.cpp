@@ -108,7 +108,7 @@ inventory_marks refresh_database(const refresh_options& options, left_out_watch&
 // A view that --root made has all of them.
 void complain_of_missing_places(const refresh_options& options) {
     if (const std::string missing = missing_places(); !missing.empty()) {
-        complain("this is no controller: " + missing + "; try 'zebdb-cds refresh " +
+        complain("what a controller has is missing here or denied: " + missing + "; try 'zebdb-cds refresh " +
                  as_shell_word(options.loading.file) + " --root DIR'");
     }
 }

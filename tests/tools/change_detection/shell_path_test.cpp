@@ -2,12 +2,14 @@
 
 #include "change_detection/shell_path.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <fstream>
 
 #include "console/failure.h"
 #include "support/scratch_folder.h"
+
+using testing::EndsWith;
 
 namespace {
 
@@ -66,7 +68,17 @@ TEST(ShellPath, IsNoLongerThanTheLibraryTakes) {
     EXPECT_EQ(refusal_of(path, path.size() - 1),
               "refused path '" + path + "': it is " + std::to_string(path.size()) + " bytes long, and beyond " +
                   std::to_string(path.size() - 1) +
-                  " the library cuts the command that it stands in; name the file by a shorter path");
+                  " the library cuts the command that it stands in; go to its folder with 'cd " +
+                  path.substr(0, path.rfind('/')) + "' and name it 'file'");
+}
+
+TEST(ShellPath, ThatIsTooLongEvenInItsFolderNeedsAnotherName) {
+    const std::string advice = "name the file by a shorter path";
+    EXPECT_THAT(refusal_of("longer", 5), EndsWith(advice));
+    EXPECT_THAT(refusal_of("in/longer", 5), EndsWith(advice));
+    EXPECT_THAT(refusal_of("/longer", 5), EndsWith(advice));
+    EXPECT_THAT(refusal_of("in/a/folder/", 5), EndsWith(advice));
+    EXPECT_THAT(refusal_of("in/short", 5), EndsWith("go to its folder with 'cd in' and name it 'short'"));
 }
 
 TEST(ShellPath, NamesAFile) {

@@ -143,6 +143,18 @@ TEST_F(ChangeDetection, TakesThePathsThatAreNotCutAndRefusesLongerOnes) {
                        "the file by a shorter path");
 }
 
+TEST_F(ChangeDetection, SaveDigestOfALongPathOffersToGoToItsFolder) {
+    const std::string folder_name(50, 'f');
+    std::filesystem::create_directory(folder() / folder_name);
+    write(folder_name + "/other.bin", "other");
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    expect_refused("save-digest server.xml " + folder_name + "/other.bin",
+                   "refused path '" + folder_name +
+                       "/other.bin': it is 60 bytes long, and beyond 43 the library cuts the command that it stands "
+                       "in; go to its folder with 'cd " +
+                       folder_name + "' and name it 'other.bin'");
+}
+
 TEST_F(ChangeDetection, SaveDigestNamesTheFileThatIsMissing) {
     expect_refused("save-digest server.xml missing.bin", "cannot read 'missing.bin': No such file or directory");
 }

@@ -17,7 +17,7 @@ using testing::Not;
 namespace {
 
 // One row of each kind but bridges, of which there are two.
-const std::string server = cds_file(
+const std::string full_server = cds_file(
     cds_component("cpu_info", {text("Socket Designation", "CPU 1")}) +
     cds_component("memory_info", {text("Device Locator", "DIMM 1")}) +
     cds_component(
@@ -31,7 +31,7 @@ const std::string server = cds_file(
 const std::string nothing = cds_file("");
 
 // A processor, and a function of which nobody knows where it is.
-const std::string incomplete =
+const std::string server_with_a_gap =
     cds_file(cds_component("cpu_info", {text("Socket Designation", "CPU 1")}) +
              cds_component("pci_device_info", {integer("Bus Number", "1"), integer("Device Number", "3"),
                                                integer("Function Number", "4")}));
@@ -40,7 +40,7 @@ const std::string incomplete =
 
 class Load : public command_test {
 protected:
-    Load() { write("server.xml", server); }
+    Load() { write("server.xml", full_server); }
 
     std::string processors_in(const std::string& database) const {
         return query(database, "SELECT count(*) FROM Processor");
@@ -77,7 +77,7 @@ TEST_F(Load, LoadsTheSampleServer) {
 TEST_F(Load, NotesWhatItLoaded) {
     ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
     EXPECT_EQ(query("inventory.db", "SELECT Name FROM Source"), "server.xml");
-    EXPECT_EQ(query("inventory.db", "SELECT Bytes FROM Source"), std::to_string(server.size()));
+    EXPECT_EQ(query("inventory.db", "SELECT Bytes FROM Source"), std::to_string(full_server.size()));
     EXPECT_EQ(query("inventory.db", "SELECT Sha256 FROM Source") + "  server.xml\n", run("sha256sum server.xml").out);
     EXPECT_EQ(query("inventory.db", "SELECT abs(LoadedAt - unixepoch()) < 100 FROM Source"), "1");
 }
@@ -109,7 +109,7 @@ TEST_F(Load, PassesTheLogOnWithItsLevels) {
 }
 
 TEST_F(Load, SaysHowManyComponentsLeftNoRowAndWhy) {
-    write("my server.xml", incomplete);
+    write("my server.xml", server_with_a_gap);
     const command_result result = run("zebdb-cds load 'my server.xml'");
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, EndsWith("  devices          0\n"
@@ -119,7 +119,7 @@ TEST_F(Load, SaysHowManyComponentsLeftNoRowAndWhy) {
 
 TEST_F(Load, ThatIsStrictChangesNothingWhenAComponentLeftNoRow) {
     ASSERT_EQ(run("zebdb-cds load server.xml").status, 0);
-    write("incomplete.xml", incomplete);
+    write("incomplete.xml", server_with_a_gap);
     const command_result result = run("zebdb-cds load --strict incomplete.xml");
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.out, "");
@@ -130,7 +130,7 @@ TEST_F(Load, ThatIsStrictChangesNothingWhenAComponentLeftNoRow) {
 }
 
 TEST_F(Load, ThatIsStrictMakesNoDatabaseOfAnIncompleteFile) {
-    write("incomplete.xml", incomplete);
+    write("incomplete.xml", server_with_a_gap);
     EXPECT_EQ(run("zebdb-cds load --strict incomplete.xml").status, 2);
     EXPECT_THAT(names(), ElementsAre("incomplete.xml", "server.xml"));
 }
@@ -141,7 +141,7 @@ TEST_F(Load, ThatIsStrictTakesAFileOfWhichEverythingLeftItsRow) {
 }
 
 TEST_F(Load, ThatIsQuietShowsErrorsOnly) {
-    write("incomplete.xml", incomplete);
+    write("incomplete.xml", server_with_a_gap);
     EXPECT_EQ(run("zebdb-cds load -q incomplete.xml").err, "");
     EXPECT_THAT(run("zebdb-cds load --quiet missing.xml").err, HasSubstr("missing.xml"));
     EXPECT_THAT(run("zebdb-cds load incomplete.xml").err, HasSubstr("WARNING: "));
@@ -175,13 +175,13 @@ TEST_F(Load, TakesDatabaseNamesThatSqliteWouldNotTakeForFiles) {
 }
 
 TEST_F(Load, TakesAFileNamedLikeASubcommand) {
-    write("show", server);
+    write("show", full_server);
     EXPECT_EQ(run("zebdb-cds load show").status, 0);
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }
 
 TEST_F(Load, TakesAFileWhoseNameBeginsWithADash) {
-    write("-x", server);
+    write("-x", full_server);
     EXPECT_EQ(run("zebdb-cds load -- -x").status, 0);
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }
@@ -194,7 +194,7 @@ TEST_F(Load, ReadsStandardInputFromAPipe) {
 }
 
 TEST_F(Load, ReadsAFileOnStandardInputFromWhereItStands) {
-    write("headed.txt", "one line before the file\n" + server);
+    write("headed.txt", "one line before the file\n" + full_server);
     EXPECT_EQ(run("{ read -r line; zebdb-cds load -; } <headed.txt").status, 0);
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }
@@ -202,7 +202,7 @@ TEST_F(Load, ReadsAFileOnStandardInputFromWhereItStands) {
 TEST_F(Load, ReadsStandardInputFromASocket) {
     int ends[2];
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM, 0, ends), 0);
-    ASSERT_EQ(::write(ends[0], server.data(), server.size()), static_cast<ssize_t>(server.size()));
+    ASSERT_EQ(::write(ends[0], full_server.data(), full_server.size()), static_cast<ssize_t>(full_server.size()));
     ASSERT_EQ(shutdown(ends[0], SHUT_WR), 0);
     EXPECT_EQ(run("zebdb-cds load -", ends[1]).status, 0);
     close(ends[0]);
@@ -250,7 +250,7 @@ TEST_F(Load, SaysThatTheRowsAreThereWhenItsOutputCannotBeWritten) {
 
 TEST_F(Load, WritesNothingIntoItsFilesWhenItsStandardDescriptorsAreClosed) {
     EXPECT_EQ(run("zebdb-cds load server.xml <&- >&- 2>&-").status, 2);
-    EXPECT_EQ(read("server.xml"), server);
+    EXPECT_EQ(read("server.xml"), full_server);
     EXPECT_EQ(query("inventory.db", "PRAGMA integrity_check"), "ok");
     EXPECT_EQ(processors_in("inventory.db"), "1");
 }
@@ -319,7 +319,7 @@ TEST_F(Load, ReplacesWhatAnotherProcessPutsIntoANewDatabaseMeanwhile) {
 }
 
 TEST_F(Load, OfAGoodFileSucceedsBesideARefusedOne) {
-    write("refused.xml", server.substr(0, server.size() - 2));
+    write("refused.xml", full_server.substr(0, full_server.size() - 2));
     const command_result result = run(
         "for round in 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20; do"
         "  zebdb-cds load refused.xml 2>>refusals & zebdb-cds load server.xml || exit; wait $!; [ $? -eq 2 ] || exit 3;"

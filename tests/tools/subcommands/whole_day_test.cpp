@@ -13,7 +13,7 @@ using testing::HasSubstr;
 
 namespace {
 
-struct server {
+struct todays_server {
     std::string processor = "Model A";
     bool second_card = true;
     int own_bus = 0x0B;
@@ -31,7 +31,7 @@ std::string card(int bus, int slot) {
                          at_bus(bus, {integer("Location", "1"), integer("Slot Number", std::to_string(slot))}));
 }
 
-std::string cds_of(const server& described) {
+std::string cds_of(const todays_server& described) {
     return cds_file(cds_component("cpu_info", {text("Socket Designation", "CPU 1"),
                                                text("Processor Version", described.processor)}) +
                     cds_component("memory_info", {text("Device Locator", "DIMM 1"), integer("Size in MB", "32768")}) +
@@ -58,7 +58,7 @@ protected:
         return run("ZEBDB_DATABASE=data/inventory.db zebdb-cds " + arguments + " --root root");
     }
 
-    std::string refresh(const server& described) const {
+    std::string refresh(const todays_server& described) const {
         write("server.xml", cds_of(described));
         const command_result result = zebdb_cds("refresh server.xml");
         EXPECT_EQ(result.status, 0) << result.err;
@@ -82,7 +82,7 @@ protected:
 };
 
 TEST_F(WholeDay, IsNoticedStepByStep) {
-    server today;
+    todays_server today;
     EXPECT_EQ(refresh(today), refreshed("changed    sequence 1", "changed    sequence 1"));
     EXPECT_EQ(run("zebdb-cds save-digest server.xml settings.bin --root root").status, 0);
     expect_check(0, "unchanged\n");
