@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "console/output.h"
 #include "console/text_table.h"
 #include "console/utf8.h"
 #include "explanation/explanation.h"
@@ -55,6 +58,24 @@ std::string unused_text(const unused_setting& unused) {
     return unused.similar == nullptr ? text : text + "; '" + unused.similar + "' may be meant";
 }
 
+struct correction {
+    const char* column;
+    const char* cause;
+};
+
+// Where the loader does not believe what it reads.
+constexpr correction corrections[] = {
+    {"SlotNo", "the slot of storage on the board is 0"},
+    {"ClsCode", "the device is known to report a misleading one"},
+};
+
+std::string replaced_text(const odd_value& odd) {
+    const auto* found = std::find_if(std::begin(corrections), std::end(corrections),
+                                     [&odd](const correction& each) { return each.column == odd.column; });
+    return found == std::end(corrections) ? " is replaced by the loader"
+                                          : std::string(" does not count, because ") + found->cause;
+}
+
 std::string oddity_text(const odd_value& odd) {
     const std::string text = quoted_in(odd.setting, odd.group);
     switch (odd.what) {
@@ -67,7 +88,7 @@ std::string oddity_text(const odd_value& odd) {
         case oddity::replaced:
             break;
     }
-    return text + " is replaced by what the loader knows better";
+    return text + replaced_text(odd);
 }
 
 std::string stored_text(const odd_value& odd, const explanation& told) {
@@ -166,22 +187,30 @@ std::vector<std::string> logged_lines(const explanation& told) {
     return lines;
 }
 
-// One sentence about all settings of a component that its record does not take.
-std::string without_effect(const explanation& told) {
-    std::string settings;
-    bool has_memory = false;
+constexpr const char* persistent_modules_only =
+    "only a persistent module, which has bit 12 of 'Type Detail' and the 'Manufacturer' Intel, has columns for some "
+    "settings";
+constexpr const char* other_records_only = "another kind of record has columns for some settings";
+
+bool is_of_memory(const unused_setting& unused, const explanation& told) {
+    return told.recorded_by != nullptr && told.recorded_by->kind == &kinds::memory &&
+           unused.group == told.recorded_by->name;
+}
+
+// What the loader knows of the component's settings and has no column for.
+void add_settings_without_effect(groups& idle, const explanation& told) {
+    std::map<std::string, std::string> settings_by_rule;
     for (const unused_setting& unused : told.unused) {
         if (unused.is_known) {
-            settings += (settings.empty() ? "" : ", ") + quoted_in(unused.name, unused.group);
-            has_memory = has_memory || (told.recorded_by != nullptr && told.recorded_by->kind == &kinds::memory &&
-                                        unused.group == told.recorded_by->name);
+            const bool of_memory = is_of_memory(unused, told);
+            std::string& settings = settings_by_rule[of_memory ? persistent_modules_only : other_records_only];
+            settings += settings.empty() ? "" : ", ";
+            settings += of_memory ? in_quotes(unused.name) : quoted_in(unused.name, unused.group);
         }
     }
-    if (settings.empty()) {
-        return "";
+    for (const auto& [rule, settings] : settings_by_rule) {
+        idle.add(rule, {&told, {}, {"unused  " + settings}});
     }
-    return "this kind of record does not take " + settings +
-           (has_memory ? "; a persistent module has bit 12 of 'Type Detail' and the 'Manufacturer' Intel" : "");
 }
 
 }  // namespace
@@ -204,9 +233,7 @@ std::string problems_text(const std::vector<explanation>& explanations, const te
                 wrong.add("no column takes " + unused_text(unused), {&told, {}, {}});
             }
         }
-        if (const std::string settings = without_effect(told); !settings.empty()) {
-            idle.add(settings, {&told, {}, {}});
-        }
+        add_settings_without_effect(idle, told);
     }
     return no_row.text("No row", style) + wrong.text("Looks wrong", style) + idle.text("No effect", style) +
            totals_text(explanations);

@@ -186,8 +186,25 @@ TEST_F(ExplanationText, OfProblemsHasWhatLooksWrongBehindWhatIsMissing) {
 }
 
 TEST_F(ExplanationText, OfProblemsHasSettingsThatCannotMatter) {
-    EXPECT_THAT(problems(cds_file(module("A1", "S1", {integer("Capacity", "1"), integer("DimmNum", "2")}))),
-                StartsWith("No effect, 1 component: this kind of record does not take 'Capacity' in memory_info, "
-                           "'DimmNum' in memory_info; a persistent module has bit 12 of 'Type Detail' and the "
-                           "'Manufacturer' Intel\n  * memory device 'A1'\n"));
+    EXPECT_THAT(problems(cds_file(module("A1", "S1", {integer("Capacity", "1"), integer("DimmNum", "2")}) +
+                                  module("A2", "S2", {integer("Capacity", "1")}))),
+                StartsWith("No effect, 2 components: only a persistent module, which has bit 12 of 'Type Detail' and "
+                           "the 'Manufacturer' Intel, has columns for some settings\n"
+                           "  * memory device 'A1'\n"
+                           "    at      /component/child_slot_group[1]/component[1]\n"
+                           "    unused  'Capacity', 'DimmNum'\n"
+                           "  * memory device 'A2'\n"
+                           "    at      /component/child_slot_group[1]/component[2]\n"
+                           "    unused  'Capacity'\n"));
+}
+
+TEST_F(ExplanationText, OfProblemsSaysWhyASettingDoesNotCount) {
+    EXPECT_THAT(
+        problems(cds_file(function("1", {hex("Vendor ID", "1000"), hex("Device ID", "97"), hex("Class Code", "10700"),
+                                         integer("Location", "0"), integer("Slot Number", "5")}))),
+        StartsWith("No effect, 1 component: 'Slot Number' in pci_device_info does not count, because the slot "
+                   "of storage on the board is 0\n"
+                   "  * PCI function 0000:01:00.0\n"
+                   "    at      /component/child_slot_group[1]/component[1]\n"
+                   "    value   integer_value '5' is stored as 0 in SlotNo\n"));
 }
