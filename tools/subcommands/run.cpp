@@ -78,9 +78,13 @@ std::vector<const char*> names_of_subcommands() {
     return names;
 }
 
+failure wrong_usage(const std::string& problem, const std::string& help) {
+    return failure(problem + (problem.back() == '?' ? " See '" : "; see '") + help + "'");
+}
+
 failure no_subcommand(const std::string& word) {
     const char* similar = word.empty() ? nullptr : most_similar(word, names_of_subcommands(), characters_a_change);
-    return failure("there is no subcommand " + in_quotes(word) + meant_text(similar) + "; see 'zebdb-cds --help'");
+    return wrong_usage("there is no subcommand " + in_quotes(word) + meant_text(similar), "zebdb-cds --help");
 }
 
 std::vector<std::string> long_options_of(const CLI::App& app) {
@@ -124,9 +128,9 @@ failure refusal(const CLI::App& app, const CLI::Error& error) {
         return no_subcommand(left.front());
     }
     const CLI::App& at = named.empty() ? app : *named.front();
-    const std::string help = "; see '" + app.get_name() + (named.empty() ? "" : ' ' + at.get_name()) + " --help'";
+    const std::string help = app.get_name() + (named.empty() ? "" : ' ' + at.get_name()) + " --help";
     const bool is_extra = dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr && !left.empty();
-    return failure((is_extra ? unexpected(at, left) : error.what()) + help);
+    return wrong_usage(is_extra ? unexpected(at, left) : error.what(), help);
 }
 
 int print_help_about(const CLI::App& app, const std::string& name) {
