@@ -60,7 +60,8 @@ int tree(const command_line& arguments, const tree_options& options) {
         }
         parts = part_of_topology(parts, *address);
         if (parts.empty()) {
-            complain("there is nothing at " + *address + " in the inventory");
+            complain("there is nothing at " + *address + " in the inventory; 'zebdb-cds explain FILE --part " +
+                     *address + "' tells what became of it");
             return status_no;
         }
     }

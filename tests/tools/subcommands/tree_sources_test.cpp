@@ -6,6 +6,7 @@
 #include "tools/subcommands/diff_test.h"
 #include "tools/subcommands/tree_test.h"
 
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
@@ -48,6 +49,12 @@ TEST_F(TreeSources, MayBeACdsFile) {
 TEST_F(TreeSources, MayBeADatabase) {
     expect_database("cp inventory.db other.db && zebdb-cds tree other.db");
     expect_database("zebdb-cds tree - <inventory.db");
+}
+
+TEST_F(TreeSources, AreNamedWithTheirAgeWhereTheyWereLoaded) {
+    ASSERT_EQ(run("zebdb-cds load x.xml").status, 0);
+    EXPECT_THAT(run("zebdb-cds tree").out, ContainsRegex("\nLoaded .* UTC, from 'x\\.xml'\n$"));
+    EXPECT_EQ(run("zebdb-cds tree x.xml").out.find("Loaded"), std::string::npos);
 }
 
 TEST_F(TreeSources, AreTheInventoryWhereNoneIsNamed) {

@@ -14,7 +14,7 @@
 
 class tree_test : public command_test {
 protected:
-    /// Makes an empty inventory.db.
+    /// Makes an empty inventory.db that knows nothing of a source.
     tree_test() {
         write("empty.xml", "<component/>");
         const command_result result = run("zebdb-cds load empty.xml");
@@ -22,6 +22,7 @@ protected:
             throw std::runtime_error(result.err);
         }
         std::filesystem::remove(folder() / "empty.xml");
+        execute("inventory.db", "DELETE FROM Source");
     }
 
     /// Adds a bridge at bus:device.0 of segment 0 to node 1. `changes` are further columns, as in "FunNo = 1".
