@@ -31,9 +31,9 @@ _zebdb_cds_candidates() {
     fi
 
     case $subcommand in
-    '') _zebdb_cds_help | sed -n '/^Subcommands:/I,/^$/s/^  *\([a-z-][a-z-]*\)  *.*/\1/p' ;;
+    '') _zebdb_cds_help | sed -n '/^Subcommands:/I,/^$/s/^  \([a-z][a-z-]*\)  .*/\1/p' ;;
     show | fields) echo processors memory bridges devices ;;
-    help) _zebdb_cds_help | sed -n '/^Subcommands:/I,/^$/s/^  *\([a-z-][a-z-]*\)  .*/\1/p' ;;
+    help) _zebdb_cds_help | sed -n '/^Subcommands:/I,/^$/s/^  \([a-z][a-z-]*\)  .*/\1/p' ;;
     completion) echo zsh fish ;;
     bmc-address) ;;
     *) echo files ;;
