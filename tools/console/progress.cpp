@@ -102,7 +102,8 @@ void progress::clear() {
 
 std::string progress::text() {
     const std::optional<off_t> position = position_in(file_);
-    read_ = read_ || position >= file_.st_size;
+    read_ = read_ || position >= file_.st_size || (open_ && !position);  // what copies a file closes it at its end
+    open_ = position.has_value();
     if (read_) {
         return "storing rows ...";
     }

@@ -37,6 +37,7 @@ private:
 
     struct stat file_;
     bool read_ = false;   // to its end
+    bool open_ = false;   // when that was looked at last
     bool drawn_ = false;  // the line stands there
     bool done_ = false;
     std::mutex mutex_;
