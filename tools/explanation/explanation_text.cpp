@@ -156,7 +156,9 @@ public:
         std::string text;
         for (const told_group& each : all_) {
             const std::string count = counted(each.components.size(), "component", "components");
-            text += heading_text(label + ", " + count + ": " + printable(each.said), style) + '\n';
+            std::string heading = label;
+            heading.append(", ").append(count).append(": ").append(printable(each.said));
+            text += heading_text(heading, style) + '\n';
             const bool common = each.has_common_reasons();
             text += common ? lines("", each.components.front().reasons) : "";
             for (const told_component& component : each.components) {
