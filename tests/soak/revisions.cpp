@@ -84,7 +84,7 @@ revisions::server revisions::known_server(const std::string& cds_file) {
     server known = {cds_file, {}};
     load(cds_file, "kept.db");
     for (const reading_command& command : reading_commands()) {
-        known.outputs.push_back(output_of(command.line("kept.db"), command.status));
+        known.outputs.push_back(without_age(output_of(command.line("kept.db"), command.status)));
     }
     return known;
 }
@@ -100,6 +100,10 @@ std::string revisions::cds_file(int revision) const {
 std::string revisions::output(const reading_command& command, int revision) const {
     const auto index = static_cast<std::size_t>(&command - reading_commands().data());
     return with_revision(server_of(revision).outputs[index], revision);
+}
+
+std::string revisions::without_age(const std::string& output) {
+    return output.substr(0, output.rfind("\nLoaded "));
 }
 
 int revisions::revision_in(const std::string& output) {

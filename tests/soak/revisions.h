@@ -34,8 +34,12 @@ public:
     /// A CDS file: of few rows, of some hundred, or of more than a transaction keeps in memory, by turns.
     std::string cds_file(int revision) const;
 
-    /// What one of the reading commands prints of the inventory of that file.
+    /// What one of the reading commands prints of the inventory of that file, but for its last line, which says how old
+    /// that is.
     std::string output(const reading_command& command, int revision) const;
+
+    /// What was printed, but for that line.
+    static std::string without_age(const std::string& output);
 
     /// Which inventory something tells of that was printed.
     static int revision_in(const std::string& output);

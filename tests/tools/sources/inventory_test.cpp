@@ -45,9 +45,9 @@ TEST_F(Inventory, HasOnlyTheRowsBehindAnId) {
 }
 
 TEST_F(Inventory, HasUnsignedCapacitiesAndSignedRowIds) {
-    rows_.execute("INSERT INTO Memory (Capacity, ArrayId) VALUES (-1, -1)");
+    rows_.execute("INSERT INTO Memory (Capacity, ArrayId) VALUES (-1, -2)");
     EXPECT_EQ(value_of(kinds::memory, "Capacity"), inventory_value(std::uint64_t{18446744073709551615u}));
-    EXPECT_EQ(value_of(kinds::memory, "ArrayId"), inventory_value(std::int64_t{-1}));
+    EXPECT_EQ(value_of(kinds::memory, "ArrayId"), inventory_value(std::int64_t{-2}));
 }
 
 TEST_F(Inventory, HasNothingInAColumnThatWasNeverPut) {
