@@ -51,7 +51,7 @@ std::string in_quotes(const std::string& name) {
 
 std::string as_shell_word(const std::string& name) {
     constexpr const char* plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789/._-+,:@%=";
-    const std::string shown = printable(repaired_utf8(name));
+    std::string shown = printable(repaired_utf8(name));
     if (!shown.empty() && shown.find_first_not_of(plain) == std::string::npos) {
         return shown;
     }

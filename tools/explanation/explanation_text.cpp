@@ -218,13 +218,13 @@ void add_settings_without_effect(groups& idle, const explanation& told) {
 }  // namespace
 
 std::string problems_text(const std::vector<explanation>& explanations, const text_style& style) {
-    groups no_row;
+    groups left_out;
     groups wrong;
     groups idle;
     for (const explanation& told : explanations) {
         if (!told.judged.reasons.empty()) {
-            no_row.add(told.judged.reasons.front(),
-                       {&told, {told.judged.reasons.begin() + 1, told.judged.reasons.end()}, logged_lines(told)});
+            left_out.add(told.judged.reasons.front(),
+                         {&told, {told.judged.reasons.begin() + 1, told.judged.reasons.end()}, logged_lines(told)});
         }
         for (const odd_value& odd : told.odd) {
             groups& among = odd.what == oddity::replaced ? idle : wrong;
@@ -237,7 +237,7 @@ std::string problems_text(const std::vector<explanation>& explanations, const te
         }
         add_settings_without_effect(idle, told);
     }
-    return no_row.text("No row", style) + wrong.text("Looks wrong", style) + idle.text("No effect", style) +
+    return left_out.text("No row", style) + wrong.text("Looks wrong", style) + idle.text("No effect", style) +
            totals_text(explanations);
 }
 

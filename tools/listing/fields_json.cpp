@@ -8,9 +8,9 @@
 #include "rows/kinds.h"
 #include "rows/value_json.h"
 
-namespace {
-
 using json = nlohmann::ordered_json;
+
+namespace {
 
 constexpr const char* role_names[] = {"value", "bit", "field"};  // in the order of the roles
 

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -105,9 +106,8 @@ std::string offered_option(const CLI::App& app, const std::string& word) {
         return "; write " + in_quotes(*std::find_if(names.begin(), names.end(), is_begun)) + " in full";
     }
     std::vector<const char*> known;
-    for (const std::string& name : names) {
-        known.push_back(name.c_str());
-    }
+    std::transform(names.begin(), names.end(), std::back_inserter(known),
+                   [](const std::string& name) { return name.c_str(); });
     return meant_text(most_similar(word, known, characters_a_change));
 }
 
