@@ -143,14 +143,10 @@ bool has_homonym(sqlite3* connection) {
     });
 }
 
-// Of a database that can be read.
-std::optional<table_counts> tables_of(const std::string& path) {
-    sqlite3* opened = nullptr;
-    sqlite3_open_v2(sqlite_name(path).c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
-    const connection_ptr connection(opened);
-    sqlite3_busy_timeout(opened, lock_timeout_ms);
-    const auto count = [](void* counts, int, char** names, char**) {
-        auto& [inventory, others] = *static_cast<table_counts*>(counts);
+// SQLite's extended result code.
+int count_tables(const connection_ptr& connection, table_counts& counts) {
+    const auto count = [](void* all, int, char** names, char**) {
+        auto& [inventory, others] = *static_cast<table_counts*>(all);
         ++(names[0] != nullptr && is_inventory_table(names[0]) ? inventory : others);
         return 0;
     };
@@ -158,7 +154,11 @@ std::optional<table_counts> tables_of(const std::string& path) {
                  "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite!_%' "
                  "ESCAPE '!'",
                  count, &counts, nullptr);
-    return sqlite3_extended_errcode(connection.get());
+    const int rc = sqlite3_extended_errcode(connection.get());
+    if (rc == SQLITE_OK && has_homonym(connection.get())) {
+        counts = {0, counts.inventory + counts.others};
+    }
+    return rc;
 }
 
 // By which SQLite reads the file as it stands there, whatever journal stands beside it.
@@ -181,9 +181,6 @@ std::optional<table_counts> tables_of(const std::string& path) {
     }
     if (rc == SQLITE_NOMEM) {
         throw std::bad_alloc();
-    }
-    if (rc == SQLITE_OK && has_homonym(opened)) {
-        return table_counts{0, counts.inventory + counts.others};
     }
     return rc == SQLITE_OK ? std::optional(counts) : std::nullopt;
 }

@@ -89,7 +89,7 @@ std::string input_title(const std::string& name) {
 struct input_file::passed_bytes {
     explicit passed_bytes(std::size_t most) : most_bytes(most) {}
 
-    int error() {
+    std::string error() {
         const std::lock_guard<std::mutex> lock(mutex);
         return read_error;
     }
@@ -100,7 +100,7 @@ struct input_file::passed_bytes {
     std::string read_error;
 };
 
-input_file::input_file(const std::string& name) : name_(name), path_(name) {
+input_file::input_file(const std::string& name, std::size_t most_bytes_passed) : name_(name), path_(name) {
     if (name == standard_input) {
         require_open_for_reading();
         ::fstat(STDIN_FILENO, &status_);
@@ -122,7 +122,7 @@ input_file::input_file(const std::string& name) : name_(name), path_(name) {
     }
     const int file = open_for_reading(name);
     if (!S_ISREG(status_.st_mode) || is_packed_file(name)) {
-        path_ = "/dev/fd/" + std::to_string(pass_on(file));
+        path_ = "/dev/fd/" + std::to_string(pass_on(file, most_bytes_passed));
         return;
     }
     ::close(file);
@@ -151,7 +151,7 @@ bool input_file::pass_block(gzFile source, int sink, passed_bytes& passed) {
     {
         const std::lock_guard<std::mutex> lock(passed.mutex);
         passed.content += bytes;
-        passed.read_error = passed.content.size() > most_passed_bytes ? size_error(source) : error;
+        passed.read_error = passed.content.size() > passed.most_bytes ? size_error(source) : error;
         if (bytes.empty() || !passed.read_error.empty()) {
             return false;
         }
@@ -165,21 +165,25 @@ void input_file::pass_all(int source, int sink, passed_bytes& passed) {
         if (file == nullptr) {
             throw std::bad_alloc();
         }
-        while (pass_block(file.get(), sink, *passed)) {
+        while (pass_block(file.get(), sink, passed)) {
         }
     } catch (const std::bad_alloc&) {
-        const std::lock_guard<std::mutex> lock(passed->mutex);
-        passed->read_error = std::strerror(ENOMEM);
+        const std::lock_guard<std::mutex> lock(passed.mutex);
+        passed.read_error = std::strerror(ENOMEM);
+    }
+}
+
+// Who reads what came before an error must not take it for all.
+void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed) {
+    pass_all(source, sink, *passed);
+    if (!passed->error().empty()) {
+        write_all(sink, no_end);
     }
     ::close(sink);
 }
 
 std::string input_file::read_error() const {
-    if (is_on_disk()) {
-        return "";
-    }
-    const std::lock_guard<std::mutex> lock(passed_->mutex);
-    return passed_->read_error;
+    return is_on_disk() ? "" : passed_->error();
 }
 
 std::unique_ptr<std::istream> input_file::read_again() const {

@@ -17,10 +17,14 @@ std::string input_title(const std::string& name);
 
 class input_file {
 public:
+    /// Of what can be read only once and is kept in memory for another look; it may have no end.
+    static constexpr std::size_t most_bytes = std::size_t{256} << 20;
+
     /// `name` is a path; "-" is standard input, whatever that is. What gzip packed is unpacked while it is read. Throws
-    /// failure, with nothing but the cause, when it is plain that the file cannot be read. One for standard input at a
-    /// time.
-    explicit input_file(const std::string& name);
+    /// failure, with nothing but the cause, when it is plain that the file cannot be read. What is not on disk and goes
+    /// on beyond `most_bytes_passed`, or cannot be read to its end, is no XML document, whatever stands in it. One for
+    /// standard input at a time.
+    explicit input_file(const std::string& name, std::size_t most_bytes_passed = most_bytes);
 
     /// What to open; only once unless it is a file on disk.
     const std::string& path() const { return path_; }
@@ -42,6 +46,7 @@ public:
 private:
     struct passed_bytes;
     static bool pass_block(gzFile source, int sink, passed_bytes& passed);
+    static void pass_all(int source, int sink, passed_bytes& passed);
     static void pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed);
     int pass_on(int source, std::size_t most_bytes_passed);
 

@@ -68,23 +68,21 @@ bool load_in_transaction(_zeb_db_handle_t* handle, const load_options& options, 
 enum class attempt { done, failed, overtaken };
 
 // Nobody finds the database before everything is in it.
-attempt make_inventory(const std::string& database, const char* path) {
+attempt make_inventory(const load_options& options, const input_file& input, left_out_watch& watch) {
     const memory_database rows;
-    if (!load_in_transaction(rows.handle(), path)) {
+    if (!load_in_transaction(rows.handle(), options, input, watch)) {
         return attempt::failed;
     }
-    return make_database(database, rows) ? attempt::done : attempt::overtaken;
+    return make_database(options.database, rows) ? attempt::done : attempt::overtaken;
 }
 
-attempt try_to_load(const load_options& options, const input_file& input, left_out_watch& watch) {
+attempt replace_rows(const load_options& options, const input_file& input, left_out_watch& watch) {
     const std::string& database = options.database;
-    new_database_file file(database);
     refuse_foreign_database(database);
     _zeb_db_handle_t* opened = nullptr;
     zeb_db_open(sqlite_name(database).c_str(), &opened);
     handle_ptr handle(opened);
     if (handle != nullptr && load_in_transaction(handle.get(), options, input, watch)) {
-        file.keep();
         return attempt::done;
     }
     handle.reset();
@@ -92,23 +90,21 @@ attempt try_to_load(const load_options& options, const input_file& input, left_o
     return attempt::failed;
 }
 
-// Another load that made the database and was refused takes it away, whoever waits for it; then this one begins anew.
-// Throws failure with the cause alone.
+// Another program may make the database while this one reads. Throws failure with the cause alone.
 void replace_inventory(const load_options& options, left_out_watch& watch) {
     const input_file input(options.loading.file);
+    const bool is_new = is_to_be_made(options.database);
     progress line(input.status());
-    for (int attempts_left = most_attempts;; --attempts_left) {
-        const library_log log(line, display_for(options.loading));
-        const attempt result = try_to_load(options, input, watch);
-        if (result == attempt::done) {
-            return;
-        }
-        if (!watch.refusal().empty()) {
-            throw failure(watch.refusal());
-        }
-        if (result == attempt::failed || attempts_left == 1 || !S_ISREG(input.status().st_mode)) {
-            throw failure(cause_of_refusal(input, log));
-        }
+    const library_log log(line, display_for(options.loading));
+    attempt result = is_new ? make_inventory(options, input, watch) : replace_rows(options, input, watch);
+    if (result == attempt::overtaken && input.is_on_disk()) {
+        result = replace_rows(options, input, watch);
+    }
+    if (result == attempt::overtaken) {
+        throw failure("another program has made the database meanwhile; try again");
+    }
+    if (result == attempt::failed) {
+        throw failure(watch.refusal().empty() ? cause_of_refusal(input, log) : watch.refusal());
     }
 }
 
@@ -144,14 +140,15 @@ std::string summary(const load_options& options, milliseconds duration, const le
     return text.str();
 }
 
-failure not_loaded(const load_options& options, const std::string& cause) {
+failure not_loaded(const load_options& options, const std::string& cause, bool was_there) {
     return failure("cannot load " + input_title(options.loading.file) + ": " + cause + "; " +
-                   state_of(options.database));
+                   state_of(options.database, was_there));
 }
 
 int load(const load_options& options) {
     const auto start = steady_clock::now();
     left_out_watch watch(options.loading);
+    const bool was_there = ::access(options.database.c_str(), F_OK) == 0;
     try {
         replace_inventory(options, watch);
     } catch (const failure& cause) {

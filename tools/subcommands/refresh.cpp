@@ -18,6 +18,7 @@
 #include "console/output.h"
 #include "console/progress.h"
 #include "inventory/refresh.h"
+#include "sources/cds_file.h"
 #include "sources/database_file.h"
 #include "sources/input_file.h"
 #include "sources/library_log.h"
@@ -96,11 +97,12 @@ void refuse_before_a_database_is_made(const input_file& input, left_out_watch& w
 // What there was before. Throws failure with the cause alone.
 inventory_marks refresh_database(const refresh_options& options, left_out_watch& watch) {
     const input_file input(options.loading.file);
-    new_database_file file(options.database);
+    if (is_to_be_made(options.database)) {
+        refuse_before_a_database_is_made(input, watch);
+    }
     refuse_foreign_database(options.database);
     inventory_marks before = read_marks(open_service(options.database));
     run_refresh(input, options, watch);
-    file.keep();
     note_source(options, input);
     return before;
 }

@@ -49,7 +49,8 @@ std::string read_error_of(const std::string& content) {
     return input.read_error();
 }
 
-std::string refusal_of(const std::string& name) {
+template <class Action>
+std::string refusal_of(Action action) {
     try {
         action();
     } catch (const failure& cause) {
