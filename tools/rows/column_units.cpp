@@ -48,7 +48,10 @@ std::string size(const inventory_value& value, std::size_t unit) {
 // The name beside the number, as in "DDR4 (26)"; the number alone where it has no name.
 std::string named(const inventory_value& value, const enumeration& names) {
     const auto number = number_in(value);
-    const char* name = number ? name_of(names, *number) : nullptr;
+    if (!number) {
+        return column_units::plain(value);
+    }
+    const char* name = name_of(names, *number);
     return name == nullptr ? column_units::plain(value) : name + (" (" + std::to_string(*number) + ")");
 }
 
