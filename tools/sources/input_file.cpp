@@ -25,7 +25,6 @@
 
 namespace {
 
-constexpr const char* standard_input = "-";
 constexpr const char* standard_input_path = "/dev/stdin";
 
 // Ends no XML document, in whatever encoding of one, two or four bytes.
@@ -81,8 +80,12 @@ void require_open_for_reading() {
 
 }  // namespace
 
+bool is_standard_input(const std::string& name) {
+    return name == "-";
+}
+
 std::string input_title(const std::string& name) {
-    return name == standard_input ? "standard input" : in_quotes(name);
+    return is_standard_input(name) ? "standard input" : in_quotes(name);
 }
 
 // What went through the pipe that stands for an input which can be read only once.
@@ -101,7 +104,7 @@ struct input_file::passed_bytes {
 };
 
 input_file::input_file(const std::string& name, std::size_t most_bytes_passed) : name_(name), path_(name) {
-    if (name == standard_input) {
+    if (is_standard_input(name)) {
         require_open_for_reading();
         ::fstat(STDIN_FILENO, &status_);
         // Not everything that standard input may be can be opened by a path: a socket cannot, nor a file that only the
@@ -195,7 +198,7 @@ std::unique_ptr<std::istream> input_file::read_again() const {
 }
 
 std::unique_ptr<std::istream> input_file::read_as_it_lies() const {
-    if (name_ != standard_input && S_ISREG(status_.st_mode)) {
+    if (!is_standard_input(name_) && S_ISREG(status_.st_mode)) {
         return std::make_unique<std::ifstream>(name_, std::ios::binary);
     }
     return read_again();

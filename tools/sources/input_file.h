@@ -12,6 +12,9 @@
 #include <memory>
 #include <string>
 
+/// Whether the name is "-", which stands for standard input.
+bool is_standard_input(const std::string& name);
+
 /// What messages call the file of that name: 'x.xml' or standard input.
 std::string input_title(const std::string& name);
 

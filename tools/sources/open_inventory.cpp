@@ -24,7 +24,7 @@ namespace {
 
 bool is_file(const std::string& name) {
     std::error_code ignored;
-    return name != "-" && std::filesystem::is_regular_file(name, ignored);
+    return !is_standard_input(name) && std::filesystem::is_regular_file(name, ignored);
 }
 
 bool is_database_file(const std::string& name) {

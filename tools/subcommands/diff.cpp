@@ -12,6 +12,7 @@
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
 #include "rows/table.h"
+#include "sources/input_file.h"
 #include "sources/inventory.h"
 #include "sources/open_inventory.h"
 #include "subcommands/command_line.h"
@@ -56,7 +57,7 @@ std::string answer(const diff_options& options, const comparison& compared) {
 }
 
 int diff(const diff_options& options) {
-    if (options.old_name == "-" && options.new_name == "-") {
+    if (is_standard_input(options.old_name) && is_standard_input(options.new_name)) {
         throw failure("only one of the two inventories can be standard input");
     }
     const std::vector<std::string> ignored = ignored_columns_of(options);

@@ -20,6 +20,7 @@
 #include "listing/listing_formats.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
+#include "sources/input_file.h"
 #include "sources/inventory.h"
 #include "sources/open_inventory.h"
 #include "subcommands/command_line.h"
@@ -108,7 +109,7 @@ void read_words(const command_line& arguments, show_options& options) {
 }
 
 bool is_there(const std::string& file) {
-    return file == "-" || ::access(file.c_str(), F_OK) == 0;
+    return is_standard_input(file) || ::access(file.c_str(), F_OK) == 0;
 }
 
 inventory open(const command_line& arguments, const show_options& options) {
