@@ -12,7 +12,7 @@
 
 #include "difference/comparable_tables.h"
 #include "difference/row_matching.h"
-#include "rows/row_identity.h"
+#include "rows/kind_description.h"
 #include "rows/serial_number.h"
 #include "rows/table.h"
 
@@ -22,7 +22,7 @@ namespace {
 constexpr const char* padded_columns[] = {"SerialNo", "PartNo"};
 
 bool is_identifying(const inventory_table& table, std::size_t column) {
-    const std::vector<std::string>& names = identity_of(*table.kind).columns;
+    const std::vector<std::string>& names = table.kind->description().identity.columns;
     return std::find(names.begin(), names.end(), table.columns[column]) != names.end();
 }
 

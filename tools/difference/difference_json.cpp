@@ -7,7 +7,7 @@
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
 #include "difference/row_matching.h"
-#include "rows/row_identity.h"
+#include "rows/kind_description.h"
 #include "rows/table.h"
 #include "rows/value_json.h"
 
@@ -16,7 +16,7 @@ namespace {
 using json = nlohmann::ordered_json;
 
 json identity_json(const inventory_table& table, std::size_t row) {
-    const std::vector<std::string>& columns = identity_of(*table.kind).columns;
+    const std::vector<std::string>& columns = table.kind->description().identity.columns;
     const inventory_row values(table, row);
     json identity = json::object();
     for (const std::string& column : columns) {

@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-#include "rows/row_identity.h"
+#include "rows/kind_description.h"
 #include "rows/serial_number.h"
 #include "rows/table.h"
 
@@ -88,7 +88,7 @@ public:
     }
 
     row_matching match() {
-        const row_identity& identity = identity_of(*new_.kind);
+        const row_identity& identity = new_.kind->description().identity;
         const key_maker by_identity(identity.columns, false);
         note_groups(by_identity, has_several, matching_.collisions);
         const row_groups owners_of_serials = grouped(key_maker({}, true));

@@ -3,7 +3,6 @@
 #include "explanation/component_title.h"
 
 #include <cstdio>
-#include <map>
 #include <string>
 
 #include <zebdb_cds_parser.h>
@@ -11,6 +10,7 @@
 #include "console/output.h"
 #include "console/utf8.h"
 #include "explanation/known_settings.h"
+#include "rows/kind_description.h"
 #include "rows/kinds.h"
 
 namespace {
@@ -48,19 +48,6 @@ std::string address_text(const cds_parser::component& titled, const known_group&
            number_text(settings, "Function Number", "%llx", -1);
 }
 
-// A component is called by its name, or by its address where no setting holds a name.
-struct kind_title {
-    const char* what;
-    const char* name_setting;
-};
-
-const std::map<const inventory_kind*, kind_title> titles = {
-    {&kinds::processors, {"processor", "Socket Designation"}},
-    {&kinds::memory, {"memory device", "Device Locator"}},
-    {&kinds::bridges, {"PCI bridge", nullptr}},
-    {&kinds::devices, {"PCI function", nullptr}},
-};
-
 }  // namespace
 
 std::string component_title(const cds_parser::component& titled, const known_group* recorded) {
@@ -68,19 +55,19 @@ std::string component_title(const cds_parser::component& titled, const known_gro
         const std::string* type = find_text(titled, "component_struct_info", "comp_type");
         return type == nullptr ? "component" : "component " + in_quotes(shortened(*type));
     }
-    const kind_title& title = titles.at(recorded->kind);
-    if (title.name_setting == nullptr) {
-        return std::string(title.what) + ' ' + address_text(titled, *recorded);
+    const kind_description& kind = recorded->kind->description();
+    if (kind.name_setting == nullptr) {
+        return std::string(kind.part_name) + ' ' + address_text(titled, *recorded);
     }
-    const std::string* name = find_text(titled, recorded->name, title.name_setting);
-    return name == nullptr ? title.what : std::string(title.what) + ' ' + in_quotes(shortened(*name));
+    const std::string* name = find_text(titled, recorded->name, kind.name_setting);
+    return name == nullptr ? kind.part_name : std::string(kind.part_name) + ' ' + in_quotes(shortened(*name));
 }
 
 std::string component_name(const cds_parser::component& titled, const known_group* recorded) {
     if (recorded == nullptr) {
         return "";
     }
-    const char* setting = titles.at(recorded->kind).name_setting;
+    const char* setting = recorded->kind->description().name_setting;
     if (setting == nullptr) {
         return address_text(titled, *recorded);
     }

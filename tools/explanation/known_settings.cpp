@@ -12,8 +12,8 @@
 
 #include "cds_parser/record_columns.h"
 #include "explanation/similar_name.h"
+#include "rows/kind_description.h"
 #include "rows/kinds.h"
-#include "rows/recorded_columns.h"
 
 namespace {
 
@@ -25,7 +25,7 @@ std::vector<known_group> groups_of_all_kinds() {
     std::vector<known_group> groups;
     for (const inventory_kind* kind : kinds::all) {
         known_group& group = groups.emplace_back(known_group{kind->record.group, kind, {}});
-        for (const cds_parser::column& column : recorded_columns(*kind)) {
+        for (const cds_parser::column& column : kind->description().recorded) {
             group.settings.push_back({column.setting, column.name});
         }
     }

@@ -16,7 +16,7 @@
 #include "cds_parser/record_columns.h"
 #include "console/output.h"
 #include "explanation/known_settings.h"
-#include "rows/recorded_columns.h"
+#include "rows/kind_description.h"
 #include "rows/table.h"
 
 namespace {
@@ -86,7 +86,7 @@ std::vector<odd_value> odd_values(const cds_parser::component& explained, const 
         return odd;
     }
     const cds_parser::setting_group& group = *explained.get_setting_group(recorded_by->name);
-    for (const column& each : recorded_columns(*recorded_by->kind)) {
+    for (const column& each : recorded_by->kind->description().recorded) {
         const setting_node* setting = group.get_setting(each.setting);
         if (setting == nullptr || each.type == column_type::text) {
             continue;

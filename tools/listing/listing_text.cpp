@@ -1,128 +1,43 @@
 // SPDX-License-Identifier: Apache-2.0
 
-// Which columns people want to see, and in which order.
-
 #include <algorithm>
 #include <cstddef>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "console/text_table.h"
 #include "listing/listing_formats.h"
+#include "rows/kind_description.h"
 #include "rows/kinds.h"
-#include "rows/pci_label_columns.h"
+#include "rows/part_text.h"
 #include "rows/row_text.h"
 #include "rows/table.h"
 
 namespace {
 
-struct shown_column {
-    const char* heading;
-    shown_text text;
-    alignment aligned = alignment::left;
-};
-
-constexpr auto left = alignment::left;
-constexpr auto right = alignment::right;
-
-const std::vector<shown_column> processor_columns = {
-    {"Id", "Id", right},
-    {"Node", "NodeIndex", right},
-    {"Socket", "Socket"},
-    {"Version", "Version"},
-    {"Cores", row_texts::cores, right},
-    {"Threads", "ThreadCount", right},
-    {"Speed", "CurSpeed", right},
-    {"L3 cache", "L3CacheInstalled", right},
-    {"Processor id", "ProcId"},
-    {"Serial number", "SerialNo"},
-    {"Asset tag", "AssetTag"},
-};
-
-const std::vector<shown_column> memory_columns = {
-    {"Id", "Id", right},
-    {"Node", "NodeIndex", right},
-    {"Slot", "SlotNo", right},
-    {"Locator", "DevLocator"},
-    {"Bank", "BankLocator"},
-    {"Size", "MemSize", right},
-    {"Form factor", "FormFactor"},
-    {"Type", "MemType"},
-    {"Speed", "ClockSpeed", right},
-    {"Manufacturer", "Manufacturer"},
-    {"Part number", "PartNo"},
-    {"Serial number", "SerialNo"},
-    {"Asset tag", "AssetTag"},
-    {"Capacity", "Capacity", right},
-    {"Volatile", "MemCapacity", right},
-    {"App direct", "AppDirCap", right},
-    {"Firmware", "FirmwareVersion"},
-    {"Array", "ArrayId", right},
-};
-
-const std::vector<shown_column> bridge_columns = {
-    {"Id", "Id", right},
-    {"Node", "NodeIndex", right},
-    {"Parent", "ParentId", right},
-    {"Address", row_texts::bridge_address},
-    {"Vendor:dev", row_texts::bridge_id},
-    {"Name", pci_label_columns::name},
-    {"Revision", "RevId"},
-    {"Class", "ClsCode"},
-    {"Kind", pci_label_columns::kind},
-    {"Primary bus", "PriBusNo"},
-    {"Bus range", row_texts::bus_range},
-};
-
-const std::vector<shown_column> device_columns = {
-    {"Id", "Id", right},
-    {"Node", "NodeIndex", right},
-    {"Bridge", "BridgeId", right},
-    {"Address", row_texts::device_address},
-    {"Slot", "SlotNo", right},
-    {"Designation", "SlotDesignation"},
-    {"Vendor:dev", row_texts::device_id},
-    {"Name", pci_label_columns::name},
-    {"Subsystem", row_texts::subsystem_id},
-    {"Class", "ClsCode"},
-    {"Kind", pci_label_columns::kind},
-    {"Lanes", row_texts::lanes, right},
-    {"Link speed", row_texts::link_speed, right},
-    {"Device key", "DevKey"},
-    {"Function key", "FunKey"},
-};
-
-const std::map<const inventory_kind*, std::vector<shown_column>> shown_columns = {
-    {&kinds::processors, processor_columns},
-    {&kinds::memory, memory_columns},
-    {&kinds::bridges, bridge_columns},
-    {&kinds::devices, device_columns},
-};
-
 bool is_empty(const std::string& cell) {
     return stripped(cell).empty();
 }
 
-text_column filled(const shown_column& shown, const inventory_table& table) {
-    const bool is_free_text = shown.text.is_plain(*table.kind) && shown.aligned == left;
+text_column filled(const listed_column& shown, const inventory_table& table) {
+    const bool is_free_text = is_plain(shown.text, *table.kind) && shown.aligned == alignment::left;
     text_column column{shown.heading, shown.aligned, is_free_text, {}};
     for (std::size_t row = 0; row < table.rows.size(); ++row) {
-        column.cells.push_back(shown.text(inventory_row(table, row)));
+        column.cells.push_back(text_of(shown.text, inventory_row(table, row)));
     }
     return column;
 }
 
 // By the names of the database; where none are chosen, those that people want to see.
-std::vector<shown_column> columns_for(const inventory_table& table, const listing_view& view) {
+std::vector<listed_column> columns_for(const inventory_table& table, const listing_view& view) {
     if (view.columns.empty()) {
-        return shown_columns.at(table.kind);
+        return table.kind->description().listed;
     }
-    std::vector<shown_column> columns;
+    std::vector<listed_column> columns;
     for (const std::string& name : view.columns) {
         if (find_column(table, name)) {
-            columns.push_back({name.c_str(), name.c_str(), left});
+            columns.push_back({name.c_str(), name.c_str()});
         }
     }
     return columns;
@@ -130,7 +45,7 @@ std::vector<shown_column> columns_for(const inventory_table& table, const listin
 
 std::vector<text_column> filled_columns(const inventory_table& table, const listing_view& view) {
     std::vector<text_column> columns;
-    for (const shown_column& shown : columns_for(table, view)) {
+    for (const listed_column& shown : columns_for(table, view)) {
         text_column column = filled(shown, table);
         const bool is_wanted = view.wide || !view.columns.empty();
         if (is_wanted || !std::all_of(column.cells.begin(), column.cells.end(), is_empty)) {

@@ -1,30 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 
-/// Every column of every kind: what it means, its unit, what its numbers stand for, where it comes from and when it is
-/// absent. docs/fields.md is written from these.
+/// Every column of every kind. docs/fields.md is written from these.
 #ifndef TOOLS_ROWS_FIELDS_H
 #define TOOLS_ROWS_FIELDS_H
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include "rows/column_units.h"
-#include "rows/enumerations.h"
+#include "rows/field.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
-
-struct field {
-    const char* column;
-    const char* meaning;
-    const char* unit;                          ///< empty for none
-    column_unit text;                          ///< how people see it
-    const enumeration* values;                 ///< what its numbers stand for; null for themselves
-    std::string origin;                        ///< the setting or the rule that gives it
-    std::string absent;                        ///< when it is absent; empty for never
-    std::optional<std::int64_t> absent_value;  ///< the number in the database that stands for that
-};
 
 /// When the field is absent, and what is stored then, for people.
 std::string absence_text(const field& described);

@@ -6,7 +6,14 @@
 
 #include <string>
 
+#include "rows/shown_text.h"
 #include "rows/table.h"
+
+/// "-" stands for what there is not.
+std::string text_of(const shown_text& shown, const inventory_row& row);
+
+/// Whether it is a column without a unit in rows of that kind.
+bool is_plain(const shown_text& shown, const inventory_kind& kind);
 
 /// Where the part is, as in "CPU 1, node 0" or "0000:3b:00.0, node 0"; "unnamed" when nothing says so.
 std::string place_text(const inventory_row& row);

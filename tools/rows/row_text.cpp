@@ -6,8 +6,7 @@
 #include <string>
 
 #include "rows/column_units.h"
-#include "rows/fields.h"
-#include "rows/kinds.h"
+#include "rows/serial_number.h"
 #include "rows/table.h"
 
 namespace {
@@ -35,6 +34,11 @@ using column_units::plain;
 
 std::string cores(const inventory_row& row) {
     return joined(plain(row["CoreEnabled"]), "/", plain(row["CoreCount"]));
+}
+
+std::string serial_number(const inventory_row& row) {
+    const std::string* text = text_in(row["SerialNo"]);
+    return text != nullptr && real_serial_number(*text) ? plain(*text) : "";
 }
 
 std::string bridge_address(const inventory_row& row) {
@@ -70,14 +74,6 @@ std::string link_speed(const inventory_row& row) {
 }
 
 }  // namespace row_texts
-
-std::string shown_text::operator()(const inventory_row& row) const {
-    return column_ == nullptr ? text_(row) : unit_of(row.kind(), column_)(row[column_]);
-}
-
-bool shown_text::is_plain(const inventory_kind& kind) const {
-    return column_ != nullptr && unit_of(kind, column_) == column_units::plain;
-}
 
 std::string stripped(const std::string& text) {
     if (text.find_first_not_of("- ") == std::string::npos) {

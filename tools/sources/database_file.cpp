@@ -24,8 +24,8 @@
 #include "cds_parser/record_columns.h"
 #include "console/failure.h"
 #include "console/output.h"
+#include "rows/kind_description.h"
 #include "rows/kinds.h"
-#include "rows/row_identity.h"
 #include "sources/connection.h"
 #include "sources/memory_database.h"
 
@@ -136,7 +136,7 @@ bool lacks_column(sqlite3* connection, const inventory_kind& kind, const std::st
 // Whether there is a table with the name of one of ours that rows have no place in.
 bool has_homonym(sqlite3* connection) {
     return std::any_of(std::begin(kinds::all), std::end(kinds::all), [connection](const inventory_kind* kind) {
-        const std::vector<std::string>& columns = identity_of(*kind).columns;
+        const std::vector<std::string>& columns = kind->description().identity.columns;
         return std::any_of(columns.begin(), columns.end(), [connection, kind](const std::string& column) {
             return lacks_column(connection, *kind, column);
         });

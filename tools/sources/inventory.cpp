@@ -20,8 +20,8 @@
 #include "console/output.h"
 #include "console/utf8.h"
 #include "rows/fields.h"
+#include "rows/kind_description.h"
 #include "rows/kinds.h"
-#include "rows/recorded_columns.h"
 #include "rows/table.h"
 #include "sources/database_file.h"
 
@@ -30,7 +30,7 @@ namespace {
 constexpr int busy_timeout_ms = 5000;
 
 bool is_unsigned(const inventory_kind& kind, const std::string& name) {
-    const std::vector<cds_parser::column>& columns = recorded_columns(kind);
+    const std::vector<cds_parser::column>& columns = kind.description().recorded;
     return std::any_of(columns.begin(), columns.end(), [&name](const cds_parser::column& column) {
         return column.name == name && column.type == cds_parser::column_type::uint64;
     });

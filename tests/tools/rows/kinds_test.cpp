@@ -11,9 +11,8 @@
 
 #include "rows/column_units.h"
 #include "rows/fields.h"
+#include "rows/kind_description.h"
 #include "rows/part_text.h"
-#include "rows/recorded_columns.h"
-#include "rows/row_identity.h"
 #include "rows/table.h"
 #include "tools/memory_rows.h"
 
@@ -30,7 +29,7 @@ TEST(KindsOfRow, AreTheLoadersKindsOfRecord) {
 class Kinds : public testing::TestWithParam<const inventory_kind*> {};
 
 TEST_P(Kinds, HaveColumnsThatTellTheirRowsApart) {
-    EXPECT_FALSE(identity_of(*GetParam()).columns.empty());
+    EXPECT_FALSE(GetParam()->description().identity.columns.empty());
 }
 
 TEST_P(Kinds, HaveUnits) {
@@ -54,7 +53,7 @@ TEST_P(Kinds, HaveColumnsFromSettingsButForThoseThatTheWritersWorkOut) {
         }
     }
     std::set<std::string> recorded;
-    for (const cds_parser::column& column : recorded_columns(*GetParam())) {
+    for (const cds_parser::column& column : GetParam()->description().recorded) {
         recorded.insert(column.name);
     }
     EXPECT_EQ(recorded, others);

@@ -18,6 +18,23 @@ std::string part_of(const inventory_table& table) {
 
 }  // namespace
 
+TEST(ShownText, IsAColumnInItsUnit) {
+    const inventory_table table = {&kinds::devices, {"VendorId"}, {{number(0x8086)}}};
+    EXPECT_EQ(text_of("VendorId", inventory_row(table, 0)), "0x8086");
+    EXPECT_EQ(text_of("MaxLanes", inventory_row(table, 0)), "-");
+}
+
+TEST(ShownText, IsATextOfSeveralColumns) {
+    const inventory_table table = {&kinds::devices, {"VendorId", "DeviceId"}, {{number(0x8086), number(0x1528)}}};
+    EXPECT_EQ(text_of(row_texts::device_id, inventory_row(table, 0)), "8086:1528");
+}
+
+TEST(ShownText, IsPlainOnlyWhereItIsAColumnWithoutAUnit) {
+    EXPECT_TRUE(is_plain("SlotDesignation", kinds::devices));
+    EXPECT_FALSE(is_plain("DevKey", kinds::devices));
+    EXPECT_FALSE(is_plain(row_texts::device_id, kinds::devices));
+}
+
 TEST(PlaceText, OfAProcessorIsItsSocketAndNode) {
     EXPECT_EQ(place_of({&kinds::processors, {"Socket", "NodeIndex"}, {{"CPU 1", number(0)}}}), "CPU 1, node 0");
 }

@@ -31,21 +31,6 @@ TEST(RowText, IsOneDashWhenAllPartsAreAbsent) {
     EXPECT_EQ(row_texts::link_speed(function), "-");
 }
 
-TEST(ShownText, IsAColumnInItsUnit) {
-    EXPECT_EQ(shown_text("MaxLanes")(function), "-");
-    EXPECT_EQ(shown_text("VendorId")(function), "0x8086");
-}
-
-TEST(ShownText, IsATextOfSeveralColumns) {
-    EXPECT_EQ(shown_text(row_texts::device_address)(function), "0000:3b:1f.7");
-}
-
-TEST(ShownText, IsPlainOnlyWhereItIsAColumnWithoutAUnit) {
-    EXPECT_TRUE(shown_text("SlotDesignation").is_plain(kinds::devices));
-    EXPECT_FALSE(shown_text("DevKey").is_plain(kinds::devices));
-    EXPECT_FALSE(shown_text(row_texts::device_id).is_plain(kinds::devices));
-}
-
 TEST(StrippedText, HasNoBlanksAroundIt) {
     EXPECT_EQ(stripped("  Slot 5 "), "Slot 5");
 }
