@@ -5,6 +5,7 @@
 
 #include "sysxml_workstation.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>

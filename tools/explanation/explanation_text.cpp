@@ -16,10 +16,10 @@
 #include "explanation/explanation_formats.h"
 #include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
-#include "rows/column_units.h"
 #include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
+#include "sources/library_log.h"
 
 namespace {
 

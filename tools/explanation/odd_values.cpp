@@ -2,7 +2,6 @@
 
 #include "explanation/odd_values.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>

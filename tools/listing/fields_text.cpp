@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include <algorithm>
 #include <set>
 #include <string>
 
 #include "console/text_table.h"
 #include "listing/fields_formats.h"
 #include "rows/enumerations.h"
+#include "rows/field.h"
 #include "rows/fields.h"
 #include "rows/kinds.h"
 

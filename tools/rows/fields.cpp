@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "rows/column_units.h"
+#include "rows/field.h"
 #include "rows/kind_description.h"
 #include "rows/kinds.h"
 #include "rows/table.h"

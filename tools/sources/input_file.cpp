@@ -4,13 +4,13 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/types.h>
 #include <unistd.h>
 #include <zlib.h>
 
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <ios>
 #include <istream>
 #include <memory>
 #include <mutex>

@@ -24,6 +24,7 @@
 #include "rows/kinds.h"
 #include "rows/table.h"
 #include "sources/database_file.h"
+#include "sources/source_record.h"
 
 namespace {
 

@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <ctime>
 #include <istream>
-#include <iterator>
 #include <memory>
 #include <string>
 

@@ -5,7 +5,6 @@
 #include <memory>
 #include <string>
 
-#include "console/failure.h"
 #include "console/output.h"
 #include "console/text_table.h"
 #include "listing/fields_formats.h"

@@ -5,8 +5,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstddef>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
