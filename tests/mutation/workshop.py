@@ -48,7 +48,7 @@ class Program:
     def command(self, build, suites):
         chosen = [f"--gtest_filter={':'.join(f'{suite}.*:*/{suite}.*' for suite in suites)}"] if suites else []
         if self.sandbox:
-            return [SOURCE / "tests/support/in-sandbox", build / "tests/each-test", self.name, *chosen]
+            return [SOURCE / "tests/support/in-sandbox", build, build / "tests/each-test", self.name, *chosen]
         return [build / "tests" / self.name, "--gtest_brief=1", "--gtest_fail_fast", *chosen]
 
     def suites_of(self, file):
