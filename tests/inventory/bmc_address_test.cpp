@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <zebdb_cds_parser.h>
 
+#include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -57,8 +59,8 @@ TEST_F(UpdateBmcAddress, WritesAChangedAddressAndLogsBoth) {
 }
 
 TEST_F(UpdateBmcAddress, Gives3AndWritesNothingForTheAddressOnRecord) {
-    const std::filesystem::file_time_type long_ago{};
     write_file(place::bmc_address, bytes({0xAB, 0xC, 2}));
+    const auto long_ago = std::filesystem::last_write_time(place::bmc_address) - std::chrono::hours(24);
     std::filesystem::last_write_time(place::bmc_address, long_ago);
     set_database(0xAB, 0xC, 2);
     EXPECT_EQ(update_bmc_addr(), 3);

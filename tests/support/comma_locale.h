@@ -37,6 +37,10 @@ public:
     comma_locale& operator=(const comma_locale&) = delete;
 
 private:
+    // Of the processor that the test is compiled for, which need not be the one that localedef is of.
+    static constexpr const char* byte_order =
+        __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__ ? "--big-endian" : "--little-endian";
+
     void write_characters() const {
         std::ofstream file(folder_.file("characters"));
         file << "<code_set_name> ASCII\n<comment_char> %\n<escape_char> /\n<mb_cur_min> 1\n<mb_cur_max> 1\nCHARMAP\n"
@@ -54,8 +58,8 @@ private:
             const int silence = open("/dev/null", O_WRONLY);
             dup2(silence, STDOUT_FILENO);
             dup2(silence, STDERR_FILENO);
-            execlp("localedef", "localedef", "--no-archive", "-c", "-f", folder_.file("characters").c_str(), "-i",
-                   folder_.file("numbers").c_str(), folder_.file("xx_XX").c_str(), static_cast<char*>(nullptr));
+            execlp("localedef", "localedef", byte_order, "--no-archive", "-c", "-f", folder_.file("characters").c_str(),
+                   "-i", folder_.file("numbers").c_str(), folder_.file("xx_XX").c_str(), static_cast<char*>(nullptr));
             _exit(127);
         }
         EXPECT_EQ(waitpid(child, nullptr, 0), child);
