@@ -7,9 +7,11 @@
 #include <fstream>
 #include <ios>
 #include <istream>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <zebdb_cds_parser.h>
 
@@ -19,6 +21,7 @@
 #include "sources/input_file.h"
 #include "sources/inventory.h"
 #include "sources/memory_inventory.h"
+#include "sources/source_record.h"
 
 namespace {
 
@@ -49,38 +52,62 @@ std::string content_of(const input_file& input) {
     return content;
 }
 
-// What can be read only once. Throws failure with the cause alone, like those below.
-inventory read_stream(const input_file& input, const std::string& title) {
+// Throws failure with the cause alone, like those below.
+opened_source read_document(std::istream& in, const input_file& input, const std::string& title) {
+    auto document = std::make_unique<cds_parser::document>();
+    read_cds(in, input, *document);
+    inventory rows = load_into_memory(*document, title);
+    return {std::move(rows), std::move(document), {}};
+}
+
+// What can be read only once.
+opened_source read_stream(const input_file& input, const std::string& title) {
     const std::string content = content_of(input);
     std::istringstream in(content);
     if (begins_as_database(in)) {
-        return open_in_memory(content, title);
+        return {open_in_memory(content, title), nullptr, {}};
     }
     in.clear();
     in.seekg(0);
-    cds_parser::document document;
-    read_cds(in, input, document);
-    return load_into_memory(document, title);
+    return read_document(in, input, title);
 }
 
-inventory read_file(const input_file& input, const std::string& title) {
+opened_source read_input(const input_file& input, const std::string& title) {
+    if (!input.is_on_disk()) {
+        return read_stream(input, title);
+    }
     std::ifstream in(input.path());
-    cds_parser::document document;
-    read_cds(in, input, document);
-    return load_into_memory(document, title);
+    return read_document(in, input, title);
+}
+
+opened_source read_named(const std::string& name, bool with_digest) {
+    const std::string title = input_title(name);
+    try {
+        const input_file input(name);
+        opened_source opened = read_input(input, title);
+        if (with_digest) {
+            opened.file = digest_of(*input.read_as_it_lies());
+        }
+        return opened;
+    } catch (const failure& cause) {
+        throw failure("cannot read " + title + ": " + cause.what());
+    }
 }
 
 }  // namespace
 
 inventory open_inventory(const std::string& name) {
-    if (is_database_file(name)) {
-        return inventory(name, database_naming::argument);
+    return is_database_file(name) ? inventory(name, database_naming::argument) : read_named(name, false).rows;
+}
+
+opened_source open_source(const std::string& name) {
+    opened_source opened = is_database_file(name)
+                               ? opened_source{inventory(name, database_naming::argument), nullptr, {}}
+                               : read_named(name, true);
+    if (opened.file.sha256.empty()) {
+        std::ifstream file(name, std::ios::binary);
+        opened.file = digest_of(file);
     }
-    const std::string title = input_title(name);
-    try {
-        const input_file input(name);
-        return input.is_on_disk() ? read_file(input, title) : read_stream(input, title);
-    } catch (const failure& cause) {
-        throw failure("cannot read " + title + ": " + cause.what());
-    }
+    opened.file.name = name;
+    return opened;
 }
