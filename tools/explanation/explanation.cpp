@@ -68,7 +68,7 @@ public:
 
     void visit(component& visited, const std::string& path, std::int64_t parent) {
         const loaded_component loaded = loader_.load(visited, parent);
-        explanation told = begin(visited, path);
+        explanation told = begin(visited, path, parent);
         told.row = loaded.row;
         told.log = loaded.log;
         told.judged = verdict_on(visited, told.recorded_by, loaded, find_left_out(visited), doubts_);
@@ -81,7 +81,7 @@ public:
             if (loaded.parent_below) {
                 visit(child, child_path, *loaded.parent_below);
             } else {
-                pass_over(child, child_path, obstacle);
+                pass_over(child, child_path, parent, obstacle);
             }
         });
     }
@@ -89,14 +89,15 @@ public:
     std::vector<explanation> take() { return std::move(explanations_); }
 
 private:
-    void pass_over(component& passed, const std::string& path, const std::string& obstacle) {
-        explanation told = begin(passed, path);
+    void pass_over(component& passed, const std::string& path, std::int64_t parent, const std::string& obstacle) {
+        explanation told = begin(passed, path, parent);
         told.judged = verdict_on_unreached(passed, !told.groups.empty(), obstacle);
         told.unused = unused_settings(passed, told.recorded_by, told.row);
         told.odd = odd_values(passed, told.recorded_by, told.row);
         add(std::move(told));
-        go_below(passed, path,
-                 [&](component& child, const std::string& child_path) { pass_over(child, child_path, obstacle); });
+        go_below(passed, path, [&](component& child, const std::string& child_path) {
+            pass_over(child, child_path, parent, obstacle);
+        });
     }
 
     template <class Visit>
@@ -116,7 +117,9 @@ private:
     void explain_slots(const child_slot_group& slots, const std::string& path) {
         explanation told = {};
         told.path = path;
+        told.bridge = component_loader::no_parent;
         told.title = child_slot_group::TAG;
+        told.rule = rule_against(slots);
         told.groups = recorded_groups(slots);
         told.judged = verdict_on_slots(told.groups);
         if (!told.groups.empty()) {
@@ -124,9 +127,11 @@ private:
         }
     }
 
-    explanation begin(const component& explained, const std::string& path) {
+    explanation begin(const component& explained, const std::string& path, std::int64_t parent) {
         explanation told = {};
         told.path = path;
+        told.bridge = parent;
+        told.rule = rule_against(explained);
         told.groups = recorded_groups(explained);
         told.recorded_by = told.groups.empty() ? nullptr : doubts_.recorded_group(explained);
         told.title = component_title(explained, told.recorded_by);
@@ -138,6 +143,11 @@ private:
     const left_out_element* find_left_out(const cds_parser::element& element) const {
         const auto found = left_out_.find(&element);
         return found == left_out_.end() ? nullptr : found->second;
+    }
+
+    std::optional<omission> rule_against(const cds_parser::element& element) const {
+        const left_out_element* found = find_left_out(element);
+        return found == nullptr ? std::nullopt : std::optional(found->why);
     }
 
     void add(explanation told) {
@@ -160,6 +170,14 @@ std::vector<explanation> explanations_of(cds_parser::document& document, bool al
     walk explained(left_out, all);
     explained.visit(document.root, std::string("/") + component::TAG, component_loader::no_parent);
     return explained.take();
+}
+
+bool is_left_out(const explanation& told) {
+    return !told.groups.empty() && !told.row;
+}
+
+const char* code_of(const explanation& told) {
+    return told.rule ? name_of(*told.rule) : name_of(told.judged.became);
 }
 
 void redact(explanation& told) {

@@ -5,6 +5,7 @@
 #define TOOLS_EXPLANATION_EXPLANATION_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include <zebdb_cds_parser.h>
 
 #include "explanation/known_settings.h"
+#include "explanation/left_out.h"
 #include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
 #include "explanation/verdict.h"
@@ -19,12 +21,14 @@
 #include "sources/library_log.h"
 
 struct explanation {
-    std::string path;                    ///< in the file, as XPath has it
-    std::string title;                   ///< what the component is and which, for people
-    std::string name;                    ///< the last part of that: an address, a locator; empty for none
-    std::vector<std::string> groups;     ///< those that the loader records, by name
-    const known_group* recorded_by;      ///< the one of them that the loader would make a row of; null without one
-    verdict judged;                      ///< what became of it
+    std::string path;                 ///< in the file, as XPath has it
+    std::string title;                ///< what the component is and which, for people
+    std::string name;                 ///< the last part of that: an address, a locator; empty for none
+    std::vector<std::string> groups;  ///< those that the loader records, by name
+    const known_group* recorded_by;   ///< the one of them that the loader would make a row of; null without one
+    verdict judged;                   ///< what became of it
+    std::optional<omission> rule;     ///< by which it was left out, where it was by one
+    std::int64_t bridge;              ///< row id of the nearest bridge above it, component_loader::no_parent for none
     std::optional<inventory_table> row;  ///< that one row, with every column of its table
     std::vector<log_line> log;           ///< what the loader logged about it
     std::vector<unused_setting> unused;  ///< settings of `groups` that no column takes
@@ -34,6 +38,12 @@ struct explanation {
 /// For every component that has, or seems to be meant to have, a group that the loader records; with `all` for every
 /// other one too. In document order. `document` is the same afterwards. Throws failure.
 std::vector<explanation> explanations_of(cds_parser::document& document, bool all);
+
+/// Whether it is a component to record that left no row.
+bool is_left_out(const explanation& told);
+
+/// A word for why there is no row, for programs: that of the rule, or else what became of the component.
+const char* code_of(const explanation& told);
 
 /// Puts a placeholder in place of serial numbers and asset tags.
 void redact(explanation& told);

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "console/text_table.h"
 #include "explanation/explanation.h"
 
@@ -23,5 +25,8 @@ std::string totals_text(const std::vector<explanation>& explanations);
 
 /// For programs: {"schema": 2, "summary": {...}, "components": [...]}.
 std::string explanation_json(const std::vector<explanation>& explanations);
+
+/// The same before it is printed.
+nlohmann::ordered_json explanation_document(const std::vector<explanation>& explanations);
 
 #endif

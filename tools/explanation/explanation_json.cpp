@@ -23,21 +23,6 @@ namespace {
 
 using json = nlohmann::ordered_json;
 
-struct fate_name {
-    fate value;
-    const char* name;
-};
-
-constexpr fate_name fate_names[] = {
-    {fate::recorded, "recorded"},
-    {fate::refused, "refused"},
-    {fate::failed, "failed"},
-    {fate::incomplete, "incomplete"},
-    {fate::nothing_known, "nothing_known"},
-    {fate::not_reached, "not_reached"},
-    {fate::no_known_group, "no_known_group"},
-};
-
 struct level_name {
     vonk_log::level value;
     const char* name;
@@ -120,7 +105,7 @@ json explanation_object(const explanation& told) {
         {"path", told.path},
         {"title", told.title},
         {"groups", told.groups},
-        {"result", name_in(fate_names, told.judged.became)},
+        {"result", name_of(told.judged.became)},
         {"table", told.row ? json(told.row->kind->record.table) : json()},
         {"row", put_columns_json(told.row)},
         {"reasons", told.judged.reasons},
@@ -133,7 +118,7 @@ json explanation_object(const explanation& told) {
 
 }  // namespace
 
-std::string explanation_json(const std::vector<explanation>& explanations) {
+json explanation_document(const std::vector<explanation>& explanations) {
     const explanation_counts counts = count(explanations);
     json document = {
         {"schema", json_schema},
@@ -147,5 +132,9 @@ std::string explanation_json(const std::vector<explanation>& explanations) {
     for (const explanation& told : explanations) {
         document["components"].push_back(explanation_object(told));
     }
-    return json_text(document);
+    return document;
+}
+
+std::string explanation_json(const std::vector<explanation>& explanations) {
+    return json_text(explanation_document(explanations));
 }

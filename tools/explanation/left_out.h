@@ -4,6 +4,7 @@
 #ifndef TOOLS_EXPLANATION_LEFT_OUT_H
 #define TOOLS_EXPLANATION_LEFT_OUT_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,12 @@ struct left_out_element {
 /// All of them, in document order, by the loader's own rules. Looks at the elements only, so that it costs little
 /// beside a load.
 std::vector<left_out_element> left_out_of(const cds_parser::document& document);
+
+/// A word for the rule, for programs.
+const char* name_of(omission rule);
+
+/// How many components the rule keeps out, as in "9 have no location".
+std::string omission_text(omission rule, std::size_t count);
 
 /// How many there are and why, as in "13 components left no row: 9 have no location, 4 no address"; empty for none.
 std::string left_out_text(const std::vector<left_out_element>& left_out);

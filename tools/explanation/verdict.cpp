@@ -2,6 +2,8 @@
 
 #include "explanation/verdict.h"
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -91,7 +93,28 @@ verdict verdict_on_left_out(const component& judged, const known_group& recorded
     return given;
 }
 
+struct fate_name {
+    fate value;
+    const char* name;
+};
+
+constexpr fate_name fate_names[] = {
+    {fate::recorded, "recorded"},
+    {fate::refused, "refused"},
+    {fate::failed, "failed"},
+    {fate::incomplete, "incomplete"},
+    {fate::nothing_known, "nothing_known"},
+    {fate::not_reached, "not_reached"},
+    {fate::no_known_group, "no_known_group"},
+};
+
 }  // namespace
+
+const char* name_of(fate became) {
+    return std::find_if(std::begin(fate_names), std::end(fate_names),
+                        [became](const fate_name& each) { return each.value == became; })
+        ->name;
+}
 
 verdict verdict_on(const component& judged, const known_group* recorded_by, const loaded_component& loaded,
                    const left_out_element* left_out, counterfactual& doubts) {

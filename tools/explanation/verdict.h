@@ -24,6 +24,9 @@ enum class fate {
     no_known_group,  ///< it has no group that the loader records
 };
 
+/// A word for it, for programs.
+const char* name_of(fate became);
+
 struct verdict {
     fate became;
     /// Why there is no row, a phrase each: the rule and what would have made one, then what there is instead. None when

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+
+/// What is said of single settings, for people.
+#ifndef TOOLS_EXPLANATION_EXPLANATION_PHRASES_H
+#define TOOLS_EXPLANATION_EXPLANATION_PHRASES_H
+
+#include <string>
+
+#include "explanation/explanation.h"
+#include "explanation/odd_values.h"
+#include "explanation/unused_settings.h"
+
+/// As in "'Serial Number' in cpu_info".
+std::string quoted_in(const std::string& setting, const std::string& group);
+
+/// Which setting it is, and what may be meant by it.
+std::string unused_text(const unused_setting& unused);
+
+/// Whether only a persistent memory module would have a column for it.
+bool is_of_memory(const unused_setting& unused, const explanation& told);
+
+/// The rule by which a setting that the loader knows has no column in the component's row.
+const char* rule_against(const unused_setting& unused, const explanation& told);
+
+/// Which value it is, and what is odd about it.
+std::string oddity_text(const odd_value& odd);
+
+/// The value, and what the column holds.
+std::string stored_text(const odd_value& odd, const explanation& told);
+
+#endif
