@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include <nlohmann/json.hpp>
+
 #include "console/text_table.h"
 #include "difference/difference.h"
 
@@ -18,5 +20,8 @@ std::string difference_counts(const comparison& compared, const text_style& styl
 /// For programs: one object, {"schema": 2, "same": false, "processors": {"added": [...], ...}, ...}; rows in the order
 /// of their inventory, columns in that of their table.
 std::string difference_json(const comparison& compared);
+
+/// The same before it is printed.
+nlohmann::ordered_json difference_document(const comparison& compared);
 
 #endif

@@ -103,7 +103,7 @@ json difference_of_kind_json(const table_difference& difference) {
 
 }  // namespace
 
-std::string difference_json(const comparison& compared) {
+json difference_document(const comparison& compared) {
     json document = {{"schema", json_schema}, {"same", compared.is_same()}};
     if (compared.ignored_nodes) {
         document["ignored_nodes"] = {{"old", compared.ignored_nodes->first}, {"new", compared.ignored_nodes->second}};
@@ -114,5 +114,9 @@ std::string difference_json(const comparison& compared) {
     for (const table_difference& difference : compared.kinds) {
         document[difference.new_table.kind->name] = difference_of_kind_json(difference);
     }
-    return json_text(document);
+    return document;
+}
+
+std::string difference_json(const comparison& compared) {
+    return json_text(difference_document(compared));
 }

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "console/text_table.h"
 #include "rows/table.h"
 
@@ -22,6 +24,9 @@ std::string listing_text(const std::vector<inventory_table>& tables, const listi
 /// For programs: one object, {"schema": 2, "processors": [...], ...}, each row an object of all its columns; a column
 /// that was never put is null.
 std::string listing_json(const std::vector<inventory_table>& tables);
+
+/// The same before it is printed.
+nlohmann::ordered_json listing_document(const std::vector<inventory_table>& tables);
 
 /// For programs that take a line at a time: an object for each row, {"schema": 2, "kind": "processors", ...}.
 std::string listing_jsonl(const std::vector<inventory_table>& tables);

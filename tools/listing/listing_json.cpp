@@ -10,7 +10,7 @@
 
 using json = nlohmann::ordered_json;
 
-std::string listing_json(const std::vector<inventory_table>& tables) {
+json listing_document(const std::vector<inventory_table>& tables) {
     json document = {{"schema", json_schema}};
     for (const inventory_table& table : tables) {
         json& rows = document[table.kind->name] = json::array();
@@ -18,5 +18,9 @@ std::string listing_json(const std::vector<inventory_table>& tables) {
             rows.push_back(row_json(table, row));
         }
     }
-    return json_text(document);
+    return document;
+}
+
+std::string listing_json(const std::vector<inventory_table>& tables) {
+    return json_text(listing_document(tables));
 }

@@ -43,6 +43,7 @@ public:
     inventory_row(const inventory_table& table, std::size_t place) : table_(&table), place_(place) {}
 
     const inventory_kind& kind() const { return *table_->kind; }
+    std::size_t place() const { return place_; }
 
     /// A column that the table does not have was never put.
     const inventory_value& operator[](const std::string& column) const;
