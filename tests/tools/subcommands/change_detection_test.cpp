@@ -209,7 +209,7 @@ TEST_F(ChangeDetection, RootHidesNeitherTheProgramNorTheWorkingFolderNorTheFiles
         program=$(command -v zebdb-cds)
         cp "$program" /tmp/app/bin
         cp -RL "$(dirname "$program")"/../libexec/zebdb-cds /tmp/app/libexec
-        export LD_LIBRARY_PATH=$(dirname "$program")/..:$(dirname "$program")/../platform
+        export LD_LIBRARY_PATH=$(dirname "$program")/..:$(dirname "$program")/../platform:$LD_LIBRARY_PATH
         cp server.xml /tmp/named.xml
         cp other.bin /tmp/here
         cd /tmp/here
