@@ -8,6 +8,7 @@
 #include <iterator>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -60,6 +61,18 @@ std::vector<inventory_value> inventory_row::values(const std::vector<std::string
     std::transform(columns.begin(), columns.end(), std::back_inserter(values),
                    [this](const std::string& column) { return (*this)[column]; });
     return values;
+}
+
+void keep_columns(inventory_table& table, const std::vector<std::string>& names) {
+    std::vector<std::string> kept;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(kept),
+                 [&table](const std::string& name) { return find_column(table, name).has_value(); });
+    std::vector<std::vector<inventory_value>> rows;
+    for (std::size_t place = 0; place < table.rows.size(); ++place) {
+        rows.push_back(inventory_row(table, place).values(kept));
+    }
+    table.rows = std::move(rows);
+    table.columns = std::move(kept);
 }
 
 void redact(inventory_table& table) {

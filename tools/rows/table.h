@@ -56,6 +56,10 @@ private:
     std::size_t place_;
 };
 
+/// Takes away all columns but those of these names, which stand in their order then; names that the table does not have
+/// are passed over.
+void keep_columns(inventory_table& table, const std::vector<std::string>& names);
+
 /// Puts a placeholder in place of every serial number and asset tag.
 void redact(inventory_table& table);
 

@@ -98,6 +98,6 @@ bool write_source(_zeb_db_handle_t* handle, const source_record& source) {
 }
 
 std::string age_text(const source_record& source, std::time_t now) {
-    return "Loaded " + duration_text(now - source.loaded_at) + time_text(source.loaded_at) + ", from " +
-           input_title(source.name);
+    return "Loaded " + duration_text(now - source.loaded_at) + time_text(source.loaded_at) +
+           (source.name.empty() ? "" : ", from " + input_title(source.name));
 }

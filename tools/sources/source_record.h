@@ -30,7 +30,8 @@ source_record source_of(const std::string& name, const input_file& input);
 /// failure noted by the platform, when that cannot be done.
 bool write_source(_zeb_db_handle_t* handle, const source_record& source);
 
-/// When and from what the rows were loaded, as in "Loaded 3 days ago, 2026-11-19 10:00:00 UTC, from 'x.xml'".
+/// When and from what the rows were loaded, as in "Loaded 3 days ago, 2026-11-19 10:00:00 UTC, from 'x.xml'"; without
+/// the file where its name is empty.
 std::string age_text(const source_record& source, std::time_t now);
 
 #endif

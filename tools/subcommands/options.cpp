@@ -32,8 +32,11 @@ void add_root_option(command_line& arguments, std::string& folder) {
                           "using the machine's own");
 }
 
-std::string age_line(const inventory& shown) {
-    const auto source = shown.source();
+std::string age_line(const inventory& shown, bool redacted) {
+    auto source = shown.source();
+    if (source && redacted) {
+        source->name.clear();
+    }
     return source ? age_text(*source, std::time(nullptr)) + '\n' : "";
 }
 

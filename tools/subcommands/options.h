@@ -21,8 +21,9 @@ void add_database_option(command_line& arguments, std::string& path);
 /// Declares --root; `folder` stays empty when it is not given.
 void add_root_option(command_line& arguments, std::string& folder);
 
-/// A line about how old the rows of an inventory are, for text; empty where that is not noted.
-std::string age_line(const inventory& shown);
+/// A line about how old the rows of an inventory are, for text, and which file they are from, unless that is redacted:
+/// many a file is named after the serial number of its server. Empty where that is not noted.
+std::string age_line(const inventory& shown, bool redacted = false);
 
 /// Names of kinds as words of a command line: all of them, and as in "processors, memory, bridges or devices".
 std::vector<std::string> names_of_kinds();

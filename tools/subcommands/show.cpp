@@ -133,6 +133,18 @@ std::vector<inventory_table> read_tables(const inventory& shown, const show_opti
     return tables;
 }
 
+// Of every kind that has one of them; of the one that was named in any case.
+void keep_chosen_columns(std::vector<inventory_table>& tables, const show_options& options) {
+    for (inventory_table& table : tables) {
+        keep_columns(table, options.view.columns);
+    }
+    if (options.kind.empty()) {
+        tables.erase(std::remove_if(tables.begin(), tables.end(),
+                                    [](const inventory_table& table) { return table.columns.empty(); }),
+                     tables.end());
+    }
+}
+
 // CSV has no escapes.
 void make_printable(inventory_table& table) {
     std::transform(table.columns.begin(), table.columns.end(), table.columns.begin(), printable);
@@ -156,13 +168,16 @@ int show(const command_line& arguments, show_options options) {
     }
     const inventory shown = open(arguments, options);
     std::vector<inventory_table> tables = read_tables(shown, options);
+    if (!options.view.columns.empty()) {
+        keep_chosen_columns(tables, options);
+    }
     if (options.redact) {
         std::for_each(tables.begin(), tables.end(), redact);
     }
     if (write == csv_of && ::isatty(STDOUT_FILENO) == 1) {
         std::for_each(tables.begin(), tables.end(), make_printable);
     }
-    const std::string age = write == table_of ? age_line(shown) : "";
+    const std::string age = write == table_of ? age_line(shown, options.redact) : "";
     print(write(tables, options) + (age.empty() ? "" : '\n' + age));
     return status_done;
 }
@@ -177,7 +192,7 @@ action define_show(command_line& arguments) {
                                 "--database");
     options->format.add_option(arguments);
     arguments.list_option("--columns", "NAME,...", options->view.columns,
-                          "Show these columns as a table, also where they hold nothing; 'zebdb-cds fields' lists them");
+                          "Show these columns, also where they hold nothing; 'zebdb-cds fields' lists them");
     arguments.flag("--wide", options->view.wide, "Show columns that hold nothing, too, in lines of any length");
     add_redact_flag(arguments, options->redact);
     add_database_option(arguments, options->database);

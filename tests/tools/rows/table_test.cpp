@@ -47,6 +47,13 @@ TEST(InventoryValue, IsATextOrNone) {
     EXPECT_EQ(text_in(std::int64_t{1}), nullptr);
 }
 
+TEST(InventoryTable, KeepsTheColumnsThatAreNamedInTheirOrder) {
+    inventory_table table = modules;
+    keep_columns(table, {"DevLocator", "Colour", "Id"});
+    EXPECT_THAT(table.columns, ElementsAre("DevLocator", "Id"));
+    EXPECT_THAT(table.rows[1], ElementsAre("A2", std::int64_t{-1}));
+}
+
 TEST(InventoryTable, LosesWhatIdentifiesPartsByRedact) {
     inventory_table table = modules;
     redact(table);

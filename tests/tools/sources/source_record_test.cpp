@@ -67,6 +67,10 @@ TEST(AgeText, SaysOnlyWhenWhereTheClockWasSetBack) {
     EXPECT_EQ(age(-5), "Loaded 2001-09-09 01:46:40 UTC, from 'x.xml'");
 }
 
+TEST(AgeText, SaysOnlyWhenWhereTheFileHasNoName) {
+    EXPECT_EQ(age_text({"", 0, "", 0}, 0), "Loaded just now, 1970-01-01 00:00:00 UTC");
+}
+
 TEST(AgeText, CallsStandardInputByItsName) {
     EXPECT_EQ(age_text({"-", 0, "", 0}, 0), "Loaded just now, 1970-01-01 00:00:00 UTC, from standard input");
 }

@@ -104,14 +104,11 @@ TEST_F(Show, PrintsEveryKindAsATableForPeople) {
         "\n"
         "Devices (2)\n"
         "Id  Node  Bridge  Address       Slot  Designation  Vendor:dev  Subsystem  Class     Kind                Lanes "
-        " "
-        "               Link speed  Device key  Function key\n"
+        "                Link speed  Device key  Function key\n"
         " 1     1       1  0001:3b:1f.7     5  Slot 5       8086:1572   8086:0007  0x020000  network (Ethernet)    4/8 "
-        " "
-        "8 GT/s (3) of 16 GT/s (4)  0x01010005  0x013b1f07\n"
+        " 8 GT/s (3) of 16 GT/s (4)  0x01010005  0x013b1f07\n"
         " 2     1       -  0000:00:02.0     -  -            -           -          -         -                       - "
-        " "
-        "                        -  0x0101ffff  0x00000200\n");
+        "                         -  0x0101ffff  0x00000200\n");
 }
 
 TEST_F(Show, SaysWhenAndFromWhatTheRowsWereLoaded) {
@@ -119,6 +116,7 @@ TEST_F(Show, SaysWhenAndFromWhatTheRowsWereLoaded) {
     EXPECT_THAT(run("zebdb-cds show inventory.db").out, ContainsRegex("\nLoaded .* UTC, from 'x\\.xml'\n$"));
     EXPECT_THAT(run("zebdb-cds show x.xml").out, Not(HasSubstr("Loaded")));
     EXPECT_THAT(run("zebdb-cds show --format json").out, Not(HasSubstr("Loaded")));
+    EXPECT_THAT(run("zebdb-cds show bridges --redact").out, ContainsRegex("\n\nLoaded .* UTC\n$"));
 }
 
 TEST_F(Show, HasALineForEachRowAsJsonl) {
@@ -157,6 +155,18 @@ TEST_F(Show, HasTheColumnsThatAreChosen) {
               "DevLocator  Attributes\n"
               "DIMM A1     -\n"
               "DIMM A2     -\n");
+}
+
+TEST_F(Show, HasTheColumnsThatAreChosenInEachFormat) {
+    EXPECT_EQ(show("memory --columns DevLocator,Attributes --format csv"),
+              "DevLocator,Attributes\r\nDIMM A1,\r\nDIMM A2,\r\n");
+    EXPECT_EQ(json::parse(show("memory --columns Id --format json")),
+              json::parse(R"({"schema": 2, "memory": [{"Id": 1}, {"Id": 2}]})"));
+}
+
+TEST_F(Show, LeavesOutTheKindsThatHaveNoneOfTheColumnsThatAreChosen) {
+    EXPECT_THAT(show("--columns DevLocator"), StartsWith("Memory (2)\n"));
+    EXPECT_THAT(show("--columns DevLocator"), Not(HasSubstr("Processors")));
 }
 
 TEST_F(Show, JsonOfOneKindHoldsNoOther) {
