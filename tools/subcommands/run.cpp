@@ -112,13 +112,16 @@ std::string offered_option(const CLI::App& app, const std::string& word) {
 }
 
 std::string unexpected(const CLI::App& app, const std::vector<std::string>& words) {
-    const auto is_long_option = [](const std::string& word) { return word.compare(0, 2, "--") == 0; };
-    const auto wrong = std::find_if(words.begin(), words.end(), is_long_option);
-    if (wrong != words.end()) {
-        const std::string name = wrong->substr(0, wrong->find('='));
-        return "there is no option " + in_quotes(name) + offered_option(app, name);
+    const auto is_option = [](const std::string& word) { return word.size() > 1 && word.front() == '-'; };
+    const auto wrong = std::find_if(words.begin(), words.end(), is_option);
+    if (wrong == words.end()) {
+        return "the word " + in_quotes(words.front()) + " is one too many";
     }
-    return "the word " + in_quotes(words.front()) + " is one too many";
+    const std::string name = wrong->substr(0, wrong->find('='));
+    if (app.get_option_no_throw(name) != nullptr) {
+        return "the option " + in_quotes(name) + " has to stand behind " + in_quotes(app.get_name());
+    }
+    return "there is no option " + in_quotes(name) + offered_option(app, name);
 }
 
 failure refusal(const CLI::App& app, const CLI::Error& error) {
