@@ -81,7 +81,7 @@ json unused_json(const std::vector<unused_setting>& unused) {
     for (const unused_setting& setting : unused) {
         settings.push_back({{"group", setting.group},
                             {"setting", setting.name},
-                            {"known", setting.is_known},
+                            {"known", setting.why != idleness::unknown},
                             {"similar", setting.similar == nullptr ? json() : json(setting.similar)}});
     }
     return settings;

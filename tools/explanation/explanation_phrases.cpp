@@ -33,10 +33,30 @@ std::string replaced_text(const odd_value& odd) {
                                           : std::string(" does not count, because ") + found->cause;
 }
 
-constexpr const char* persistent_modules_only =
-    "only a persistent module, which has bit 12 of 'Type Detail' and the 'Manufacturer' Intel, has columns for some "
-    "settings";
-constexpr const char* other_records_only = "another kind of record has columns for some settings";
+struct idle_rule {
+    idleness why;
+    const char* rule;
+    const char* of_a_setting;
+};
+
+constexpr idle_rule idle_rules[] = {
+    {idleness::other_record, "another kind of record has columns for some settings", "which this record does not take"},
+    {idleness::second_group, "of several groups of a name only the first is read",
+     "which stands in a second group of that name"},
+    {idleness::not_persistent,
+     "only a persistent module, which has bit 12 of 'Type Detail' and the 'Manufacturer' Intel, has columns for some "
+     "settings",
+     "which this record does not take"},
+    {idleness::no_number, "some settings count as absent where they are negative or no number",
+     "which is negative or no number"},
+};
+
+// Null for a setting that the loader does not know.
+const idle_rule* rule_for(const unused_setting& unused) {
+    const auto* found = std::find_if(std::begin(idle_rules), std::end(idle_rules),
+                                     [&unused](const idle_rule& each) { return each.why == unused.why; });
+    return found == std::end(idle_rules) ? nullptr : found;
+}
 
 }  // namespace
 
@@ -46,19 +66,15 @@ std::string quoted_in(const std::string& setting, const std::string& group) {
 
 std::string unused_text(const unused_setting& unused) {
     const std::string text = quoted_in(unused.name, unused.group);
-    if (unused.is_known) {
-        return text + ", which this record does not take";
+    if (const idle_rule* found = rule_for(unused)) {
+        return text + ", " + found->of_a_setting;
     }
     return unused.similar == nullptr ? text : text + "; '" + unused.similar + "' may be meant";
 }
 
-bool is_of_memory(const unused_setting& unused, const explanation& told) {
-    return told.recorded_by != nullptr && told.recorded_by->kind == &kinds::memory &&
-           unused.group == told.recorded_by->name;
-}
-
-const char* rule_against(const unused_setting& unused, const explanation& told) {
-    return is_of_memory(unused, told) ? persistent_modules_only : other_records_only;
+const char* rule_against(const unused_setting& unused) {
+    const idle_rule* found = rule_for(unused);
+    return found == nullptr ? nullptr : found->rule;
 }
 
 std::string oddity_text(const odd_value& odd) {

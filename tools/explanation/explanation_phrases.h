@@ -16,11 +16,8 @@ std::string quoted_in(const std::string& setting, const std::string& group);
 /// Which setting it is, and what may be meant by it.
 std::string unused_text(const unused_setting& unused);
 
-/// Whether only a persistent memory module would have a column for it.
-bool is_of_memory(const unused_setting& unused, const explanation& told);
-
-/// The rule by which a setting that the loader knows has no column in the component's row.
-const char* rule_against(const unused_setting& unused, const explanation& told);
+/// The rule by which no column takes a setting that the loader knows; null for one that it does not know.
+const char* rule_against(const unused_setting& unused);
 
 /// Which value it is, and what is odd about it.
 std::string oddity_text(const odd_value& odd);

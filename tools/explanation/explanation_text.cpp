@@ -139,10 +139,11 @@ std::vector<std::string> logged_lines(const explanation& told) {
 void add_settings_without_effect(groups& idle, const explanation& told) {
     std::map<std::string, std::string> settings_by_rule;
     for (const unused_setting& unused : told.unused) {
-        if (unused.is_known) {
-            std::string& settings = settings_by_rule[rule_against(unused, told)];
+        if (const char* rule = rule_against(unused)) {
+            const bool has_one_group = unused.why == idleness::not_persistent;
+            std::string& settings = settings_by_rule[rule];
             settings += settings.empty() ? "" : ", ";
-            settings += is_of_memory(unused, told) ? in_quotes(unused.name) : quoted_in(unused.name, unused.group);
+            settings += has_one_group ? in_quotes(unused.name) : quoted_in(unused.name, unused.group);
         }
     }
     for (const auto& [rule, settings] : settings_by_rule) {

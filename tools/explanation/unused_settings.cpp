@@ -8,6 +8,7 @@
 #include <zebdb_cds_parser.h>
 
 #include "explanation/known_settings.h"
+#include "rows/kinds.h"
 #include "rows/table.h"
 
 namespace {
@@ -18,6 +19,17 @@ using cds_parser::setting_group;
 bool is_used(const known_setting& setting, const setting_group& group, const setting_group* recorded,
              const std::optional<inventory_table>& row) {
     return &group == recorded && (!row || is_put(inventory_row(*row, 0)[setting.column]));
+}
+
+// Of a setting that the loader knows.
+idleness why_unused(const setting_group& group, const setting_group* recorded, const known_group& known) {
+    if (recorded == nullptr || group.name != recorded->name) {
+        return idleness::other_record;
+    }
+    if (&group != recorded) {
+        return idleness::second_group;
+    }
+    return known.kind == &kinds::memory ? idleness::not_persistent : idleness::no_number;
 }
 
 }  // namespace
@@ -34,9 +46,9 @@ std::vector<unused_setting> unused_settings(const cds_parser::component& explain
         for (const auto& [setting, node] : group->settings) {
             const known_setting* found = find_known_setting(*known, setting);
             if (found == nullptr) {
-                unused.push_back({name, setting, false, similar_setting(*known, *group, setting)});
+                unused.push_back({name, setting, idleness::unknown, similar_setting(*known, *group, setting)});
             } else if (!is_used(*found, *group, recorded, row)) {
-                unused.push_back({name, setting, true, nullptr});
+                unused.push_back({name, setting, why_unused(*group, recorded, *known), nullptr});
             }
         }
     }

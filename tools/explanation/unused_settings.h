@@ -13,10 +13,19 @@
 #include "explanation/known_settings.h"
 #include "rows/table.h"
 
+/// Why no column takes a setting.
+enum class idleness {
+    unknown,         ///< the loader does not know it
+    other_record,    ///< its group is that of another kind of record than this one
+    second_group,    ///< of several groups of a name only the first is read
+    not_persistent,  ///< the columns for it are those of persistent memory modules
+    no_number,       ///< it counts as absent, being negative or no number
+};
+
 struct unused_setting {
     std::string group;
     std::string name;
-    bool is_known;        ///< the loader knows it, but takes it from other components only
+    idleness why;
     const char* similar;  ///< the known name that may be meant; null if there is none
 };
 

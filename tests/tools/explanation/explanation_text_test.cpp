@@ -198,6 +198,33 @@ TEST_F(ExplanationText, OfProblemsHasSettingsThatCannotMatter) {
                            "    unused  'Capacity'\n"));
 }
 
+TEST_F(ExplanationText, OfProblemsSaysThatASecondGroupOfANameIsNotRead) {
+    EXPECT_THAT(problems(cds_file(cds_component(cds_group("memory_info", {text("Device Locator", "A1")}) +
+                                                cds_group("memory_info", {text("Device Locator", "A2")})))),
+                StartsWith("No effect, 1 component: of several groups of a name only the first is read\n"
+                           "  * memory device 'A1'\n"
+                           "    at      /component/child_slot_group[1]/component[1]\n"
+                           "    unused  'Device Locator' in memory_info\n"));
+}
+
+TEST_F(ExplanationText, OfProblemsSaysThatANegativeVendorCountsAsAbsent) {
+    EXPECT_THAT(
+        problems(cds_file(function("1", {integer("Vendor ID", "-1")}))),
+        StartsWith("No effect, 1 component: some settings count as absent where they are negative or no number\n"
+                   "  * PCI function 0000:01:00.0\n"
+                   "    at      /component/child_slot_group[1]/component[1]\n"
+                   "    unused  'Vendor ID' in pci_device_info\n"));
+}
+
+TEST_F(ExplanationText, OfProblemsSaysThatAGroupOfAnotherKindHasNoEffect) {
+    EXPECT_THAT(problems(cds_file(cds_component(cds_group("memory_info", {text("Device Locator", "A1")}) +
+                                                cds_group("pci_bridge_info", address("1"))))),
+                StartsWith("No effect, 1 component: another kind of record has columns for some settings\n"
+                           "  * PCI bridge 0000:01:00.0\n"
+                           "    at      /component/child_slot_group[1]/component[1]\n"
+                           "    unused  'Device Locator' in memory_info\n"));
+}
+
 TEST_F(ExplanationText, OfProblemsSaysWhyASettingDoesNotCount) {
     EXPECT_THAT(
         problems(cds_file(function("1", {hex("Vendor ID", "1000"), hex("Device ID", "97"), hex("Class Code", "10700"),
