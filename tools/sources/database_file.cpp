@@ -105,7 +105,7 @@ void refuse_what_is_no_file(const std::string& path) {
 }
 
 // What the inventory service keeps beside the records.
-constexpr const char* service_tables[] = {"PCIAdapter", "InventorySequence", "PendingFirmware", "Source"};
+constexpr const char* service_tables[] = {"PCIAdapter", "InventorySequence", "PendingFirmware"};
 
 bool is_inventory_table(const char* name) {
     const auto has_name = [name](const char* table) { return sqlite3_stricmp(name, table) == 0; };

@@ -105,6 +105,14 @@ void copy_of_interrupted_write(const std::string& path, const std::string& copy)
 
 }  // namespace
 
+TEST(ForeignDatabase, IsRefusedAlsoWhereItsTableHasTheNameOfOurSource) {
+    const scratch_folder folder;
+    const std::string path = folder.file("rivers.db");
+    std::ofstream(path).flush();
+    sqlite_database(path).run("CREATE TABLE Source (River TEXT)");
+    EXPECT_THROW(refuse_foreign_database(path), failure);
+}
+
 TEST(ForeignDatabase, IsRefusedWithoutRollingBackWhatWasInterruptedInIt) {
     const scratch_folder folder;
     const std::string path = folder.file("fans.db");
