@@ -106,6 +106,9 @@ void align_columns(inventory_table& first, inventory_table& second) {
 }
 
 void remove_columns(std::vector<inventory_table>& tables, const std::vector<std::string>& names) {
+    if (std::find(names.begin(), names.end(), node_column) != names.end()) {
+        forget_node(tables);  // the keys of cards hold it, too
+    }
     for (inventory_table& table : tables) {
         for (const std::string& name : names) {
             remove_column(table, name);
@@ -113,15 +116,15 @@ void remove_columns(std::vector<inventory_table>& tables, const std::vector<std:
     }
 }
 
-std::optional<std::uint64_t> only_node(const std::vector<inventory_table>& tables) {
-    std::optional<std::uint64_t> node;
+std::optional<node_index> only_node(const std::vector<inventory_table>& tables) {
+    std::optional<node_index> node;
     for (const inventory_table& table : tables) {
         for (std::size_t place = 0; place < table.rows.size(); ++place) {
-            const auto here = number_in(inventory_row(table, place)[node_column]);
-            if (!here || (node && node != here)) {
+            const node_index here = number_in(inventory_row(table, place)[node_column]);
+            if (node && *node != here) {
                 return std::nullopt;
             }
-            node = here;
+            node.emplace(here);
         }
     }
     return node;

@@ -22,8 +22,11 @@ void align_columns(inventory_table& first, inventory_table& second);
 /// Takes the columns of these names out of all tables.
 void remove_columns(std::vector<inventory_table>& tables, const std::vector<std::string>& names);
 
-/// The node that all rows stand at, or nothing when they stand at several or at none.
-std::optional<std::uint64_t> only_node(const std::vector<inventory_table>& tables);
+/// Where a part stands; nothing where no main server stands before it.
+using node_index = std::optional<std::uint64_t>;
+
+/// The node that all rows stand at, or nothing when they stand at several or there are none.
+std::optional<node_index> only_node(const std::vector<inventory_table>& tables);
 
 /// Takes the node out of all rows: its column, and its part of the keys of cards.
 void forget_node(std::vector<inventory_table>& tables);

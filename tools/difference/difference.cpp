@@ -82,7 +82,7 @@ comparison compare_prepared(std::vector<inventory_table> old_tables, std::vector
     comparison result;
     const auto old_node = only_node(old_tables);
     const auto new_node = only_node(new_tables);
-    if (old_node && new_node && old_node != new_node) {
+    if (old_node && new_node && *old_node != *new_node) {
         result.ignored_nodes.emplace(*old_node, *new_node);
         forget_node(old_tables);
         forget_node(new_tables);

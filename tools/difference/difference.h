@@ -5,12 +5,12 @@
 #define TOOLS_DIFFERENCE_DIFFERENCE_H
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "difference/comparable_tables.h"
 #include "difference/row_matching.h"
 #include "rows/table.h"
 
@@ -35,7 +35,7 @@ struct table_difference {
 struct comparison {
     std::vector<table_difference> kinds;
     /// The node of each side, where all rows of either stand at one and these differ: it was left out then.
-    std::optional<std::pair<std::uint64_t, std::uint64_t>> ignored_nodes;
+    std::optional<std::pair<node_index, node_index>> ignored_nodes;
     std::vector<std::string> ignored_columns;
     bool differs_in_ignored = false;  ///< that is all that differs
 

@@ -101,12 +101,17 @@ json difference_of_kind_json(const table_difference& difference) {
     };
 }
 
+json node_json(const node_index& node) {
+    return node ? json(*node) : json(nullptr);
+}
+
 }  // namespace
 
 json difference_document(const comparison& compared) {
     json document = {{"schema", json_schema}, {"same", compared.is_same()}};
     if (compared.ignored_nodes) {
-        document["ignored_nodes"] = {{"old", compared.ignored_nodes->first}, {"new", compared.ignored_nodes->second}};
+        const auto& [old_node, new_node] = *compared.ignored_nodes;
+        document["ignored_nodes"] = {{"old", node_json(old_node)}, {"new", node_json(new_node)}};
     }
     if (!compared.ignored_columns.empty()) {
         document["ignored_columns"] = compared.ignored_columns;

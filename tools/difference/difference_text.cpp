@@ -150,14 +150,18 @@ std::string counts(const table_difference& difference) {
     return text.empty() ? "no difference" : text;
 }
 
+std::string node_text(const node_index& node) {
+    return node ? "node " + std::to_string(*node) : "no node";
+}
+
 // What was left out of the comparison of itself.
 std::string node_note(const comparison& compared) {
     if (!compared.ignored_nodes) {
         return "";
     }
     const auto& [old_node, new_node] = *compared.ignored_nodes;
-    return "All parts stand at node " + std::to_string(old_node) + " on one side and at node " +
-           std::to_string(new_node) + " on the other: nodes are not compared.\n";
+    return "All parts stand at " + node_text(old_node) + " on one side and at " + node_text(new_node) +
+           " on the other: nodes are not compared.\n";
 }
 
 std::string ignored_text(const std::vector<std::string>& columns) {

@@ -66,6 +66,26 @@ TEST_F(TwoServers, AreTheSameButForTheColumnsThatAreNamed) {
     EXPECT_EQ(difference_text(compare(old_tables, new_tables, {"CoreCount"}), {}), "Same but for CoreCount.\n");
 }
 
+TEST_F(TwoServers, AreComparedWithoutTheirNodesWhereOneHasNone) {
+    const std::string parts = processor("CPU 1") + module("A1", "S1") + bridge("1", {}, function("2"));
+    write_both(parts, machine("2", "S1"));
+    expect_same(
+        "All parts stand at no node on one side and at node 2 on the other: nodes are not compared.\nNo difference.\n");
+    EXPECT_EQ(nlohmann::json::parse(difference_json(difference()))["ignored_nodes"],
+              nlohmann::json({{"old", nullptr}, {"new", 2}}));
+}
+
+TEST_F(TwoServers, AreTheSameWhereTheNodeIsIgnored) {
+    write_both(machine("1", "S1"), machine("2", "S1"));
+    EXPECT_EQ(difference_text(compare(old_tables, new_tables, {"NodeIndex"}), {}), "No difference.\n");
+}
+
+TEST_F(TwoServers, AreTheSameButForNodesOfWhichThereAreSeveral) {
+    write_both(machine("1", "S1") + server(processor("CPU 9"), "3"),
+               machine("2", "S1") + server(processor("CPU 9"), "3"));
+    EXPECT_EQ(difference_text(compare(old_tables, new_tables, {"NodeIndex"}), {}), "Same but for NodeIndex.\n");
+}
+
 TEST_F(TwoServers, ArePaddedWithBlanksByTheirFirmware) {
     const std::vector<setting> padded = {text("Part Number", "M393A4K40CB2-CVF  ")};
     const std::vector<setting> trimmed = {text("Part Number", "M393A4K40CB2-CVF")};
