@@ -9,6 +9,7 @@
 #include "console/failure.h"
 #include "console/output.h"
 #include "console/text_table.h"
+#include "console/wrapping.h"
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
 #include "rows/table.h"
@@ -22,7 +23,8 @@
 namespace {
 
 std::string differences_text_of(const comparison& compared) {
-    return difference_text(compared, output_style());
+    const text_style style = output_style();
+    return fitted_lines(difference_text(compared, style), style.width);
 }
 
 struct diff_options {

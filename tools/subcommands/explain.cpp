@@ -11,6 +11,7 @@
 
 #include "console/output.h"
 #include "console/text_table.h"
+#include "console/wrapping.h"
 #include "explanation/explanation.h"
 #include "explanation/explanation_formats.h"
 #include "sources/cds_file.h"
@@ -40,14 +41,19 @@ struct explain_options {
     bool redact = false;
 };
 
-std::string text_of(const std::vector<explanation>& explanations, const explain_options& options) {
-    const text_style style = output_style();
+std::string lines_of(const std::vector<explanation>& explanations, const explain_options& options,
+                     const text_style& style) {
     const row_columns columns = options.verbose ? row_columns::named : row_columns::hidden;
     if (!options.part.empty()) {
         return components_text(explanations, columns, style);
     }
     return options.all ? components_text(explanations, columns, style) + '\n' + totals_text(explanations)
                        : problems_text(explanations, style);
+}
+
+std::string text_of(const std::vector<explanation>& explanations, const explain_options& options) {
+    const text_style style = output_style();
+    return fitted_lines(lines_of(explanations, options, style), style.width);
 }
 
 void keep_part(std::vector<explanation>& explanations, const std::string& name) {

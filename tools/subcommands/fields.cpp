@@ -7,6 +7,7 @@
 
 #include "console/output.h"
 #include "console/text_table.h"
+#include "console/wrapping.h"
 #include "listing/fields_formats.h"
 #include "rows/kinds.h"
 #include "subcommands/command_line.h"
@@ -16,7 +17,8 @@
 namespace {
 
 std::string text_of(const kind_list& kinds) {
-    return fields_text(kinds, output_style());
+    const text_style style = output_style();
+    return fitted_lines(fields_text(kinds, style), style.width);
 }
 
 struct fields_options {

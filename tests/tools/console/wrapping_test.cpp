@@ -28,3 +28,24 @@ TEST(Wrapping, LeavesAShortTextAlone) {
 TEST(Wrapping, KeepsTheBlanksInFront) {
     EXPECT_THAT(wrapped("  one two", 6), ElementsAre("  one", "two"));
 }
+
+TEST(FittedLines, AreBrokenAtBlanksAndGoOnIndented) {
+    EXPECT_EQ(fitted_lines("  one two three\nfour\n", 12), "  one two\n      three\nfour\n");
+    EXPECT_EQ(fitted_lines("one two three\n", 13), "one two three\n");
+}
+
+TEST(FittedLines, AreLeftAloneWhereThereIsNoWidth) {
+    EXPECT_EQ(fitted_lines("one two three\n", 0), "one two three\n");
+}
+
+TEST(FittedLines, HoldWordsThatNoLineHasRoomForWhereTheyStand) {
+    EXPECT_EQ(fitted_lines("at /component/component one\n", 12), "at /component/component\n    one\n");
+}
+
+TEST(FittedLines, KeepSeveralBlanksTogether) {
+    EXPECT_EQ(fitted_lines("one  two three  four\n", 15), "one  two\n    three  four\n");
+}
+
+TEST(FittedLines, CountCharactersWithoutControlSequences) {
+    EXPECT_EQ(fitted_lines("\033[1m\u00e9\u00e9\u00e9 two\033[0m\n", 7), "\033[1m\u00e9\u00e9\u00e9 two\033[0m\n");
+}

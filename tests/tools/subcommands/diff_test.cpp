@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "support/cds_hardware.h"
 #include "support/cds_text.h"
 #include "support/quoted.h"
 #include "tools/subcommands/diff_test.h"
@@ -98,6 +99,16 @@ protected:
         return run("script --quiet --return --command 'sh ./command' /dev/null").out;
     }
 };
+
+TEST_F(Diff, FitsIntoTheWidthOfTheEnvironmentAlsoInAPipe) {
+    write("a.xml", cds_file(processor("CPU 1", {text("Processor Version", "one two three four")})));
+    write("b.xml", cds_file(processor("CPU 1", {text("Processor Version", "one two three five")})));
+    EXPECT_EQ(run("COLUMNS=40 zebdb-cds diff a.xml b.xml | cat").out,
+              "Processors: 1 changed\n"
+              "~ CPU 1: one two three five\n"
+              "    Version  \"one two three four\" ->\n"
+              "        \"one two three five\"\n");
+}
 
 TEST_F(DiffOnATerminal, IsColoredBySigns) {
     EXPECT_EQ(on_terminal(""),

@@ -72,6 +72,14 @@ TEST_F(Explain, HasBoldHeadingsOnATerminal) {
                 StartsWith("\033[1mprocessor 'CPU 1'\033[0m\n  at "));
 }
 
+TEST_F(Explain, FitsIntoTheWidthOfTheEnvironmentAlsoInAPipe) {
+    write("server.xml", incomplete);
+    EXPECT_THAT(output("COLUMNS=60 zebdb-cds explain server.xml | cat"),
+                StartsWith("No row, 1 component: its location is unknown; any 'Location'\n"
+                           "    but 2, or the class code 0x010802 of an NVMe drive,\n"
+                           "    would have made a row\n"));
+}
+
 TEST_F(Explain, LeavesNothingBehind) {
     write("server.xml", cds_file(processor("CPU 1") + module("A1", "S1")));
     EXPECT_EQ(left_in_tmp("zebdb-cds explain server.xml"), "");
