@@ -89,6 +89,7 @@ action define_explain(command_line& arguments) {
     arguments.flag("--all", options->all, "Tell about every component, also about those that nothing is missing of");
     arguments.text_option("--part", "NAME", options->part,
                           "Tell about one component: a PCI address, a locator or a path");
+    arguments.exclude("--all", "--part");
     arguments.flag("-v,--verbose", options->verbose, "Name the columns of each row");
     options->format.add_option(arguments);
     add_redact_flag(arguments, options->redact);
