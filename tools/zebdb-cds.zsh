@@ -19,7 +19,8 @@ _zebdb_cds() {
   )
   if (( CURRENT == 2 )); then
     _describe subcommand subcommands
-    _arguments '--help[Print a summary and exit]' '--version[Print the version and exit]'
+    _arguments '--help[Print a summary and exit]' '-h[Print a summary and exit]' \
+      '--version[Print the version and exit]' '-V[Print the version and exit]'
     return
   fi
   local chosen=$words[2]
@@ -47,7 +48,7 @@ _zebdb_cds() {
         '--wide[Show columns that hold nothing, too, in lines of any length]' \
         '--redact[Hide serial numbers and asset tags]' \
         '--database=[The inventory database]:PATH:_files' \
-        '*:file:_files'
+        '*:value or file:{_alternative "values:value:(processors memory bridges devices)" "files:file:_files"}'
       ;;
     tree)
       _arguments \

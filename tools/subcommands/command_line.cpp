@@ -42,6 +42,12 @@ void command_line::optional_argument(const char* name, std::string& value, const
     note(name, "", description, choices);
     app_->add_option(name, value, description)->type_name("")->check(one_of(choices));
 }
+void command_line::suggested_argument(const char* name, std::string& value, const std::string& description,
+                                      const std::vector<std::string>& suggestions) {
+    note(name, "", description, suggestions);
+    app_->add_option(name, value, description)->type_name("");
+}
+
 
 void command_line::path_option(const char* name, const char* type, std::string& value, const std::string& description,
                                const char* variable) {

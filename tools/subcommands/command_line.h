@@ -34,6 +34,9 @@ public:
     void optional_argument(const char* name, std::string& value, const std::string& description);
     void optional_argument(const char* name, std::string& value, const std::string& description,
                            const std::vector<std::string>& choices);
+    /// An optional one that may be something else than the `suggestions`.
+    void suggested_argument(const char* name, std::string& value, const std::string& description,
+                            const std::vector<std::string>& suggestions);
 
     /// A path, which must not be empty. Where `variable` names an environment variable, its value takes the place of an
     /// option that is not given.

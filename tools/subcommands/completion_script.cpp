@@ -3,6 +3,7 @@
 #include "subcommands/completion_script.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -88,31 +89,56 @@ std::string zsh_option(const declared_option& each) {
     return text + " \\\n";
 }
 
-std::string zsh_arguments(const declared_subcommand& each) {
-    std::string text;
-    std::vector<std::string> choices;
-    bool takes_files = false;
+// The values of the arguments that take certain ones.
+std::vector<std::string> values_of_arguments(const declared_subcommand& each) {
+    std::vector<std::string> values;
     for (const declared_option& option : each.options) {
-        if (is_option(option)) {
-            text += zsh_option(option);
-        } else if (option.choices.empty()) {
-            takes_files = true;
-        } else {
-            choices = option.choices;
+        if (!is_option(option)) {
+            values.insert(values.end(), option.choices.begin(), option.choices.end());
         }
     }
-    if (takes_files) {
-        return text + "        '*:file:_files'\n";
+    return values;
+}
+
+bool takes_files(const declared_subcommand& each) {
+    return std::any_of(each.options.begin(), each.options.end(),
+                       [](const declared_option& option) { return !is_option(option) && option.choices.empty(); });
+}
+
+std::string zsh_words(const declared_subcommand& each) {
+    const std::vector<std::string> values = values_of_arguments(each);
+    if (values.empty()) {
+        return takes_files(each) ? "'*:file:_files'" : "'*: :'";
     }
-    return text + "        " + (choices.empty() ? "'*: :'" : quoted("1:value:(" + joined(choices) + ')')) + '\n';
+    const std::string list = '(' + joined(values) + ')';
+    return takes_files(each) ? "'*:value or file:{_alternative \"values:value:" + list + "\" \"files:file:_files\"}'"
+                             : quoted("1:value:" + list);
+}
+
+std::string zsh_arguments(const declared_subcommand& each) {
+    std::string text;
+    for (const declared_option& option : each.options) {
+        text += is_option(option) ? zsh_option(option) : "";
+    }
+    return text + "        " + zsh_words(each) + '\n';
+}
+
+std::string fish_line(const std::string& subcommand) {
+    return "complete -c zebdb-cds -n '__fish_seen_subcommand_from " + subcommand + "'";
+}
+
+std::string fish_words(const declared_subcommand& each) {
+    const std::vector<std::string> values = values_of_arguments(each);
+    if (values.empty() && takes_files(each)) {
+        return "";
+    }
+    return fish_line(each.named->name) + (takes_files(each) ? "" : " -f") +
+           (values.empty() ? "" : " -a " + quoted(joined(values))) + '\n';
 }
 
 std::string fish_option(const std::string& subcommand, const declared_option& each) {
-    std::string text = "complete -c zebdb-cds -n '__fish_seen_subcommand_from " + subcommand + "'";
-    if (!is_option(each)) {
-        return each.choices.empty() ? "" : text + " -a " + quoted(joined(each.choices)) + '\n';
-    }
-    text += " -l " + long_name(each) + (short_name(each).empty() ? "" : " -s " + short_name(each));
+    std::string text =
+        fish_line(subcommand) + " -l " + long_name(each) + (short_name(each).empty() ? "" : " -s " + short_name(each));
     if (!each.choices.empty()) {
         text += " -x -a " + quoted(joined(each.choices));
     } else if (each.type == "DIR") {
@@ -139,7 +165,8 @@ std::string zsh_completion() {
            "  local -a subcommands=(\n" +
            names +
            "  )\n  if (( CURRENT == 2 )); then\n    _describe subcommand subcommands\n"
-           "    _arguments '--help[Print a summary and exit]' '--version[Print the version and exit]'\n"
+           "    _arguments '--help[Print a summary and exit]' '-h[Print a summary and exit]' \\\n"
+           "      '--version[Print the version and exit]' '-V[Print the version and exit]'\n"
            "    return\n  fi\n  local chosen=$words[2]\n  shift words\n  (( CURRENT-- ))\n  case $chosen in\n" +
            cases + "  esac\n}\n\n_zebdb_cds \"$@\"\n";
 }
@@ -151,9 +178,9 @@ std::string fish_completion() {
         "complete -c zebdb-cds -n __fish_use_subcommand -l version -s V -d 'Print the version and exit'\n";
     for (const declared_subcommand& each : declared_subcommands()) {
         text += std::string("complete -c zebdb-cds -n __fish_use_subcommand -f -a ") + each.named->name + " -d " +
-                quoted(each.named->purpose) + '\n';
+                quoted(each.named->purpose) + '\n' + fish_words(each);
         for (const declared_option& option : each.options) {
-            text += fish_option(each.named->name, option);
+            text += is_option(option) ? fish_option(each.named->name, option) : "";
         }
     }
     std::vector<std::string> names;

@@ -186,7 +186,8 @@ int show(const command_line& arguments, show_options options) {
 
 action define_show(command_line& arguments) {
     const auto options = std::make_shared<show_options>();
-    arguments.optional_argument("KIND", options->first, choice_of_kinds() + "; all of them if none is named");
+    arguments.suggested_argument("KIND", options->first, choice_of_kinds() + "; all of them if none is named",
+                                 names_of_kinds());
     arguments.optional_argument("FILE", options->second,
                                 "An inventory: a CDS file or a database; - is standard input. Without it, that of "
                                 "--database");

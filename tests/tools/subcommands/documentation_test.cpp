@@ -229,6 +229,18 @@ TEST_F(OtherCompletion, OfZshAndFishIsWhatTheCommandPrints) {
     }
 }
 
+TEST_F(OtherCompletion, OffersKindsBesideFilesToShow) {
+    EXPECT_THAT(output("zebdb-cds completion fish"), HasSubstr("from show' -a 'processors memory bridges devices'\n"));
+    EXPECT_THAT(
+        output("zebdb-cds completion zsh"),
+        HasSubstr("{_alternative \"values:value:(processors memory bridges devices)\" \"files:file:_files\"}'"));
+}
+
+TEST_F(OtherCompletion, OfFishOffersNoFilesToWhatTakesNone) {
+    EXPECT_THAT(output("zebdb-cds completion fish"),
+                HasSubstr("from fields' -f -a 'processors memory bridges devices'\n"));
+}
+
 TEST_F(OtherCompletion, OfFishHasEveryOption) {
     const std::string script = output("zebdb-cds completion fish");
     for (const auto& [subcommand, options] : usage_of_command()) {
