@@ -30,6 +30,9 @@ failure xml_failure(const sysipc::exception& error, const input_file& input) {
     if (begins_as_database(*input.read_again())) {
         return failure("it is a database and no CDS file; 'zebdb-cds show', 'tree' and 'diff' take one");
     }
+    if (begins_as_packed(*input.read_again())) {
+        return failure("it was packed by gzip twice; unpack it with gzip -d");
+    }
     std::string text = error.what();
     std::replace(text.begin(), text.end(), '\n', ' ');
     return failure(text);

@@ -28,7 +28,11 @@ bool begins_as_database(std::istream& in) {
     return begins_with(in, database_magic);
 }
 
+bool begins_as_packed(std::istream& in) {
+    return begins_with(in, gzip_magic);
+}
+
 bool is_packed_file(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    return begins_with(file, gzip_magic);
+    return begins_as_packed(file);
 }

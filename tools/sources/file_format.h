@@ -10,6 +10,9 @@
 /// Whether that is a SQLite database. Reads from `in`.
 bool begins_as_database(std::istream& in);
 
+/// Whether that is what gzip packed. Reads from `in`.
+bool begins_as_packed(std::istream& in);
+
 /// Whether the file at `path` is one that gzip packed.
 bool is_packed_file(const std::string& path);
 

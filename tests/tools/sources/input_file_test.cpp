@@ -120,6 +120,15 @@ TEST(InputFile, ThatIsPackedAndDamagedIsSaidToBeSo) {
     EXPECT_EQ(read_error_of(content), "it was packed by gzip and is damaged");
 }
 
+TEST(InputFile, ThatIsPackedTwiceIsNoDocumentAndSaidToBeSo) {
+    const scratch_file file(packed(packed(cds_file(""))));
+    const input_file input(file.path());
+    std::ifstream in(input.path());
+    cds_parser::document document;
+    EXPECT_EQ(refusal_of([&] { read_cds(in, input, document); }),
+              "it was packed by gzip twice; unpack it with gzip -d");
+}
+
 TEST(InputFile, ThatIsPackedMayNotGrowWithoutBound) {
     EXPECT_EQ(read_error_of(packed(std::string((std::size_t{256} << 20) + 1, '\0'))),
               "it was packed by gzip and holds more than 256 MiB");
