@@ -36,7 +36,7 @@ struct packed_file_closer {
 using packed_file = std::unique_ptr<gzFile_s, packed_file_closer>;
 
 std::string size_error(gzFile file) {
-    return ::gzdirect(file) == 1 ? std::strerror(EFBIG) : "it was packed by gzip and holds more than 256 MiB";
+    return std::string("it ") + (::gzdirect(file) == 1 ? "" : "was packed by gzip and ") + "holds more than 256 MiB";
 }
 
 // Why the last reading gave less than was asked for; empty where that is all there is.

@@ -143,7 +143,7 @@ TEST(InputFile, ThatIsAPipeIsNoDocumentWhenItGoesOnWithoutAnEnd) {
     const input_file input(path, 99'000);
     std::ifstream in(input.path());
     cds_parser::document document;
-    EXPECT_EQ(refusal_of([&] { read_cds(in, input, document); }), "File too large");
+    EXPECT_EQ(refusal_of([&] { read_cds(in, input, document); }), "it holds more than 256 MiB");
     writer.join();
 }
 

@@ -136,5 +136,5 @@ TEST_F(DiffSources, AreRefusedWhenOneIsNotNamed) {
 }
 
 TEST_F(DiffSources, WithoutAnEndAreRefused) {
-    expect_refused("old.xml /dev/zero", "cannot read '/dev/zero': File too large");
+    expect_refused("old.xml /dev/zero", "cannot read '/dev/zero': it holds more than 256 MiB");
 }
