@@ -61,7 +61,9 @@ void command_line::path_option(const char* name, const char* type, std::string& 
 
 void command_line::text_option(const char* name, const char* type, std::string& value, const std::string& description) {
     note(name, type, description);
-    app_->add_option(name, value, description)->type_name(type);
+    app_->add_option(name, value, description)->type_name(type)->check([](const std::string& text) {
+        return text.empty() ? "it is empty" : "";
+    });
 }
 
 void command_line::list_option(const char* name, const char* type, std::vector<std::string>& values,

@@ -42,6 +42,7 @@ public:
     /// option that is not given.
     void path_option(const char* name, const char* type, std::string& value, const std::string& description,
                      const char* variable = "");
+    /// A text, which must not be empty.
     void text_option(const char* name, const char* type, std::string& value, const std::string& description);
     /// Values between commas.
     void list_option(const char* name, const char* type, std::vector<std::string>& values,

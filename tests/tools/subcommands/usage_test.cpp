@@ -118,6 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "there is no column 'Colour'; 'zebdb-cds fields' lists them"},
         wrong_usage{"AllComponentsAndOne", "explain a.xml --all --part A1",
                     "--all excludes --part; see 'zebdb-cds explain --help'"},
+        wrong_usage{"AnEmptyPart", "tree --part ''", "--part: it is empty; see 'zebdb-cds tree --help'"},
         wrong_usage{"AnEmptySubcommand", "''", "there is no subcommand ''; see 'zebdb-cds --help'"},
         wrong_usage{"AnUnknownOption", "--frobnicate", "there is no option '--frobnicate'; see 'zebdb-cds --help'"},
         wrong_usage{"LoadWithoutAFile", "load", "FILE is required; see 'zebdb-cds load --help'"},
