@@ -61,7 +61,8 @@ void require_known_column(const std::string& column, const std::string& kind) {
         return (kind.empty() || kind == each->name) && find_field(*each, column) != nullptr;
     });
     if (!is_known) {
-        throw failure("there is no column " + in_quotes(column) + "; 'zebdb-cds fields' lists them");
+        throw failure("there is no column " + in_quotes(column) + (kind.empty() ? "" : " of " + kind) +
+                      "; 'zebdb-cds fields" + (kind.empty() ? "" : ' ' + kind) + "' lists them");
     }
 }
 

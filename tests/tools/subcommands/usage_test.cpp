@@ -116,6 +116,8 @@ INSTANTIATE_TEST_SUITE_P(
                     "the option '--format' has to stand behind 'show'; see 'zebdb-cds show --help'"},
         wrong_usage{"AnUnknownColumn", "show --columns Colour",
                     "there is no column 'Colour'; 'zebdb-cds fields' lists them"},
+        wrong_usage{"AColumnOfAnotherKind", "show memory --columns Socket",
+                    "there is no column 'Socket' of memory; 'zebdb-cds fields memory' lists them"},
         wrong_usage{"AllComponentsAndOne", "explain a.xml --all --part A1",
                     "--all excludes --part; see 'zebdb-cds explain --help'"},
         wrong_usage{"AnEmptyPart", "tree --part ''", "--part: it is empty; see 'zebdb-cds tree --help'"},
