@@ -4,7 +4,6 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -42,12 +41,12 @@ void command_line::optional_argument(const char* name, std::string& value, const
     note(name, "", description, choices);
     app_->add_option(name, value, description)->type_name("")->check(one_of(choices));
 }
+
 void command_line::suggested_argument(const char* name, std::string& value, const std::string& description,
                                       const std::vector<std::string>& suggestions) {
     note(name, "", description, suggestions);
     app_->add_option(name, value, description)->type_name("");
 }
-
 
 void command_line::path_option(const char* name, const char* type, std::string& value, const std::string& description,
                                const char* variable) {
@@ -75,10 +74,10 @@ void command_line::list_option(const char* name, const char* type, std::vector<s
 void command_line::number_option(const char* name, const char* type, unsigned& value, const std::string& description,
                                  unsigned largest) {
     note(name, type, description);
-    CLI::Option* number = app_->add_option(name, value, description)->type_name(type)->capture_default_str();
-    if (largest != std::numeric_limits<unsigned>::max()) {
-        number->check(CLI::Range(0U, largest).description(""));
-    }
+    app_->add_option(name, value, description)
+        ->type_name(type)
+        ->capture_default_str()
+        ->check(CLI::Range(0U, largest).description(""));
 }
 
 void command_line::format_option(std::string& value, const std::string& description,

@@ -12,6 +12,7 @@
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 
 class Usage : public command_test {};
 
@@ -78,6 +79,14 @@ TEST_F(Usage, HelpThatCannotBeWrittenFails) {
     EXPECT_EQ(result.err, "zebdb-cds: cannot write to standard output: No space left on device\n");
 }
 
+TEST_F(Usage, OfANumberThatIsNoneNamesItsOption) {
+    const command_result result = run("zebdb-cds refresh a.xml --aim many");
+    EXPECT_EQ(result.status, 2);
+    // The range is written as the version of CLI11 has it.
+    EXPECT_THAT(result.err, MatchesRegex("zebdb-cds: --aim: Value many not in range (0 to 4294967295|"
+                                         "\\[0 - 4294967295\\]); see 'zebdb-cds refresh --help'\n"));
+}
+
 struct wrong_usage {
     const char* name;
     const char* arguments;
@@ -108,12 +117,12 @@ INSTANTIATE_TEST_SUITE_P(
                     "there is no option '--form'; write '--format' in full; see 'zebdb-cds show --help'"},
         wrong_usage{"AMisspeltOption", "show --fromat json",
                     "there is no option '--fromat'; did you mean '--format'? See 'zebdb-cds show --help'"},
-        wrong_usage{"AnUnknownShortOptionOfTheCommand", "-v", "there is no option '-v'; see 'zebdb-cds --help'"},
-        wrong_usage{"AnUnknownShortOption", "load -x a.xml", "there is no option '-x'; see 'zebdb-cds load --help'"},
-        wrong_usage{"AShortOptionInFrontOfItsSubcommand", "-q load a.xml",
-                    "the option '-q' has to stand behind 'load'; see 'zebdb-cds load --help'"},
         wrong_usage{"AnOptionInFrontOfItsSubcommand", "--format json show",
                     "the option '--format' has to stand behind 'show'; see 'zebdb-cds show --help'"},
+        wrong_usage{"AShortOptionInFrontOfItsSubcommand", "-q load a.xml",
+                    "the option '-q' has to stand behind 'load'; see 'zebdb-cds load --help'"},
+        wrong_usage{"AnUnknownShortOption", "load -x a.xml", "there is no option '-x'; see 'zebdb-cds load --help'"},
+        wrong_usage{"AnUnknownShortOptionOfTheCommand", "-v", "there is no option '-v'; see 'zebdb-cds --help'"},
         wrong_usage{"AnUnknownColumn", "show --columns Colour",
                     "there is no column 'Colour'; 'zebdb-cds fields' lists them"},
         wrong_usage{"AColumnOfAnotherKind", "show memory --columns Socket",
