@@ -24,9 +24,9 @@ namespace {
 
 constexpr unsigned widest_indent = 16;
 constexpr const char* round_trip =
-    "Names and values are printed as they are, nothing is escaped. So a dump is a CDS file again,\n"
-    "with the same dump, unless a name or a value holds markup (< or &) or a setting has no value.\n"
-    "Only a terminal gets control characters as escapes.";
+    "Names and values are printed as they are, nothing is escaped. So a dump is a CDS file again, with the same dump, "
+    "unless a name or a value holds markup (< or &) or a setting has no value. Only a terminal gets control characters "
+    "as escapes.";
 
 struct dump_options {
     std::string file;
