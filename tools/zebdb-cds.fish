@@ -12,7 +12,7 @@ complete -c zebdb-cds -n __fish_use_subcommand -f -a show -d 'Print the inventor
 complete -c zebdb-cds -n '__fish_seen_subcommand_from show' -a 'processors memory bridges devices'
 complete -c zebdb-cds -n '__fish_seen_subcommand_from show' -l help -s h -d 'Print this help message and exit'
 complete -c zebdb-cds -n '__fish_seen_subcommand_from show' -l format -x -a 'table text json jsonl csv' -d 'table, for people; json, jsonl or csv, for programs'
-complete -c zebdb-cds -n '__fish_seen_subcommand_from show' -l columns -x -d 'Show these columns as a table, also where they hold nothing; '\''zebdb-cds fields'\'' lists them'
+complete -c zebdb-cds -n '__fish_seen_subcommand_from show' -l columns -x -d 'Show these columns, also where they hold nothing; '\''zebdb-cds fields'\'' lists them'
 complete -c zebdb-cds -n '__fish_seen_subcommand_from show' -l wide -d 'Show columns that hold nothing, too, in lines of any length'
 complete -c zebdb-cds -n '__fish_seen_subcommand_from show' -l redact -d 'Hide serial numbers and asset tags'
 complete -c zebdb-cds -n '__fish_seen_subcommand_from show' -l database -r -F -d 'The inventory database'

@@ -44,7 +44,7 @@ _zebdb_cds() {
         '--help[Print this help message and exit]' \
         '-h[Print this help message and exit]' \
         '--format=[table, for people; json, jsonl or csv, for programs]:FORMAT:(table text json jsonl csv)' \
-        '--columns=[Show these columns as a table, also where they hold nothing; '\''zebdb-cds fields'\'' lists them]:NAME,...: ' \
+        '--columns=[Show these columns, also where they hold nothing; '\''zebdb-cds fields'\'' lists them]:NAME,...: ' \
         '--wide[Show columns that hold nothing, too, in lines of any length]' \
         '--redact[Hide serial numbers and asset tags]' \
         '--database=[The inventory database]:PATH:_files' \
