@@ -105,6 +105,10 @@ void align_columns(inventory_table& first, inventory_table& second) {
     second = reordered(second, first.columns);
 }
 
+std::vector<std::string> ignored_columns(const std::string& name) {
+    return name == "serials" ? std::vector<std::string>{"SerialNo", "AssetTag"} : std::vector<std::string>{name};
+}
+
 void remove_columns(std::vector<inventory_table>& tables, const std::vector<std::string>& names) {
     if (std::find(names.begin(), names.end(), node_column) != names.end()) {
         forget_node(tables);  // the keys of cards hold it, too

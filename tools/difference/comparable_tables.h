@@ -19,6 +19,9 @@ void replace_row_ids(std::vector<inventory_table>& tables);
 /// Gives both tables the columns of either, those of `first` in front, in the same order.
 void align_columns(inventory_table& first, inventory_table& second);
 
+/// What a name in a list of ignored columns stands for: "serials" for serial numbers and asset tags, else itself.
+std::vector<std::string> ignored_columns(const std::string& name);
+
 /// Takes the columns of these names out of all tables.
 void remove_columns(std::vector<inventory_table>& tables, const std::vector<std::string>& names);
 

@@ -112,10 +112,6 @@ comparison compare(const std::vector<inventory_table>& old_tables, const std::ve
     return result;
 }
 
-std::vector<std::string> ignored_columns(const std::string& name) {
-    return name == "serials" ? std::vector<std::string>{"SerialNo", "AssetTag"} : std::vector<std::string>{name};
-}
-
 bool table_difference::is_same() const {
     return rows.removed.empty() && rows.added.empty() && changed.empty() && moved.empty();
 }

@@ -46,7 +46,4 @@ struct comparison {
 comparison compare(const std::vector<inventory_table>& old_tables, const std::vector<inventory_table>& new_tables,
                    const std::vector<std::string>& ignored = {});
 
-/// What a name in a list of ignored columns stands for: "serials" for serial numbers and asset tags, else itself.
-std::vector<std::string> ignored_columns(const std::string& name);
-
 #endif

@@ -10,6 +10,7 @@
 
 #include "console/text_table.h"
 #include "console/utf8.h"
+#include "difference/comparable_tables.h"
 #include "difference/difference.h"
 #include "difference/row_matching.h"
 #include "rows/column_units.h"

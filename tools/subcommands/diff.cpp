@@ -10,6 +10,7 @@
 #include "console/output.h"
 #include "console/text_table.h"
 #include "console/wrapping.h"
+#include "difference/comparable_tables.h"
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
 #include "rows/table.h"

@@ -31,7 +31,8 @@
 #include "sources/refusal.h"
 #include "sources/source_record.h"
 #include "subcommands/command_line.h"
-#include "subcommands/loading.h"
+#include "subcommands/left_out_watch.h"
+#include "subcommands/loading_options.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 

@@ -11,7 +11,7 @@
 #include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
-#include "change_detection/controller_places.h"
+#include "change_detection/missing_places.h"
 #include "change_detection/private_view.h"
 #include "change_detection/service.h"
 #include "console/failure.h"
@@ -25,7 +25,8 @@
 #include "sources/refusal.h"
 #include "sources/source_record.h"
 #include "subcommands/command_line.h"
-#include "subcommands/loading.h"
+#include "subcommands/left_out_watch.h"
+#include "subcommands/loading_options.h"
 #include "subcommands/options.h"
 #include "subcommands/subcommand.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "change_detection/controller_places.h"
+#include "change_detection/missing_places.h"
 
 #include <pwd.h>
 #include <sys/stat.h>

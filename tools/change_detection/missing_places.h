@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 
-/// The places of a controller that a load and a refresh write to, on a machine that may be none.
-#ifndef TOOLS_CHANGE_DETECTION_CONTROLLER_PLACES_H
-#define TOOLS_CHANGE_DETECTION_CONTROLLER_PLACES_H
+/// What is missing where a load and a refresh write: a controller's places, on a machine that may be none.
+#ifndef TOOLS_CHANGE_DETECTION_MISSING_PLACES_H
+#define TOOLS_CHANGE_DETECTION_MISSING_PLACES_H
 
 #include <string>
 

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
-#include "subcommands/loading.h"
+#include "subcommands/loading_options.h"
 
 #include <string>
 
-#include <zebdb_cds_parser.h>
-
-#include "change_detection/controller_places.h"
+#include "change_detection/missing_places.h"
 #include "console/output.h"
-#include "explanation/left_out.h"
 #include "sources/library_log.h"
 #include "subcommands/command_line.h"
 #include "subcommands/options.h"
@@ -33,17 +30,4 @@ void complain_of_foreign_marker() {
     if (const std::string problem = foreign_marker(); !problem.empty()) {
         complain(problem);
     }
-}
-
-bool left_out_watch::accepts(const cds_parser::document& loaded) {
-    text_ = left_out_text(left_out_of(loaded));
-    return text_.empty() || !options_.strict;
-}
-
-std::string left_out_watch::refusal() const {
-    return options_.strict ? line() : "";
-}
-
-std::string left_out_watch::line() const {
-    return text_.empty() ? "" : text_ + "; zebdb-cds explain " + as_shell_word(options_.file) + " tells which";
 }
