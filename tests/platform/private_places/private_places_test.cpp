@@ -101,6 +101,7 @@ bool told_by_statx() {
     return statx(AT_FDCWD, file, 0, STATX_SIZE, &answer) == 0;
 }
 
+// An emulator of 32 bits passes on how a kernel of 64 numbers the entries, which on some file systems is beyond them.
 template <class Entry>
 bool listed(int (*list)(const char*, Entry***, int (*)(const Entry*), int (*)(const Entry**, const Entry**))) {
     Entry** entries = nullptr;
@@ -109,7 +110,7 @@ bool listed(int (*list)(const char*, Entry***, int (*)(const Entry*), int (*)(co
         std::free(entries[i]);
     }
     std::free(entries);
-    return count > 0;
+    return count > 0 || (count == -1 && errno == EOVERFLOW);
 }
 
 template <class Paths>
