@@ -12,9 +12,9 @@ _zebdb_cds_candidates() {
     local subcommand=$1 previous=$2 word=$3
 
     case $previous in
-    --database) echo files && return ;;
+    --against | --database) echo files && return ;;
     --root) echo folders && return ;;
-    --aim | --columns | --ignore | --indent | --part) return ;;
+    --aim | --at | --columns | --ignore | --indent | --part) return ;;
     --format)
         case $subcommand in
         show) echo table text json jsonl csv ;;

@@ -10,6 +10,7 @@ _zebdb_cds() {
         'fields:Print what the columns of an inventory mean'
         'dump:Print the normalised text of a CDS file'
         'diff:Print what differs between two inventories'
+        'report:Print a page that shows an inventory in a browser'
         'refresh:Take the inventory to what a CDS file describes and say what changed'
         'check:Say whether the inventory may have changed since the last refresh'
         'save-digest:Save the digests that check compares with'
@@ -92,6 +93,15 @@ _zebdb_cds() {
         '--format=[text, for people; json, for programs]:FORMAT:(text json)' \
         '--ignore=[Leave these columns out of the comparison; serials stands for serial numbers and asset tags]:COLUMN,...: ' \
         '--stat[Print only how many parts of each kind differ]' \
+        '--redact[Hide serial numbers and asset tags]' \
+        '*:file:_files'
+      ;;
+    report)
+      _arguments \
+        '--help[Print this help message and exit]' \
+        '-h[Print this help message and exit]' \
+        '--against=[Tell what has changed since an older inventory, a CDS file or a database]:OLD: ' \
+        '--at=[The time that the page says it is made at, as 2026-11-19T10:00:00Z, instead of now]:TIME: ' \
         '--redact[Hide serial numbers and asset tags]' \
         '*:file:_files'
       ;;

@@ -144,7 +144,7 @@ const char* name_of(omission rule) {
 
 std::string omission_text(omission rule, std::size_t count) {
     const omission_phrase& phrase = phrase_of(rule);
-    return std::to_string(count) + ' ' + (count == 1 ? phrase.verb_for_one : phrase.verb) + ' ' + phrase.what;
+    return std::string(count == 1 ? phrase.verb_for_one : phrase.verb) + ' ' + phrase.what;
 }
 
 std::vector<left_out_element> left_out_of(const cds_parser::document& document) {

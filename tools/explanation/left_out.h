@@ -34,7 +34,7 @@ std::vector<left_out_element> left_out_of(const cds_parser::document& document);
 /// A word for the rule, for programs.
 const char* name_of(omission rule);
 
-/// How many components the rule keeps out, as in "9 have no location".
+/// What is said of so many components that the rule keeps out, as in "have no location".
 std::string omission_text(omission rule, std::size_t count);
 
 /// How many there are and why, as in "13 components left no row: 9 have no location, 4 no address"; empty for none.

@@ -15,6 +15,7 @@
 
 #include <zeb_db.h>
 
+#include "console/time_text.h"
 #include "sources/input_file.h"
 
 namespace {
@@ -49,15 +50,6 @@ std::string duration_text(std::time_t seconds) {
         }
     }
     return seconds < 0 ? "" : "just now, ";
-}
-
-std::string time_text(std::time_t time) {
-    std::tm parts = {};
-    char text[64] = "";
-    if (::gmtime_r(&time, &parts) != nullptr) {
-        std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S UTC", &parts);
-    }
-    return text;
 }
 
 }  // namespace

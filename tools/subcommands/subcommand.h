@@ -31,6 +31,7 @@ action define_explain(command_line& arguments);
 action define_fields(command_line& arguments);
 action define_load(command_line& arguments);
 action define_refresh(command_line& arguments);
+action define_report(command_line& arguments);
 action define_save_digest(command_line& arguments);
 action define_show(command_line& arguments);
 action define_tree(command_line& arguments);

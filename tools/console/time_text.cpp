@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include "console/time_text.h"
+
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+#include <regex>
+#include <string>
+
+namespace {
+
+std::string formatted(std::time_t time, const char* format) {
+    std::tm parts = {};
+    char text[64] = "";
+    if (::gmtime_r(&time, &parts) == nullptr || std::strftime(text, sizeof text, format, &parts) == 0) {
+        return "";
+    }
+    return text;
+}
+
+int number(const std::string& digits) {
+    return static_cast<int>(std::strtol(digits.c_str(), nullptr, 10));
+}
+
+}  // namespace
+
+std::string time_text(std::time_t time) {
+    return formatted(time, "%Y-%m-%d %H:%M:%S UTC");
+}
+
+std::string rfc3339_text(std::time_t time) {
+    return formatted(time, "%Y-%m-%dT%H:%M:%SZ");
+}
+
+std::optional<std::time_t> rfc3339_time(const std::string& text) {
+    static const std::regex form(
+        "(\\d{4})-(\\d\\d)-(\\d\\d)[Tt ](\\d\\d):(\\d\\d):(\\d\\d)(?:\\.\\d{1,9})?(?:[Zz]|([+-])(\\d\\d):(\\d\\d))");
+    std::smatch found;
+    if (!std::regex_match(text, found, form)) {
+        return std::nullopt;
+    }
+    std::tm parts = {};
+    parts.tm_year = number(found[1]) - 1900;
+    parts.tm_mon = number(found[2]) - 1;
+    parts.tm_mday = number(found[3]);
+    parts.tm_hour = number(found[4]);
+    parts.tm_min = number(found[5]);
+    parts.tm_sec = number(found[6]);
+    const std::tm written = parts;
+    const std::time_t local = ::timegm(&parts);
+    const bool is_in_calendar = parts.tm_mon == written.tm_mon && parts.tm_mday == written.tm_mday &&
+                                parts.tm_hour == written.tm_hour && parts.tm_min == written.tm_min &&
+                                parts.tm_sec == written.tm_sec;
+    const int hours = number(found[8]);
+    const int minutes = number(found[9]);
+    if (!is_in_calendar || hours > 23 || minutes > 59) {
+        return std::nullopt;
+    }
+    const std::time_t offset = (hours * 60 + minutes) * 60;
+    return found[7] == "-" ? local + offset : local - offset;
+}

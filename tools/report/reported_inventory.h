@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+
+/// What a page is about.
+#ifndef TOOLS_REPORT_REPORTED_INVENTORY_H
+#define TOOLS_REPORT_REPORTED_INVENTORY_H
+
+#include <optional>
+#include <vector>
+
+#include "difference/difference.h"
+#include "explanation/explanation.h"
+#include "report/anchors.h"
+#include "report/change_marks.h"
+#include "rows/kinds.h"
+#include "rows/table.h"
+#include "sources/source_record.h"
+
+/// A file and, for a database that tells it, what was loaded into it.
+struct reported_source {
+    source_record file;
+    std::optional<source_record> loaded;
+};
+
+/// An inventory with all that the rooms below tell of it, nothing of which is to be hidden any more.
+struct reported_inventory {
+    reported_source source;
+    std::optional<reported_source> old_source;
+    std::vector<inventory_table> tables;                   ///< of all kinds
+    std::vector<inventory_table> labelled;                 ///< the same with the columns of rows/pci_label_columns.h
+    std::optional<std::vector<explanation>> explanations;  ///< nothing for a database
+    std::optional<comparison> compared;                    ///< with the older inventory, where there is one
+    anchors names;
+    change_marks marks;
+
+    const inventory_table& labelled_table(const inventory_kind& kind) const;
+};
+
+#endif
