@@ -26,6 +26,7 @@ from selenium import webdriver
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.wait import WebDriverWait
 
 SAMPLES = pathlib.Path(__file__).resolve().parents[2] / "samples"
 TIME = "2026-11-22T12:00:00Z"
@@ -299,7 +300,7 @@ class Use(Page):
         everything = self.shown(".item")
         self.press("/")
         self.press("CPU2_DIMM_A1")
-        webdriver.support.wait.WebDriverWait(self.browser, 5).until(lambda _: self.shown(".slot") == 1)
+        WebDriverWait(self.browser, 5).until(lambda _: self.shown(".slot") == 1)
         self.assertEqual("CPU2_DIMM_A1", self.script("return document.querySelector('.slot:not([hidden])').id"))
         self.press(Keys.ESCAPE)
         self.assertEqual(everything, self.shown(".item"))
@@ -309,7 +310,7 @@ class Use(Page):
         self.open(SERVER)
         self.press("/")
         self.press("0000:3c:00.0")
-        webdriver.support.wait.WebDriverWait(self.browser, 5).until(lambda _: self.shown(".slot") == 0)
+        WebDriverWait(self.browser, 5).until(lambda _: self.shown(".slot") == 0)
         self.assertTrue(self.script("return document.getElementById('0000:3c:00.0').checkVisibility()"))
         self.assertTrue(self.script("return document.getElementById('0000:3a:02.0').checkVisibility()"))
         self.assertFalse(self.script("return document.getElementById('0000:00:17.0').checkVisibility()"))
@@ -334,18 +335,19 @@ class Use(Page):
     def test_an_address_is_copied(self):
         self.open(SERVER)
         self.browser.find_element(By.ID, "CPU1_DIMM_A1").find_element(By.TAG_NAME, "summary").send_keys(Keys.ENTER)
-        button = webdriver.support.wait.WebDriverWait(self.browser, 5).until(
+        button = WebDriverWait(self.browser, 5).until(
             lambda browser: browser.find_element(By.CSS_SELECTOR, "#CPU1_DIMM_A1 > .copy"))
         button.send_keys(Keys.ENTER)
-        webdriver.support.wait.WebDriverWait(self.browser, 5).until(lambda _: button.text == "Copied")
+        WebDriverWait(self.browser, 5).until(lambda _: button.text == "Copied")
         self.press("/")
         self.copy_and_paste_keys()
         self.assertEqual("CPU1_DIMM_A1", self.script("return document.getElementById('filter').value"))
 
     def test_an_address_behind_the_page_leads_to_its_part(self):
         self.open(SERVER, fragment="#0000:3c:00.0")
-        self.assertTrue(self.script("const top = document.getElementById('0000:3c:00.0').getBoundingClientRect().top;"
-                                    "return top >= 0 && top < innerHeight"))
+        WebDriverWait(self.browser, 5).until(lambda _: self.script(
+            "const top = document.getElementById('0000:3c:00.0').getBoundingClientRect().top;"
+            "return top >= 0 && top < innerHeight"))
 
     def test_it_is_complete_without_scripts(self):
         self.browser.execute_cdp_cmd("Emulation.setScriptExecutionDisabled", {"value": True})
