@@ -17,6 +17,9 @@ std::string difference_text(const comparison& compared, const text_style& style)
 /// For people: how many parts of each kind differ, and how.
 std::string difference_counts(const comparison& compared, const text_style& style);
 
+/// A sentence about the nodes that were left out of the comparison of itself; empty where none were.
+std::string node_note(const comparison& compared);
+
 /// For programs: one object, {"schema": 2, "same": false, "processors": {"added": [...], ...}, ...}; rows in the order
 /// of their inventory, columns in that of their table.
 std::string difference_json(const comparison& compared);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "difference/comparable_tables.h"
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
 #include "difference/row_matching.h"

@@ -155,14 +155,9 @@ std::string node_text(const node_index& node) {
     return node ? "node " + std::to_string(*node) : "no node";
 }
 
-// What was left out of the comparison of itself.
-std::string node_note(const comparison& compared) {
-    if (!compared.ignored_nodes) {
-        return "";
-    }
-    const auto& [old_node, new_node] = *compared.ignored_nodes;
-    return "All parts stand at " + node_text(old_node) + " on one side and at " + node_text(new_node) +
-           " on the other: nodes are not compared.\n";
+std::string note_line(const comparison& compared) {
+    const std::string note = node_note(compared);
+    return note.empty() ? "" : note + '\n';
 }
 
 std::string ignored_text(const std::vector<std::string>& columns) {
@@ -183,6 +178,15 @@ std::string sameness(const comparison& compared) {
 
 }  // namespace
 
+std::string node_note(const comparison& compared) {
+    if (!compared.ignored_nodes) {
+        return "";
+    }
+    const auto& [old_node, new_node] = *compared.ignored_nodes;
+    return "All parts stand at " + node_text(old_node) + " on one side and at " + node_text(new_node) +
+           " on the other: nodes are not compared.";
+}
+
 std::string difference_text(const comparison& compared, const text_style& style) {
     std::string text;
     for (const table_difference& difference : compared.kinds) {
@@ -192,7 +196,7 @@ std::string difference_text(const comparison& compared, const text_style& style)
             text += (text.empty() ? "" : "\n") + heading_text(heading, style) + '\n' + lines;
         }
     }
-    const std::string note = node_note(compared);
+    const std::string note = note_line(compared);
     if (text.empty()) {
         return note + sameness(compared);
     }
@@ -200,7 +204,7 @@ std::string difference_text(const comparison& compared, const text_style& style)
 }
 
 std::string difference_counts(const comparison& compared, const text_style& style) {
-    const std::string note = node_note(compared);
+    const std::string note = note_line(compared);
     if (compared.is_same()) {
         return note + sameness(compared);
     }

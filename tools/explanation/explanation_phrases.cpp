@@ -10,7 +10,6 @@
 #include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
 #include "rows/fields.h"
-#include "rows/kinds.h"
 #include "rows/table.h"
 
 namespace {

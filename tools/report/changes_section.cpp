@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "difference/difference.h"
+#include "difference/difference_formats.h"
 #include "report/anchors.h"
 #include "report/change_marks.h"
 #include "report/page_template.h"
@@ -111,9 +112,7 @@ std::string places(const inventory_table& table, const std::vector<std::size_t>&
 json notes(const comparison& compared) {
     json all = json::array();
     if (compared.ignored_nodes) {
-        all.push_back("All parts stand at node " + std::to_string(compared.ignored_nodes->first) +
-                      " in the older inventory and at node " + std::to_string(compared.ignored_nodes->second) +
-                      " in this one: nodes are not compared.");
+        all.push_back(node_note(compared));
     }
     for (const table_difference& difference : compared.kinds) {
         for (const row_group& group : difference.rows.collisions) {

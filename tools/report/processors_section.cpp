@@ -12,7 +12,9 @@
 #include "rows/column_units.h"
 #include "rows/decoded_text.h"
 #include "rows/kinds.h"
+#include "rows/part_text.h"
 #include "rows/row_text.h"
+#include "rows/shown_text.h"
 #include "rows/table.h"
 #include "topology/topology_phrases.h"
 
@@ -39,7 +41,7 @@ json processor_json(const reported_inventory& reported, const inventory_row& row
     processor["version"] = stripped(column_units::plain(row["Version"]));
     processor["facts"] = json::array();
     for (const fact& each : facts) {
-        const std::string text = each.text(row);
+        const std::string text = text_of(each.text, row);
         if (text != column_units::none) {
             processor["facts"].push_back({{"name", each.name}, {"text", text}});
         }

@@ -18,9 +18,9 @@ using nlohmann::json;
 
 namespace {
 
-std::string note_on(const unused_setting& unused, const explanation& told) {
-    if (unused.is_known) {
-        return rule_against(unused, told);
+std::string note_on(const unused_setting& unused) {
+    if (const char* rule = rule_against(unused)) {
+        return rule;
     }
     return unused.similar == nullptr ? "" : "'" + std::string(unused.similar) + "' may be meant";
 }
@@ -30,7 +30,7 @@ json unused_json(const std::vector<explanation>& explanations) {
     std::map<std::tuple<std::string, std::string, std::string>, std::size_t> counts;
     for (const explanation& told : explanations) {
         for (const unused_setting& unused : told.unused) {
-            ++counts[{unused.group, unused.name, note_on(unused, told)}];
+            ++counts[{unused.group, unused.name, note_on(unused)}];
         }
     }
     json all = json::array();

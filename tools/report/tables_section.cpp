@@ -8,7 +8,6 @@
 #include <nlohmann/json.hpp>
 
 #include "console/text_table.h"
-#include "listing/shown_columns.h"
 #include "report/anchors.h"
 #include "report/change_marks.h"
 #include "report/page_template.h"
@@ -17,7 +16,11 @@
 #include "report/sections.h"
 #include "rows/column_units.h"
 #include "rows/decoded_text.h"
+#include "rows/field.h"
 #include "rows/fields.h"
+#include "rows/kind_description.h"
+#include "rows/kinds.h"
+#include "rows/part_text.h"
 #include "rows/row_text.h"
 #include "rows/table.h"
 
@@ -25,8 +28,8 @@ using nlohmann::json;
 
 namespace {
 
-json heading_json(const shown_column& shown, const inventory_kind& kind) {
-    const char* column = shown.text.column();
+json heading_json(const listed_column& shown, const inventory_kind& kind) {
+    const char* column = shown.text.column;
     const field* known = column == nullptr ? nullptr : find_field(kind, column);
     return {{"heading", shown.heading},
             {"meaning", known == nullptr ? "" : known->meaning},
@@ -34,9 +37,10 @@ json heading_json(const shown_column& shown, const inventory_kind& kind) {
 }
 
 // The decoded text, with the raw one beside it where that is another.
-json cell_json(const shown_column& shown, const inventory_row& row) {
-    const char* column = shown.text.column();
-    const std::string text = column == nullptr ? shown.text(row) : decoded_text(row.kind(), column, row[column]);
+json cell_json(const listed_column& shown, const inventory_row& row) {
+    const char* column = shown.text.column;
+    const std::string text =
+        column == nullptr ? text_of(shown.text, row) : decoded_text(row.kind(), column, row[column]);
     if (stripped(text).empty()) {
         return {{"text", ""}, {"raw", ""}, {"number", false}};
     }
@@ -64,7 +68,7 @@ json table_json(const reported_inventory& reported, const inventory_table& table
         const change_mark* mark = reported.marks.of(row);
         told["change"] = mark == nullptr ? json() : mark_json(*mark);
     }
-    for (const shown_column& shown : shown_columns_of(*table.kind)) {
+    for (const listed_column& shown : table.kind->description().listed) {
         std::vector<json> cells;
         for (std::size_t place = 0; place < table.rows.size(); ++place) {
             cells.push_back(cell_json(shown, inventory_row(table, place)));

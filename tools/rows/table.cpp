@@ -68,6 +68,7 @@ void keep_columns(inventory_table& table, const std::vector<std::string>& names)
     std::copy_if(names.begin(), names.end(), std::back_inserter(kept),
                  [&table](const std::string& name) { return find_column(table, name).has_value(); });
     std::vector<std::vector<inventory_value>> rows;
+    rows.reserve(table.rows.size());
     for (std::size_t place = 0; place < table.rows.size(); ++place) {
         rows.push_back(inventory_row(table, place).values(kept));
     }
