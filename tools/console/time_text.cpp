@@ -2,6 +2,8 @@
 
 #include "console/time_text.h"
 
+#include <time.h>  // NOLINT(modernize-deprecated-headers): timegm() is not of C++
+
 #include <cstdlib>
 #include <ctime>
 #include <optional>
@@ -52,8 +54,8 @@ std::optional<std::time_t> rfc3339_time(const std::string& text) {
     const bool is_in_calendar = parts.tm_mon == written.tm_mon && parts.tm_mday == written.tm_mday &&
                                 parts.tm_hour == written.tm_hour && parts.tm_min == written.tm_min &&
                                 parts.tm_sec == written.tm_sec;
-    const int hours = number(found[8]);
-    const int minutes = number(found[9]);
+    const std::time_t hours = number(found[8]);
+    const std::time_t minutes = number(found[9]);
     if (!is_in_calendar || hours > 23 || minutes > 59) {
         return std::nullopt;
     }

@@ -8,8 +8,8 @@
 #include "difference/difference.h"
 #include "rows/table.h"
 
-change_marks::change_marks(const std::optional<comparison>& compared) {
-    if (!compared) {
+change_marks::change_marks(const comparison* compared) {
+    if (compared == nullptr) {
         return;
     }
     for (const table_difference& difference : compared->kinds) {

@@ -26,7 +26,7 @@ inline constexpr change_mark moved_mark = {"moved", "\u2192"};
 class change_marks {
 public:
     /// None when there is no older inventory.
-    explicit change_marks(const std::optional<comparison>& compared);
+    explicit change_marks(const comparison* compared);
 
     /// Null where nothing has changed.
     const change_mark* of(const inventory_row& row) const;

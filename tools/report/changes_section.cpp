@@ -9,6 +9,7 @@
 
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
+#include "difference/row_matching.h"
 #include "report/anchors.h"
 #include "report/change_marks.h"
 #include "report/page_template.h"
@@ -17,7 +18,9 @@
 #include "report/sections.h"
 #include "rows/column_units.h"
 #include "rows/decoded_text.h"
+#include "rows/field.h"
 #include "rows/fields.h"
+#include "rows/kinds.h"
 #include "rows/part_text.h"
 #include "rows/table.h"
 
@@ -133,16 +136,17 @@ json notes(const comparison& compared) {
 }  // namespace
 
 std::string changes_section(const reported_inventory& reported) {
-    if (!reported.compared) {
+    if (!reported.older) {
         return "";
     }
     json list = json::array();
-    for (const table_difference& difference : reported.compared->kinds) {
+    for (const table_difference& difference : reported.older->compared.kinds) {
         json entries = changes_of_kind(reported, difference).list();
         if (!entries.empty()) {
             list.push_back({{"title", difference.new_table.kind->title}, {"entries", std::move(entries)}});
         }
     }
-    return filled("changes.html",
-                  {{"kinds", list}, {"notes", notes(*reported.compared)}, {"old", reported.old_source->file.name}});
+    return filled(
+        "changes.html",
+        {{"kinds", list}, {"notes", notes(reported.older->compared)}, {"old", reported.older->source.file.name}});
 }

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
 #include "explanation/explanation.h"
+#include "explanation/left_out.h"
 #include "report/page_template.h"
 #include "report/part_json.h"
 #include "report/reported_inventory.h"
@@ -63,7 +65,7 @@ std::string common_reason(const reason_group& group, const std::vector<explanati
 }
 
 json group_json(const reported_inventory& reported, const reason_group& group) {
-    const std::vector<explanation>& explanations = *reported.explanations;
+    const std::vector<explanation>& explanations = reported.explanations;
     const std::string common = common_reason(group, explanations);
     json members = json::array();
     for (const std::size_t place : group.members) {
@@ -82,11 +84,11 @@ json group_json(const reported_inventory& reported, const reason_group& group) {
 }  // namespace
 
 std::string left_out_section(const reported_inventory& reported) {
-    if (!reported.explanations) {
+    if (!reported.is_explained) {
         return filled("left_out.html", {{"unknown", true}});
     }
     json groups = json::array();
-    for (const reason_group& group : groups_of(*reported.explanations)) {
+    for (const reason_group& group : groups_of(reported.explanations)) {
         groups.push_back(group_json(reported, group));
     }
     return filled("left_out.html", {{"groups", groups}});

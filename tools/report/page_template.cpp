@@ -20,7 +20,7 @@ using nlohmann::json;
 struct page_template::node {
     node_type type;
     std::string text;  // the text itself, or a name
-    nodes inner = {};  // of a section
+    nodes inner;       // of a section
 };
 
 namespace {
@@ -119,7 +119,7 @@ public:
         while (!rest_.empty()) {
             const std::size_t start = std::min(rest_.find(opening), rest_.size());
             if (start != 0) {
-                all.push_back({node_type::text, std::string(rest_.substr(0, start))});
+                all.push_back({node_type::text, std::string(rest_.substr(0, start)), {}});
                 rest_.remove_prefix(start);
             }
             if (rest_.empty()) {
@@ -150,15 +150,15 @@ private:
         const std::string name = tag.substr(1);
         switch (tag.front()) {
             case '{':
-                return {node_type::markup, name};
+                return {node_type::markup, name, {}};
             case '#':
                 return {node_type::section, name, read(name)};
             case '^':
                 return {node_type::inverted, name, read(name)};
             case '>':
-                return {node_type::file, name};
+                return {node_type::file, name, {}};
             default:
-                return {node_type::value, tag};
+                return {node_type::value, tag, {}};
         }
     }
 

@@ -7,8 +7,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "console/utf8.h"
 #include "explanation/explanation.h"
+#include "explanation/left_out.h"
 #include "report/anchors.h"
 #include "report/change_marks.h"
 #include "report/page_template.h"
@@ -17,6 +17,7 @@
 #include "rows/decoded_text.h"
 #include "rows/pci_label_columns.h"
 #include "rows/table.h"
+#include "sources/library_log.h"
 
 using nlohmann::json;
 
@@ -68,7 +69,7 @@ std::string why_text(const explanation& told) {
 }
 
 json left_out_json(const reported_inventory& reported, std::size_t place) {
-    const explanation& told = (*reported.explanations)[place];
+    const explanation& told = reported.explanations[place];
     json part = anchor_json(reported.names.of_explanation(place));
     part["kind"] = told.recorded_by == nullptr ? "component" : told.recorded_by->kind->name;
     part["change"] = nullptr;

@@ -6,8 +6,9 @@
 #include <nettle/sha2.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,9 +24,10 @@
 #include "explanation/explanation.h"
 #include "explanation/explanation_formats.h"
 #include "listing/listing_formats.h"
+#include "report/anchors.h"
+#include "report/change_marks.h"
 #include "report/embedded_files.h"
 #include "report/page_template.h"
-#include "report/part_json.h"
 #include "report/reported_inventory.h"
 #include "report/sections.h"
 #include "rows/table.h"
@@ -54,8 +56,8 @@ reported_source source_of(const opened_source& opened) {
     return {opened.file, opened.rows.source()};
 }
 
-std::optional<std::vector<explanation>> explanations_in(opened_source& opened) {
-    return opened.document == nullptr ? std::nullopt : std::optional(explanations_of(*opened.document, false));
+std::vector<explanation> explanations_in(opened_source& opened) {
+    return opened.document == nullptr ? std::vector<explanation>() : explanations_of(*opened.document, false);
 }
 
 std::vector<inventory_table> with_labels(std::vector<inventory_table> tables) {
@@ -75,27 +77,24 @@ void redact(comparison& compared) {
 
 reported_inventory gather(opened_source& shown, opened_source* old, bool hides) {
     std::vector<inventory_table> tables = shown.rows.read_all();
-    std::optional<std::vector<explanation>> explanations = explanations_in(shown);
-    std::optional<comparison> compared;
+    std::vector<explanation> explanations = explanations_in(shown);
+    std::unique_ptr<older_inventory> older;
     if (old != nullptr) {
-        compared = compare(old->rows.read_all(), tables);
+        older =
+            std::make_unique<older_inventory>(older_inventory{source_of(*old), compare(old->rows.read_all(), tables)});
     }
     if (hides) {  // only now: serial numbers tell what moved
         std::for_each(tables.begin(), tables.end(), [](inventory_table& table) { redact(table); });
-        if (explanations) {
-            std::for_each(explanations->begin(), explanations->end(), [](explanation& told) { redact(told); });
-        }
-        if (compared) {
-            redact(*compared);
+        std::for_each(explanations.begin(), explanations.end(), [](explanation& told) { redact(told); });
+        if (older) {
+            redact(older->compared);
         }
     }
-    anchors names(tables, explanations.value_or(std::vector<explanation>()), ids_of_the_page());
-    change_marks marks(compared);
+    anchors names(tables, explanations, ids_of_the_page());
+    change_marks marks(older ? &older->compared : nullptr);
     std::vector<inventory_table> labelled = with_labels(tables);
-    return {source_of(shown),        old == nullptr ? std::nullopt : std::optional(source_of(*old)),
-            std::move(tables),       std::move(labelled),
-            std::move(explanations), std::move(compared),
-            std::move(names),        std::move(marks)};
+    return {source_of(shown),        std::move(tables), std::move(labelled), shown.document != nullptr,
+            std::move(explanations), std::move(older),  std::move(names),    std::move(marks)};
 }
 
 ordered_json source_document(const reported_source& source) {
@@ -112,8 +111,8 @@ ordered_json source_document(const reported_source& source) {
 
 ordered_json left_out_document(const reported_inventory& reported) {
     ordered_json all = ordered_json::array();
-    for (std::size_t place = 0; place < reported.explanations->size(); ++place) {
-        const explanation& told = (*reported.explanations)[place];
+    for (std::size_t place = 0; place < reported.explanations.size(); ++place) {
+        const explanation& told = reported.explanations[place];
         if (is_left_out(told)) {
             all.push_back({{"id", reported.names.of_explanation(place).id},
                            {"path", told.path},
@@ -133,14 +132,14 @@ ordered_json document_of(const reported_inventory& reported, const report_option
     document["redacted"] = options.redact;
     document["source"] = source_document(reported.source);
     document["left_out"] = nullptr;
-    if (reported.explanations) {
+    if (reported.is_explained) {
         document["left_out"] = left_out_document(reported);
-        document["explanation"] = explanation_document(*reported.explanations);
+        document["explanation"] = explanation_document(reported.explanations);
     }
     document["against"] = nullptr;
-    if (reported.compared) {
-        document["against"] = source_document(*reported.old_source);
-        document["difference"] = difference_document(*reported.compared);
+    if (reported.older) {
+        document["against"] = source_document(reported.older->source);
+        document["difference"] = difference_document(reported.older->compared);
     }
     return document;
 }
@@ -162,7 +161,7 @@ std::string report_page(opened_source& shown, opened_source* old, const report_o
                                 {"style_hash", hash_of(style)},
                                 {"script", std::string(script)},
                                 {"script_hash", hash_of(script)},
-                                {"compared", reported.compared.has_value()},
+                                {"compared", reported.older != nullptr},
                                 {"source_section", source_section(reported, options.at, options.redact)},
                                 {"summary_section", summary_section(reported)},
                                 {"changes_section", changes_section(reported)},

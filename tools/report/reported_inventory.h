@@ -4,6 +4,7 @@
 #ifndef TOOLS_REPORT_REPORTED_INVENTORY_H
 #define TOOLS_REPORT_REPORTED_INVENTORY_H
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -21,14 +22,20 @@ struct reported_source {
     std::optional<source_record> loaded;
 };
 
+/// An older inventory, and what differs from it.
+struct older_inventory {
+    reported_source source;
+    comparison compared;
+};
+
 /// An inventory with all that the rooms below tell of it, nothing of which is to be hidden any more.
 struct reported_inventory {
     reported_source source;
-    std::optional<reported_source> old_source;
-    std::vector<inventory_table> tables;                   ///< of all kinds
-    std::vector<inventory_table> labelled;                 ///< the same with the columns of rows/pci_label_columns.h
-    std::optional<std::vector<explanation>> explanations;  ///< nothing for a database
-    std::optional<comparison> compared;                    ///< with the older inventory, where there is one
+    std::vector<inventory_table> tables;     ///< of all kinds
+    std::vector<inventory_table> labelled;   ///< the same with the columns of rows/pci_label_columns.h
+    bool is_explained;                       ///< a CDS file is, a database is not
+    std::vector<explanation> explanations;   ///< of a CDS file
+    std::unique_ptr<older_inventory> older;  ///< null where there is none
     anchors names;
     change_marks marks;
 

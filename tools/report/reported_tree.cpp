@@ -30,7 +30,7 @@ public:
     tree_builder(const reported_inventory& reported, const std::vector<pci_part>& parts)
         : reported_(reported), parts_(parts) {
         for (std::size_t i = 0; i < parts.size(); ++i) {
-            all_.push_back({i, std::nullopt, address_text(parts[i])});
+            all_.push_back({i, 0, address_text(parts[i]), 0, {}});
         }
     }
 
@@ -42,11 +42,11 @@ public:
                 group_of(node_text(parts_[i].row), group_text(parts_[i])).roots.push_back(i);
             }
         }
-        if (reported_.explanations) {
+        if (reported_.is_explained) {
             add_left_out();
         }
-        for (pending_group& group : groups_) {
-            finished_.push_back({group.server, group.segment, {}});
+        for (const pending_group& group : groups_) {
+            finished_.push_back({group.server, group.segment, {}, {}});
             for (const std::size_t root : group.roots) {
                 finish(root);
             }
@@ -71,7 +71,7 @@ private:
     // What stands behind no bridge belongs to the server that the row before it belongs to.
     void add_left_out() {
         const std::map<std::int64_t, std::size_t> bridges = bridges_by_id();
-        const std::vector<explanation>& explanations = *reported_.explanations;
+        const std::vector<explanation>& explanations = reported_.explanations;
         std::string server = parts_.empty() ? "No node" : node_text(parts_.front().row);
         for (std::size_t i = 0; i < explanations.size(); ++i) {
             const explanation& told = explanations[i];
@@ -83,7 +83,7 @@ private:
             }
             const auto bridge = bridges.find(told.bridge);
             insert(bridge == bridges.end() ? group_of(server, segment_of(told.name)).roots : all_[bridge->second].below,
-                   {std::nullopt, i, told.name});
+                   {std::nullopt, i, told.name, 0, {}});
         }
     }
 

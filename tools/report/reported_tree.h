@@ -15,11 +15,11 @@
 
 /// A bridge or function, recorded or left out.
 struct tree_node {
-    std::optional<std::size_t> part;         ///< by its place among the parts; nothing when it was left out
-    std::optional<std::size_t> explanation;  ///< by its place among the explanations; nothing when it has a row
+    std::optional<std::size_t> part;  ///< by its place among the parts; nothing when it was left out
+    std::size_t explanation;          ///< by its place among the explanations when it was left out
     std::string address;
     std::size_t depth = 0;  ///< below the root
-    std::vector<std::size_t> below = {};
+    std::vector<std::size_t> below;
 };
 
 /// The parts of one server and one segment.
@@ -27,7 +27,7 @@ struct tree_group {
     std::string server;
     std::string segment;
     std::vector<tree_node> nodes;  ///< each before what is below it
-    std::vector<std::size_t> roots = {};
+    std::vector<std::size_t> roots;
 };
 
 /// Whether what was left out has a place in the tree.

@@ -10,6 +10,8 @@
 
 #include "explanation/explanation.h"
 #include "explanation/explanation_phrases.h"
+#include "explanation/odd_values.h"
+#include "explanation/unused_settings.h"
 #include "report/page_template.h"
 #include "report/reported_inventory.h"
 #include "report/sections.h"
@@ -54,12 +56,12 @@ json odd_json(const std::vector<explanation>& explanations) {
 }  // namespace
 
 std::string settings_section(const reported_inventory& reported) {
-    if (!reported.explanations) {
+    if (!reported.is_explained) {
         return filled("settings.html", {{"unknown", true}});
     }
-    const json unused = unused_json(*reported.explanations);
-    const json odd = odd_json(*reported.explanations);
-    return filled("settings.html", {{"count", count(*reported.explanations).unused_settings},
+    const json unused = unused_json(reported.explanations);
+    const json odd = odd_json(reported.explanations);
+    return filled("settings.html", {{"count", count(reported.explanations).unused_settings},
                                     {"unused", unused},
                                     {"any_unused", !unused.empty()},
                                     {"odd", odd},

@@ -40,8 +40,8 @@ std::string source_section(const reported_inventory& reported, std::time_t at, b
                  {"at", time_text(at)},
                  {"version", ZEBDB_CDS_PARSER_VERSION_STRING},
                  {"redacted", redacted}};
-    if (reported.old_source) {
-        told["old"] = source_json(*reported.old_source);
+    if (reported.older) {
+        told["old"] = source_json(reported.older->source);
     }
     return filled("source.html", told);
 }

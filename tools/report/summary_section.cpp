@@ -11,7 +11,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include "difference/difference.h"
 #include "explanation/explanation.h"
+#include "explanation/left_out.h"
 #include "report/change_marks.h"
 #include "report/page_template.h"
 #include "report/part_json.h"
@@ -45,9 +47,8 @@ public:
         std::stable_sort(sorted.begin(), sorted.end(),
                          [](const auto& one, const auto& other) { return one.second > other.second; });
         std::vector<std::string> all;
-        for (const auto& [text, count] : sorted) {
-            all.push_back(std::to_string(count) + between + text);
-        }
+        std::transform(sorted.begin(), sorted.end(), std::back_inserter(all),
+                       [between](const auto& each) { return std::to_string(each.second) + between + each.first; });
         return all;
     }
 
@@ -173,7 +174,7 @@ json changes_tile(const comparison& compared) {
 }
 
 std::string recorded_text(const reported_inventory& reported) {
-    if (!reported.explanations) {
+    if (!reported.is_explained) {
         std::size_t rows = 0;
         for (const inventory_table& table : reported.tables) {
             rows += table.rows.size();
@@ -182,18 +183,18 @@ std::string recorded_text(const reported_inventory& reported) {
                " recorded; what was left out is not known, because a database holds "
                "only what was recorded";
     }
-    const explanation_counts counts = count(*reported.explanations);
+    const explanation_counts counts = count(reported.explanations);
     const std::size_t left_out = counts.components - counts.rows;
     return std::to_string(counts.rows) + " of " + counted(counts.components, "component", "components") +
            " recorded, " + (left_out == 0 ? "none" : std::to_string(left_out)) + " left out";
 }
 
 std::string changes_text(const reported_inventory& reported) {
-    if (!reported.compared) {
+    if (!reported.older) {
         return "";
     }
-    const std::size_t changes = count_changes(*reported.compared);
-    const std::string& name = reported.old_source->file.name;
+    const std::size_t changes = count_changes(reported.older->compared);
+    const std::string& name = reported.older->source.file.name;
     return ", " + (changes == 0 ? "no change" : counted(changes, "change", "changes")) + " since " +
            (name == "-" ? input_title(name) : name);
 }
@@ -206,14 +207,14 @@ std::string verdict_text(const reported_inventory& reported) {
 
 std::string summary_section(const reported_inventory& reported) {
     json tiles = json::array();
-    if (reported.compared) {
-        tiles.push_back(changes_tile(*reported.compared));
+    if (reported.older) {
+        tiles.push_back(changes_tile(reported.older->compared));
     }
     tiles.push_back(memory_tile(reported.labelled_table(kinds::memory)));
     tiles.push_back(processors_tile(reported.labelled_table(kinds::processors)));
     tiles.push_back(topology_tile(reported.labelled_table(kinds::bridges), reported.labelled_table(kinds::devices)));
-    if (reported.explanations) {
-        tiles.push_back(left_out_tile(*reported.explanations));
+    if (reported.is_explained) {
+        tiles.push_back(left_out_tile(reported.explanations));
     }
     return filled("summary.html", {{"verdict", verdict_text(reported)}, {"tiles", tiles}});
 }

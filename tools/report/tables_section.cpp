@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -49,12 +50,7 @@ json cell_json(const listed_column& shown, const inventory_row& row) {
 }
 
 bool is_empty(const std::vector<json>& cells) {
-    for (const json& cell : cells) {
-        if (cell["text"] != "") {
-            return false;
-        }
-    }
-    return true;
+    return std::all_of(cells.begin(), cells.end(), [](const json& cell) { return cell["text"] == ""; });
 }
 
 json table_json(const reported_inventory& reported, const inventory_table& table) {
@@ -70,6 +66,7 @@ json table_json(const reported_inventory& reported, const inventory_table& table
     }
     for (const listed_column& shown : table.kind->description().listed) {
         std::vector<json> cells;
+        cells.reserve(table.rows.size());
         for (std::size_t place = 0; place < table.rows.size(); ++place) {
             cells.push_back(cell_json(shown, inventory_row(table, place)));
         }

@@ -109,7 +109,7 @@ private:
 
     json node_json(std::size_t place) {
         const tree_node& node = group_.nodes[place];
-        json drawn = node.part ? part_node(parts_[*node.part]) : left_out_node(*node.explanation);
+        json drawn = node.part ? part_node(parts_[*node.part]) : left_out_node(node.explanation);
         const bool has_label = node.below.empty() || !drawn["bridge"];
         const std::size_t left = left_of(node);
         const std::size_t middle_y = middle(lines_[place]);
@@ -142,7 +142,7 @@ private:
     }
 
     json left_out_node(std::size_t place) const {
-        const explanation& told = (*reported_.explanations)[place];
+        const explanation& told = reported_.explanations[place];
         return {{"change", nullptr},      {"bridge", false},
                 {"family", "left-out"},   {"href", fragment_of(reported_.names.of_explanation(place).id)},
                 {"text", why_text(told)}, {"full", shortened(told.title) + ", " + why_text(told)}};

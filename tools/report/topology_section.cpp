@@ -15,7 +15,6 @@
 #include "report/sections.h"
 #include "report/topology_picture.h"
 #include "rows/kinds.h"
-#include "rows/row_text.h"
 #include "topology/pci_names.h"
 #include "topology/pci_topology.h"
 #include "topology/topology_phrases.h"
@@ -39,7 +38,7 @@ json recorded_json(const reported_inventory& reported, const pci_part& part) {
 }
 
 json node_json(const reported_inventory& reported, const std::vector<pci_part>& parts, const tree_node& node) {
-    json told = node.part ? recorded_json(reported, parts[*node.part]) : left_out_json(reported, *node.explanation);
+    json told = node.part ? recorded_json(reported, parts[*node.part]) : left_out_json(reported, node.explanation);
     told["left_out"] = !node.part.has_value();
     told["leads_on"] = !node.below.empty();
     told["depth"] = node.depth > deepest_nested ? json(node.depth) : json();
@@ -51,6 +50,7 @@ json node_json(const reported_inventory& reported, const std::vector<pci_part>& 
 // where it belongs. What is deeper than is nested stands beside what it is below.
 json nested(const reported_inventory& reported, const std::vector<pci_part>& parts, const tree_group& group) {
     std::vector<json> nodes;
+    nodes.reserve(group.nodes.size());
     std::vector<std::size_t> owners(group.nodes.size());
     for (const tree_node& node : group.nodes) {
         nodes.push_back(node_json(reported, parts, node));

@@ -9,7 +9,6 @@
 #include "console/text_table.h"
 #include "console/utf8.h"
 #include "console/wrapping.h"
-#include "rows/table.h"
 #include "topology/pci_topology.h"
 #include "topology/topology_formats.h"
 #include "topology/topology_phrases.h"
