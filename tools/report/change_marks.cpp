@@ -3,7 +3,6 @@
 #include "report/change_marks.h"
 
 #include <cstddef>
-#include <optional>
 
 #include "difference/difference.h"
 #include "rows/table.h"

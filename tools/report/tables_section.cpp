@@ -50,7 +50,8 @@ json cell_json(const listed_column& shown, const inventory_row& row) {
 }
 
 bool is_empty(const std::vector<json>& cells) {
-    return std::all_of(cells.begin(), cells.end(), [](const json& cell) { return cell["text"] == ""; });
+    return std::all_of(cells.begin(), cells.end(),
+                       [](const json& cell) { return cell["text"].get_ref<const std::string&>().empty(); });
 }
 
 json table_json(const reported_inventory& reported, const inventory_table& table) {
