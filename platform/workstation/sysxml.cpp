@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <ios>
@@ -185,11 +186,37 @@ bool has_too_many_attributes(const xmlParserCtxt& parser, int attributes) {
     return attributes > most_attributes || parser.nsNr / 2 > most_attributes;
 }
 
+bool has_colon(const xmlChar* name) {
+    return std::strchr(reinterpret_cast<const char*>(name), ':') != nullptr;
+}
+
+// A prefix that nothing declares is put into the name. Where libxml2 has no memory for that, it drops the prefix and
+// says nothing.
+bool lost_a_prefix(const xmlNode& element, const xmlChar* prefix, const xmlChar* uri, int attribute_count,
+                   const xmlChar** attributes) {
+    constexpr std::ptrdiff_t places = 5;  // name, prefix, URI, the value's first character and what follows its last
+    int prefixes = 0;
+    for (std::ptrdiff_t i = 0; i < attribute_count; ++i) {
+        const xmlChar** attribute = attributes + places * i;
+        prefixes += attribute[1] != nullptr && attribute[2] == nullptr ? 1 : 0;
+    }
+    for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
+        prefixes -= has_colon(attribute->name) ? 1 : 0;
+    }
+    return prefixes > 0 || (prefix != nullptr && uri == nullptr && !has_colon(element.name));
+}
+
 void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespace_count,
                    const xmlChar** namespaces, int attribute_count, int defaulted_count, const xmlChar** attributes) {
     if (!has_too_many_attributes(*static_cast<xmlParserCtxtPtr>(context), attribute_count)) {
         xmlSAX2StartElementNs(context, name, prefix, uri, namespace_count, namespaces, attribute_count, defaulted_count,
                               attributes);
+        guarded(context, [&](xmlParserCtxtPtr parser) {
+            if (parser->disableSAX == 0 && parser->node != nullptr &&
+                lost_a_prefix(*parser->node, prefix, uri, attribute_count, attributes)) {
+                reading_of(parser).lacked_memory = true;
+            }
+        });
         return;
     }
     guarded(context, [](xmlParserCtxtPtr parser) { stop(parser, too_many_attributes()); });

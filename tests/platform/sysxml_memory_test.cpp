@@ -130,6 +130,8 @@ const named_document documents[] = {
      "<?xml version='1.0' encoding='ISO-8859-1'?><!DOCTYPE a [<!ENTITY e '<b>in it</b>'><!ATTLIST a c CDATA 'd'>]>"
      "<a xmlns='relative' xmlns:n='urn:n'><n:b c='d'>text &amp; more</n:b>&e;<!-- f --><![CDATA[g]]></a>"},
     {"WithAnUndeclaredNamespace", "<prefix:element>text</prefix:element>"},
+    {"WithManyElementsOfAnUndeclaredNamespace", "<a>" + repeated(40, "<prefix:b", "/>") + "</a>"},
+    {"WithManyAttributesOfAnUndeclaredNamespace", "<a" + repeated(40, " prefix:b", "='c'") + "/>"},
     {"ThatEndsEarly", "<element><another>text</element>"},
     {"WithAnExternalEntity", "<!DOCTYPE a [<!ENTITY e SYSTEM 'file'>]><a/>"},
     {"WithManyDeclaredAttributes", "<!DOCTYPE a [<!ATTLIST a" + repeated(21, " b", " CDATA #IMPLIED") + ">]><a/>"},
