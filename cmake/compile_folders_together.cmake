@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 
-# With CMAKE_UNITY_BUILD, which scripts/test sets, the sources of a target in one folder are compiled as one, eight at a
+# With CMAKE_UNITY_BUILD, which the scripts set, the sources of a target in one folder are compiled as one, eight at a
 # time: most of the time goes into what they all include. A name in an unnamed namespace is then theirs together.
 function(compile_folders_together target)
   get_target_property(sources ${target} SOURCES)
