@@ -4,6 +4,7 @@
 
 #include "listing/fields_formats.h"
 #include "rows/enumerations.h"
+#include "rows/field.h"
 #include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/value_json.h"

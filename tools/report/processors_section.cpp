@@ -10,7 +10,6 @@
 #include "report/reported_inventory.h"
 #include "report/sections.h"
 #include "rows/column_units.h"
-#include "rows/decoded_text.h"
 #include "rows/kinds.h"
 #include "rows/part_text.h"
 #include "rows/row_text.h"

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string>
 
-#include "rows/column_units.h"
 #include "rows/enumerations.h"
+#include "rows/field.h"
 #include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
