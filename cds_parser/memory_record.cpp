@@ -35,9 +35,9 @@ int parser::parse_memory(_zeb_db_handle_t* handle, component* visited) {
     zeb_db_content_clear(content);
     put_row_id(content, "ArrayId", parent_id);
     put_int32(content, "NodeIndex", node_index);
-    std::size_t found = put_columns(content, *memory, memory_columns);
+    std::size_t found = put_columns<memory_columns>(content, *memory);
     if (persistent) {
-        found += put_columns(content, *memory, persistent_memory_columns);
+        found += put_columns<persistent_memory_columns>(content, *memory);
     }
     if (found == 0) {
         return 1;

@@ -29,7 +29,7 @@ int parser::parse_pci_bridge(_zeb_db_handle_t* handle, component* visited) {
     put_row_id(content, "ParentId", parent_id);
     put_int32(content, "NodeIndex", node_index);
     put_columns(content, address, bridge_address_columns);
-    put_columns(content, *bridge, bridge_columns);
+    put_columns<bridge_columns>(content, *bridge);
 
     const int rc = zeb_db_insert(handle, bridge_record.table, content, 0, &last_row_id);
     if (rc != 0) {

@@ -87,7 +87,7 @@ int parser::parse_pci_device(_zeb_db_handle_t* handle, component* visited) {
     zeb_db_content_put_uint(content, "FunKey", key);
     put_columns(content, function, device_place_columns);
     put_kind(content, function);
-    put_columns(content, *info, device_columns);
+    put_columns<device_columns>(content, *info);
     put_classification(content, function, key);
 
     const int rc = zeb_db_insert(handle, device_record.table, content, 0, &last_row_id);

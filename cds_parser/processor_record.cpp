@@ -22,7 +22,7 @@ int parser::parse_processor(_zeb_db_handle_t* handle, component* visited) {
 
     zeb_db_content_clear(content);
     put_int32(content, "NodeIndex", node_index);
-    if (put_columns(content, *processor, processor_columns) == 0) {
+    if (put_columns<processor_columns>(content, *processor) == 0) {
         return 1;
     }
 

@@ -56,16 +56,32 @@ void put_row_id(zeb_db_content_values_t* content, const char* column, std::int64
     zeb_db_content_put_uint64(content, column, static_cast<std::uint64_t>(row_id));
 }
 
-std::size_t put_columns(zeb_db_content_values_t* content, const setting_group& group, const column* first,
-                        const column* last) {
-    std::size_t found = 0;
-    for (const column* target = first; target != last; ++target) {
-        if (const setting_node* setting = group.get_setting(target->setting)) {
-            put_column(content, *target, *setting);
-            ++found;
+void find_settings(const setting_group& group, const column* columns, const unsigned char* places, std::size_t count,
+                   const setting_node** found) {
+    auto setting = group.settings.begin();
+    const auto end = group.settings.end();
+    for (std::size_t i = 0; i < count && setting != end; ++i) {
+        const std::string_view name = columns[places[i]].setting;
+        int order = -1;
+        while (setting != end && (order = name.compare(setting->first)) > 0) {
+            ++setting;
+        }
+        if (order == 0) {
+            found[places[i]] = setting->second;
         }
     }
-    return found;
+}
+
+std::size_t put_found(zeb_db_content_values_t* content, const column* columns, const setting_node* const* found,
+                      std::size_t count) {
+    std::size_t put = 0;
+    for (std::size_t place = 0; place < count; ++place) {
+        if (found[place] != nullptr) {
+            put_column(content, columns[place], *found[place]);
+            ++put;
+        }
+    }
+    return put;
 }
 
 }  // namespace cds_parser

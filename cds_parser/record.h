@@ -4,14 +4,18 @@
 #ifndef CDS_PARSER_RECORD_H
 #define CDS_PARSER_RECORD_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string>
+#include <string_view>
 
 #include <zeb_db.h>
 
 #include "record_columns.h"
 #include "zebdb_cds_parser/setting_group.h"
+#include "zebdb_cds_parser/setting_node.h"
 
 namespace cds_parser {
 
@@ -33,13 +37,37 @@ void put_int32(zeb_db_content_values_t* content, const char* column, std::int32_
 /// Puts a row id; -1 stands for no row.
 void put_row_id(zeb_db_content_values_t* content, const char* column, std::int64_t row_id);
 
-/// Puts each column whose setting the group has, in table order, and returns how many those were.
-std::size_t put_columns(zeb_db_content_values_t* content, const setting_group& group, const column* first,
-                        const column* last);
+/// The places of a table's columns in the order of their settings' names.
+template <const auto& columns>
+constexpr auto places_by_setting() {
+    std::array<unsigned char, std::size(columns)> places{};
+    for (std::size_t place = 0; place < places.size(); ++place) {
+        const std::string_view name = columns[place].setting;
+        std::size_t behind = place;
+        for (; behind > 0 && name < columns[places[behind - 1]].setting; --behind) {
+            places[behind] = places[behind - 1];
+        }
+        places[behind] = static_cast<unsigned char>(place);
+    }
+    return places;
+}
 
-template <std::size_t Count>
-std::size_t put_columns(zeb_db_content_values_t* content, const setting_group& group, const column (&columns)[Count]) {
-    return put_columns(content, group, columns, columns + Count);
+/// Finds the setting of each column in one pass, since a group has its settings in the order of their names; `places`
+/// are those of the columns in that order. Leaves `found` as it is where the group has none.
+void find_settings(const setting_group& group, const column* columns, const unsigned char* places, std::size_t count,
+                   const setting_node** found);
+
+/// Puts each column whose setting was found, not null, and returns how many those were.
+std::size_t put_found(zeb_db_content_values_t* content, const column* columns, const setting_node* const* found,
+                      std::size_t count);
+
+/// Puts each column whose setting the group has, in table order, and returns how many those were.
+template <const auto& columns>
+std::size_t put_columns(zeb_db_content_values_t* content, const setting_group& group) {
+    static constexpr auto places = places_by_setting<columns>();
+    const setting_node* found[places.size()] = {};
+    find_settings(group, columns, places.data(), places.size(), found);
+    return put_found(content, columns, found, places.size());
 }
 
 /// Reads the member of each column.
