@@ -19,10 +19,14 @@
 
 #include <libxml/SAX2.h>
 #include <libxml/parser.h>
+#include <libxml/parserInternals.h>
 #include <libxml/tree.h>
+#include <libxml/xmlIO.h>
 #include <libxml/xmlerror.h>
 #include <sysipc.h>
 #include <sysxml.h>
+
+#include "node_records.h"
 
 namespace sysxml {
 namespace {
@@ -31,6 +35,8 @@ namespace {
 constexpr int most_attributes = 1000;
 // That the document declares: those with defaults are added to every element of their name.
 constexpr int most_declared_attributes = 20;
+// Of a text until it is whole. A longer one is libxml2's, which has a limit for it.
+constexpr std::size_t longest_waiting_text = 65536;
 
 // In the stream, counted from 1; zeros are none.
 struct place {
@@ -40,15 +46,18 @@ struct place {
 
 // What the callbacks of one reading share.
 struct reading {
-    explicit reading(std::istream& stream) : in(stream) {}
+    reading(std::istream& stream, node_records& made) : in(stream), records(made) {}
 
     std::istream& in;
+    node_records& records;
     xmlParserCtxtPtr parser = nullptr;  // of the stream; an entity's text is read by a parser of its own
     int stream_error = 0;               // of the system, when the stream failed
     bool stream_failed = false;         // the stream itself, not the text in it
     bool lacked_memory = false;         // for something that the document would have
     bool is_stopped = false;            // before its end, for what stands in it
     int declared_attributes = 0;
+    std::string text;         // what was read last, as long as no tag tells that it is whole
+    int text_line = 0;        // where its first part ends
     std::string problem;      // the first one, or the first one that a document is refused for
     bool is_refused = false;  // for that problem
     place where;              // of the problem
@@ -60,7 +69,10 @@ struct context_deleter {
 using context_ptr = std::unique_ptr<xmlParserCtxt, context_deleter>;
 
 struct doc_deleter {
-    void operator()(xmlDocPtr doc) const { xmlFreeDoc(doc); }
+    void operator()(xmlDocPtr doc) const {
+        node_records::remove_from(*doc);
+        xmlFreeDoc(doc);
+    }
 };
 using doc_ptr = std::unique_ptr<xmlDoc, doc_deleter>;
 
@@ -97,20 +109,34 @@ void stop(reading& state, const std::string& problem) {
     state.is_stopped = true;
 }
 
-// The same for what the parser has found; it may be that of an entity's text.
-void stop(xmlParserCtxtPtr parser, const std::string& problem) {
-    stop(reading_of(parser), problem);
+// The same for the parser, which may be that of an entity's text.
+void stop(xmlParserCtxtPtr parser) {
     parser->wellFormed = 0;
     xmlStopParser(parser);
 }
 
-// No exception passes through libxml2.
+void stop(xmlParserCtxtPtr parser, const std::string& problem) {
+    stop(reading_of(parser), problem);
+    stop(parser);
+}
+
+// No exception passes through libxml2. False when one was on its way.
 template <class Body>
-void guarded(void* context, Body body) {
+bool guarded(void* context, Body body) {
     try {
         body(static_cast<xmlParserCtxtPtr>(context));
+        return true;
     } catch (const std::bad_alloc&) {
         reading_of(context).lacked_memory = true;
+        return false;
+    }
+}
+
+// The same for what makes a part of the document, without which nothing more is read.
+template <class Body>
+void making(void* context, Body body) {
+    if (!guarded(context, body)) {
+        stop(static_cast<xmlParserCtxtPtr>(context));
     }
 }
 
@@ -206,20 +232,115 @@ bool lost_a_prefix(const xmlNode& element, const xmlChar* prefix, const xmlChar*
     return prefixes > 0 || (prefix != nullptr && uri == nullptr && !has_colon(element.name));
 }
 
-void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespace_count,
-                   const xmlChar** namespaces, int attribute_count, int defaulted_count, const xmlChar** attributes) {
-    if (!has_too_many_attributes(*static_cast<xmlParserCtxtPtr>(context), attribute_count)) {
-        xmlSAX2StartElementNs(context, name, prefix, uri, namespace_count, namespaces, attribute_count, defaulted_count,
-                              attributes);
-        guarded(context, [&](xmlParserCtxtPtr parser) {
-            if (parser->disableSAX == 0 && parser->node != nullptr &&
-                lost_a_prefix(*parser->node, prefix, uri, attribute_count, attributes)) {
-                reading_of(parser).lacked_memory = true;
-            }
-        });
+// --- texts, and the white space between elements: half the nodes of an indented document ----------------------------
+
+// Of what may stand in XML nothing else comes before it.
+bool is_blank(char character) {
+    return static_cast<unsigned char>(character) <= ' ';
+}
+
+// Whether what is read now belongs to no text that is there already.
+bool begins_text(const xmlNode* parent) {
+    return parent != nullptr && (parent->last == nullptr || parent->last->type == XML_ELEMENT_NODE);
+}
+
+// Hands the text that is waiting over to libxml2, which adds what follows to it. After an error the element may be
+// gone.
+void keep_text(reading& state) {
+    xmlNode* parent = state.parser->node;
+    if (!state.text.empty() && parent != nullptr) {
+        xmlSAX2Characters(state.parser, reinterpret_cast<const xmlChar*>(state.text.data()),
+                          static_cast<int>(state.text.size()));
+        if (parent->last != nullptr) {
+            parent->last->line = record_line(state.text_line);
+        }
+    }
+    state.text.clear();
+}
+
+// White space that an element begins with is its text, unless it begins on a line of its own.
+bool is_between_elements(const std::string& text, const xmlNode& parent) {
+    return (parent.children != nullptr || text.front() == '\n') && std::all_of(text.begin(), text.end(), is_blank);
+}
+
+// At a tag, where the text is whole.
+void end_text(reading& state) {
+    if (!state.text.empty()) {
+        xmlNode& parent = *state.parser->node;
+        if (!is_between_elements(state.text, parent)) {
+            append_child(parent, *state.records.make_text(parent.doc, state.text, state.text_line));
+        }
+        state.text.clear();
+    }
+}
+
+// The text of an entity, which has a parser of its own, ends without a tag.
+void read_text(void* context, const xmlChar* text, int length) {
+    making(context, [text, length](xmlParserCtxtPtr parser) {
+        reading& state = reading_of(parser);
+        const auto size = static_cast<std::size_t>(length);
+        if (parser == state.parser && begins_text(parser->node) && state.text.size() + size <= longest_waiting_text) {
+            state.text_line = state.text.empty() ? parser->input->line : state.text_line;
+            state.text.append(reinterpret_cast<const char*>(text), size);
+            return;
+        }
+        keep_text(state);
+        xmlSAX2Characters(parser, text, length);
+    });
+}
+
+// Hands over to libxml2 what is no tag and no text.
+template <auto handle, class... Arguments>
+auto read_other(void* context, Arguments... arguments) {
+    keep_text(reading_of(context));
+    return handle(context, arguments...);
+}
+
+// --- elements -------------------------------------------------------------------------------------------------------
+
+bool is_plain(const xmlChar* prefix, const xmlChar* uri, int namespace_count, int attribute_count) {
+    return prefix == nullptr && uri == nullptr && namespace_count == 0 && attribute_count == 0;
+}
+
+// As libxml2 starts one that has nothing but a name, which its dictionary keeps.
+void start_plain_element(xmlParserCtxtPtr parser, const xmlChar* name) {
+    xmlNode* parent = parser->node;
+    xmlNode* element = reading_of(parser).records.make_element(parser->myDoc, name, parser->input->line);
+    parser->nodemem = -1;  // the text that was read last is whole
+    if (nodePush(parser, element) < 0) {
         return;
     }
-    guarded(context, [](xmlParserCtxtPtr parser) { stop(parser, too_many_attributes()); });
+    if (parent == nullptr) {
+        xmlAddChild(reinterpret_cast<xmlNode*>(parser->myDoc), element);
+    } else {
+        append_child(*parent, *element);
+    }
+}
+
+// The parser of an entity's text makes what libxml2 copies.
+void start_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri, int namespace_count,
+                   const xmlChar** namespaces, int attribute_count, int defaulted_count, const xmlChar** attributes) {
+    making(context, [&](xmlParserCtxtPtr parser) {
+        reading& state = reading_of(parser);
+        end_text(state);
+        if (has_too_many_attributes(*parser, attribute_count)) {
+            stop(parser, too_many_attributes());
+        } else if (parser == state.parser && is_plain(prefix, uri, namespace_count, attribute_count)) {
+            start_plain_element(parser, name);
+        } else {
+            xmlSAX2StartElementNs(parser, name, prefix, uri, namespace_count, namespaces, attribute_count,
+                                  defaulted_count, attributes);
+            if (parser->disableSAX == 0 && parser->node != nullptr &&
+                lost_a_prefix(*parser->node, prefix, uri, attribute_count, attributes)) {
+                state.lacked_memory = true;
+            }
+        }
+    });
+}
+
+void end_element(void* context, const xmlChar* name, const xmlChar* prefix, const xmlChar* uri) {
+    making(context, [](xmlParserCtxtPtr parser) { end_text(reading_of(parser)); });
+    xmlSAX2EndElementNs(context, name, prefix, uri);
 }
 
 // The tag that is being read, which its start has not been told of. Of its attributes the parser has room for twice as
@@ -283,6 +404,13 @@ context_ptr make_context(reading& state) {
     context->sax->entityDecl = declare_entity;
     context->sax->attributeDecl = declare_attribute;
     context->sax->startElementNs = start_element;
+    context->sax->endElementNs = end_element;
+    context->sax->characters = read_text;
+    context->sax->ignorableWhitespace = read_text;
+    context->sax->cdataBlock = read_other<xmlSAX2CDataBlock, const xmlChar*, int>;
+    context->sax->comment = read_other<xmlSAX2Comment, const xmlChar*>;
+    context->sax->processingInstruction = read_other<xmlSAX2ProcessingInstruction, const xmlChar*, const xmlChar*>;
+    context->sax->getEntity = read_other<xmlSAX2GetEntity, const xmlChar*>;
     return context;
 }
 
@@ -306,15 +434,43 @@ std::string prefix(const place& where) {
     throw read_error(prefix(state.where) + problem, state.where.line, state.where.column);
 }
 
-doc_ptr read_document(std::istream& in, bool recover) {
+// False when there is no memory for the input.
+bool push_input(xmlParserCtxtPtr parser, reading& state) {
+    xmlParserInputBufferPtr buffer = xmlParserInputBufferCreateIO(read_block, nullptr, &state, XML_CHAR_ENCODING_NONE);
+    if (buffer == nullptr) {
+        return false;
+    }
+    xmlParserInputPtr input = xmlNewIOInputStream(parser, buffer, XML_CHAR_ENCODING_NONE);
+    if (input == nullptr) {
+        xmlFreeParserInputBuffer(buffer);
+        return false;
+    }
+    return inputPush(parser, input) >= 0;
+}
+
+// libxml2's own functions that read a document free one that is not well-formed, with the records that are not theirs.
+doc_ptr parse(xmlParserCtxtPtr parser, reading& state, bool recover) {
+    xmlCtxtUseOptions(parser,
+                      XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_COMPACT | (recover ? XML_PARSE_RECOVER : 0));
+    if (push_input(parser, state)) {
+        xmlParseDocument(parser);
+    }
+    if (recover && parser->node != nullptr) {
+        keep_text(state);  // of an element that has no end
+    }
+    doc_ptr doc(parser->myDoc);
+    parser->myDoc = nullptr;
+    return parser->wellFormed != 0 || recover ? std::move(doc) : nullptr;
+}
+
+doc_ptr read_document(std::istream& in, bool recover, node_records& records) {
     if (!in) {
         throw_unreadable(0);
     }
-    reading state(in);
+    reading state(in, records);
     const context_ptr context = make_context(state);
     const thread_errors_to errors(context.get());
-    const int options = XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_COMPACT | (recover ? XML_PARSE_RECOVER : 0);
-    doc_ptr doc(xmlCtxtReadIO(context.get(), read_block, nullptr, &state, nullptr, nullptr, options));
+    doc_ptr doc = parse(context.get(), state, recover);
     if (state.stream_failed) {
         throw_unreadable(state.stream_error);
     }
@@ -355,13 +511,15 @@ const char* node::content() const {
 }
 
 struct document::tree {
-    explicit tree(doc_ptr read) : doc(std::move(read)), root(xmlDocGetRootElement(doc.get())) {}
+    tree(std::istream& in, bool recover)
+        : doc(read_document(in, recover, records)), root(xmlDocGetRootElement(doc.get())) {}
 
+    node_records records;
     doc_ptr doc;
     node root;
 };
 
-document::document(std::istream& in, bool recover) : tree_(std::make_unique<tree>(read_document(in, recover))) {}
+document::document(std::istream& in, bool recover) : tree_(std::make_unique<tree>(in, recover)) {}
 
 document::~document() = default;
 
