@@ -73,6 +73,18 @@ std::size_t bytes_of(const inventory_value& value) {
     return sizeof value + (text == nullptr ? 0 : text->size());
 }
 
+// Ends the reading of a statement's rows, so that nobody has to wait for it.
+class statement_to_end {
+public:
+    explicit statement_to_end(sqlite3_stmt* statement) : statement_(statement) {}
+    ~statement_to_end() { sqlite3_reset(statement_); }
+    statement_to_end(const statement_to_end&) = delete;
+    statement_to_end& operator=(const statement_to_end&) = delete;
+
+private:
+    sqlite3_stmt* statement_;
+};
+
 // Whoever made it: what stands in it runs no functions but harmless ones, and a table is no view, which may be without
 // end.
 void distrust_schema(sqlite3* connection) {
@@ -140,7 +152,7 @@ void inventory::refuse_computed_columns(const inventory_kind& kind) const {
 
 inventory_table inventory::read(const inventory_kind& kind) const {
     refuse_computed_columns(kind);
-    inventory_table table = table_of(kind, select("*", kind));
+    inventory_table table = table_of(kind, select_rows(kind));
     forget_absent_values(table);
     return table;
 }
@@ -154,22 +166,32 @@ std::vector<inventory_table> inventory::read_all() const {
 }
 
 inventory_table inventory::read_after(const inventory_kind& kind, std::int64_t id) const {
-    return table_of(kind, select("*", kind, " WHERE rowid > " + std::to_string(id)));
+    auto later = later_rows_.find(&kind);
+    if (later == later_rows_.end()) {
+        later = later_rows_.emplace(&kind, select_rows(kind, " WHERE rowid > ?")).first;
+    }
+    sqlite3_bind_int64(later->second.rows.get(), 1, id);
+    return table_of(kind, later->second);
 }
 
-inventory_table inventory::table_of(const inventory_kind& kind, const statement_ptr& rows) const {
-    inventory_table table{&kind, {}, {}};
-    std::vector<bool> unsigned_columns;
-    const int columns = sqlite3_column_count(rows.get());
+inventory::selection inventory::select_rows(const inventory_kind& kind, const std::string& condition) const {
+    selection selected = {select("*", kind, condition), {}, {}};
+    const int columns = sqlite3_column_count(selected.rows.get());
     for (int column = 0; column < columns; ++column) {
-        table.columns.push_back(name_of(rows.get(), column));
-        unsigned_columns.push_back(is_unsigned(kind, table.columns.back()));
+        selected.columns.push_back(name_of(selected.rows.get(), column));
+        selected.are_unsigned.push_back(is_unsigned(kind, selected.columns.back()));
     }
+    return selected;
+}
+
+inventory_table inventory::table_of(const inventory_kind& kind, const selection& selected) const {
+    const statement_to_end reading(selected.rows.get());
+    inventory_table table{&kind, selected.columns, {}};
     std::size_t bytes = 0;
-    while (step(rows)) {
+    while (step(selected.rows)) {
         std::vector<inventory_value>& row = table.rows.emplace_back();
-        for (int column = 0; column < columns; ++column) {
-            row.push_back(value_at(rows.get(), column, unsigned_columns[static_cast<std::size_t>(column)]));
+        for (std::size_t column = 0; column < selected.columns.size(); ++column) {
+            row.push_back(value_at(selected.rows.get(), static_cast<int>(column), selected.are_unsigned[column]));
             bytes += bytes_of(row.back());
         }
         if (bytes > largest_table_) {

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -39,7 +40,7 @@ public:
     inventory_table read(const inventory_kind& kind) const;
     /// The tables of all kinds, in their order.
     std::vector<inventory_table> read_all() const;
-    /// Only the rows with an id above `id`, with every value as it is stored.
+    /// Only the rows with an id above `id`, with every value as it is stored. Costs little when asked again.
     inventory_table read_after(const inventory_kind& kind, std::int64_t id) const;
     std::int64_t count(const inventory_kind& kind) const;
 
@@ -52,12 +53,20 @@ private:
     };
     using statement_ptr = std::unique_ptr<sqlite3_stmt, finalizer>;
 
+    // Whole rows that are selected, and what is known of their columns.
+    struct selection {
+        statement_ptr rows;
+        std::vector<std::string> columns;
+        std::vector<bool> are_unsigned;
+    };
+
     int open();
     void refuse_newer_version() const;
     void refuse_computed_columns(const inventory_kind& kind) const;
     statement_ptr prepare(const std::string& sql) const;
     statement_ptr select(const std::string& what, const inventory_kind& kind, const std::string& condition = "") const;
-    inventory_table table_of(const inventory_kind& kind, const statement_ptr& rows) const;
+    selection select_rows(const inventory_kind& kind, const std::string& condition = "") const;
+    inventory_table table_of(const inventory_kind& kind, const selection& selected) const;
     bool step(const statement_ptr& statement) const;
     [[noreturn]] void fail() const;
 
@@ -66,6 +75,7 @@ private:
     database_naming naming_;
     std::size_t largest_table_ = most_bytes;
     connection_ptr connection_;
+    mutable std::map<const inventory_kind*, selection> later_rows_;  // for read_after()
 };
 
 #endif
