@@ -10,9 +10,9 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::Not;
 
-class ControllerPlaces : public command_test {
+class MissingPlaces : public command_test {
 protected:
-    ControllerPlaces() {
+    MissingPlaces() {
         write("server.xml", cds_file(cds_component("memory_info", {text("Device Locator", "DIMM 1")})));
     }
 
@@ -24,11 +24,11 @@ protected:
     }
 };
 
-TEST_F(ControllerPlaces, ThatAreThereNeedNoWord) {
+TEST_F(MissingPlaces, ThatAreThereNeedNoWord) {
     EXPECT_THAT(run("zebdb-cds refresh server.xml").err, Not(HasSubstr("zebdb-cds:")));
 }
 
-TEST_F(ControllerPlaces, WithoutTheDigestScriptRefreshSaysThatNoDigestsWereMade) {
+TEST_F(MissingPlaces, WithoutTheDigestScriptRefreshSaysThatNoDigestsWereMade) {
     const command_result result = refresh_without("x", "/bin/pci_digest.sh");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.last_error_line(),
@@ -36,7 +36,7 @@ TEST_F(ControllerPlaces, WithoutTheDigestScriptRefreshSaysThatNoDigestsWereMade)
               "try 'zebdb-cds refresh server.xml --root DIR'");
 }
 
-TEST_F(ControllerPlaces, OfWhichSeveralAreMissingAreNamedInOneLine) {
+TEST_F(MissingPlaces, OfWhichSeveralAreMissingAreNamedInOneLine) {
     const command_result result = refresh_without("w", "/var/vonk /var/DS");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.last_error_line(),
@@ -44,13 +44,13 @@ TEST_F(ControllerPlaces, OfWhichSeveralAreMissingAreNamedInOneLine) {
               "(no function keys were saved); try 'zebdb-cds refresh server.xml --root DIR'");
 }
 
-TEST_F(ControllerPlaces, ThatAreMissingAreNamedWithACommandForAnyFileName) {
+TEST_F(MissingPlaces, ThatAreMissingAreNamedWithACommandForAnyFileName) {
     write("my server.xml", read("server.xml"));
     EXPECT_THAT(refresh_without("w", "/var/vonk", "'my server.xml'").err,
                 EndsWith("; try 'zebdb-cds refresh 'my server.xml' --root DIR'\n"));
 }
 
-TEST_F(ControllerPlaces, ThatAreMissingAreNoMatterOfALoad) {
+TEST_F(MissingPlaces, ThatAreMissingAreNoMatterOfALoad) {
     const command_result result =
         run("chmod a-w /var/vonk /var/DS; zebdb-cds load server.xml; status=$?; chmod u+w /var/vonk /var/DS; exit "
             "$status");
@@ -58,7 +58,7 @@ TEST_F(ControllerPlaces, ThatAreMissingAreNoMatterOfALoad) {
     EXPECT_THAT(result.err, Not(HasSubstr("zebdb-cds:")));
 }
 
-class ForeignMarker : public ControllerPlaces {
+class ForeignMarker : public MissingPlaces {
 protected:
     static constexpr int no_other_user = 77;
 
