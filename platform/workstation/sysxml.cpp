@@ -429,9 +429,10 @@ std::string prefix(const place& where) {
 }
 
 // `otherwise` stands for a problem that libxml2 does not tell.
+template <class Error>
 [[noreturn]] void throw_problem(const reading& state, const std::string& otherwise) {
     const std::string& problem = state.problem.empty() ? otherwise : state.problem;
-    throw read_error(prefix(state.where) + problem, state.where.line, state.where.column);
+    throw Error(prefix(state.where) + problem, state.where.line, state.where.column);
 }
 
 // False when there is no memory for the input.
@@ -475,9 +476,11 @@ doc_ptr read_document(std::istream& in, bool recover, node_records& records) {
         throw_unreadable(state.stream_error);
     }
     in.clear(in.rdstate() & ~std::ios::failbit);  // the last block is shorter than what was asked for
-    const bool lacked_memory = state.lacked_memory || context->errNo == XML_ERR_NO_MEMORY;  // then it may lack a part
-    if (lacked_memory || state.is_stopped || doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
-        throw_problem(state, lacked_memory ? "out of memory" : "the input is no XML document");
+    if (state.lacked_memory || context->errNo == XML_ERR_NO_MEMORY) {  // then it may lack a part
+        throw_problem<memory_error>(state, "out of memory");
+    }
+    if (state.is_stopped || doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
+        throw_problem<read_error>(state, "the input is no XML document");
     }
     return doc;
 }
@@ -488,6 +491,8 @@ read_error::read_error(const std::string& message, std::int32_t line, std::int32
     : sysipc::exception(message, line, column) {}
 
 read_error::~read_error() = default;
+
+memory_error::~memory_error() = default;
 
 // libxml2 must be initialised once before it is used; it stays so, since others in the process may use it as well.
 parser::parser() {

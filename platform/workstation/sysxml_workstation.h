@@ -27,6 +27,13 @@ public:
     std::int32_t column() const { return second(); }
 };
 
+/// What it throws for want of memory: whatever the message says, the document is not to blame.
+class __attribute__((visibility("default"))) memory_error : public read_error {
+public:
+    using read_error::read_error;
+    ~memory_error() override;
+};
+
 }  // namespace sysxml
 
 #endif
