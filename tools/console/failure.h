@@ -13,4 +13,10 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// There is not enough memory, so that what could not be done is nobody's fault.
+class lack_of_memory : public failure {
+public:
+    using failure::failure;
+};
+
 #endif

@@ -8,6 +8,7 @@
 #include <string>
 
 #include <sysipc.h>
+#include <sysxml_workstation.h>
 #include <zebdb_cds_parser.h>
 
 #include "console/failure.h"
@@ -38,6 +39,20 @@ failure xml_failure(const sysipc::exception& error, const input_file& input) {
     return failure(text);
 }
 
+[[noreturn]] void throw_problem(const sysipc::exception& error, const input_file& input) {
+    if (input.lacked_memory()) {
+        throw lack_of_memory(input.read_error());
+    }
+    if (!input.read_error().empty()) {
+        throw failure(input.read_error());
+    }
+    const failure problem = xml_failure(error, input);
+    if (dynamic_cast<const sysxml::memory_error*>(&error) != nullptr) {
+        throw lack_of_memory(problem.what());
+    }
+    throw problem;
+}
+
 }  // namespace
 
 void read_cds_file(const std::string& name, cds_parser::document& document) {
@@ -59,7 +74,7 @@ void read_cds(std::istream& in, const input_file& input, cds_parser::document& d
     } catch (const cds_parser::name_error& error) {
         throw grammar_failure(error, input);
     } catch (const sysipc::exception& error) {
-        throw input.read_error().empty() ? xml_failure(error, input) : failure(input.read_error());
+        throw_problem(error, input);
     }
     if (!is_cds) {
         throw failure("its root element is not 'component', so it is no CDS file");

@@ -15,7 +15,8 @@
 /// cannot be read.
 void read_cds_file(const std::string& name, cds_parser::document& document);
 
-/// Reads `document` from `in`, which holds what is in `input`. Throws failure with the cause alone.
+/// Reads `document` from `in`, which holds what is in `input`. Throws failure with the cause alone; lack_of_memory
+/// where the input is not to blame.
 void read_cds(std::istream& in, const input_file& input, cds_parser::document& document);
 
 #endif

@@ -125,12 +125,20 @@ input_file::input_file(const std::string& name, std::size_t most_bytes_passed) :
     }
     const int file = open_for_reading(name);
     if (!S_ISREG(status_.st_mode) || is_packed_file(name)) {
-        path_ = "/dev/fd/" + std::to_string(pass_on(file, most_bytes_passed));
+        pipe_ = pass_on(file, most_bytes_passed);
+        path_ = "/dev/fd/" + std::to_string(pipe_);
         return;
     }
     ::close(file);
     if (status_.st_size == 0) {
         throw failure("the file is empty");
+    }
+}
+
+// With nobody to read from the pipe, the copying ends, too.
+input_file::~input_file() {
+    if (pipe_ != -1) {
+        ::close(pipe_);
     }
 }
 
@@ -187,6 +195,27 @@ void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>&
 
 std::string input_file::read_error() const {
     return is_on_disk() ? "" : passed_->error();
+}
+
+bool input_file::lacked_memory() const {
+    return read_error() == std::strerror(ENOMEM);
+}
+
+std::string input_file::read_all() const {
+    std::ifstream file(path_, std::ios::binary);
+    std::string content;
+    char block[1 << 16];
+    do {
+        file.read(block, sizeof block);
+        content.append(block, static_cast<std::size_t>(file.gcount()));
+    } while (file);
+    if (lacked_memory()) {
+        throw lack_of_memory(read_error());
+    }
+    if (!read_error().empty()) {
+        throw failure(read_error());
+    }
+    return content;
 }
 
 std::unique_ptr<std::istream> input_file::read_again() const {

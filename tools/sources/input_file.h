@@ -28,6 +28,9 @@ public:
     /// on beyond `most_bytes_passed`, or cannot be read to its end, is no XML document, whatever stands in it. One for
     /// standard input at a time.
     explicit input_file(const std::string& name, std::size_t most_bytes_passed = most_bytes);
+    ~input_file();
+    input_file(const input_file&) = delete;
+    input_file& operator=(const input_file&) = delete;
 
     /// What to open; only once unless it is a file on disk.
     const std::string& path() const { return path_; }
@@ -39,6 +42,12 @@ public:
 
     /// What ended the reading of what is not on disk before its end; empty when nothing did.
     std::string read_error() const;
+
+    /// Whether that was a lack of memory.
+    bool lacked_memory() const;
+
+    /// All that there is to read. Throws failure with the cause alone; lack_of_memory where the input is not to blame.
+    std::string read_all() const;
 
     /// What has been read, from its start, for another look.
     std::unique_ptr<std::istream> read_again() const;
@@ -55,6 +64,7 @@ private:
 
     std::string name_;
     std::string path_;
+    int pipe_ = -1;  // where `path_` leads, unless that is standard input
     struct stat status_ = {};
     std::shared_ptr<passed_bytes> passed_;  // null for a file on disk
 };

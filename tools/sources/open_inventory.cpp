@@ -2,7 +2,6 @@
 
 #include "sources/open_inventory.h"
 
-#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <ios>
@@ -38,20 +37,6 @@ bool is_database_file(const std::string& name) {
     return begins_as_database(file);
 }
 
-std::string content_of(const input_file& input) {
-    std::ifstream file(input.path(), std::ios::binary);
-    std::string content;
-    char block[1 << 16];
-    do {
-        file.read(block, sizeof block);
-        content.append(block, static_cast<std::size_t>(file.gcount()));
-    } while (file);
-    if (!input.read_error().empty()) {
-        throw failure(input.read_error());
-    }
-    return content;
-}
-
 // Throws failure with the cause alone, like those below.
 opened_source read_document(std::istream& in, const input_file& input, const std::string& title) {
     auto document = std::make_unique<cds_parser::document>();
@@ -62,7 +47,7 @@ opened_source read_document(std::istream& in, const input_file& input, const std
 
 // What can be read only once.
 opened_source read_stream(const input_file& input, const std::string& title) {
-    const std::string content = content_of(input);
+    const std::string content = input.read_all();
     std::istringstream in(content);
     if (begins_as_database(in)) {
         return {open_in_memory(content, title), nullptr, {}};

@@ -160,6 +160,30 @@ TEST(InputFile, ThatIsAPipeMayBeAsLongAsIsRead) {
     writer.join();
 }
 
+TEST(InputFile, ThatIsPackedKeepsNothingOpen) {
+    const scratch_file file(packed(std::string(1'000'000, 'x')));
+    std::string path;
+    {
+        const input_file input(file.path());
+        path = input.path();
+    }
+    EXPECT_FALSE(std::ifstream(path).is_open());
+}
+
+TEST(InputFile, IsReadWhole) {
+    const std::string text(200'000, 'x');
+    const scratch_file plain(text);
+    const scratch_file other(packed(text));
+    EXPECT_TRUE(input_file(plain.path()).read_all() == text);
+    EXPECT_TRUE(input_file(other.path()).read_all() == text);
+}
+
+TEST(InputFile, ThatCannotBeReadWholeIsAFailure) {
+    const std::string bytes = packed("text");
+    const scratch_file file(bytes.substr(0, bytes.size() - 1));
+    EXPECT_EQ(refusal_of([&file] { input_file(file.path()).read_all(); }), "it was packed by gzip and lacks its end");
+}
+
 TEST(InputFile, IsRefusedWhenItIsPlainThatItCannotBeRead) {
     EXPECT_EQ(refusal_of_file("missing"), "No such file or directory");
     EXPECT_EQ(refusal_of_file("."), "Is a directory");
