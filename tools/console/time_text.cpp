@@ -4,6 +4,8 @@
 
 #include <time.h>  // NOLINT(modernize-deprecated-headers): timegm() is not of C++
 
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <optional>
@@ -11,6 +13,14 @@
 #include <string>
 
 namespace {
+
+using std::chrono::duration_cast;
+using std::chrono::microseconds;
+using std::chrono::seconds;
+
+// Of the years 0 to 9999.
+constexpr std::time_t first_second = -62'167'219'200;
+constexpr std::time_t last_second = 253'402'300'799;
 
 std::string formatted(std::time_t time, const char* format) {
     std::tm parts = {};
@@ -25,6 +35,16 @@ int number(const std::string& digits) {
     return static_cast<int>(std::strtol(digits.c_str(), nullptr, 10));
 }
 
+// Of the digits behind the point; what is finer is cut off.
+microseconds fraction(std::string digits) {
+    digits.resize(6, '0');
+    return microseconds(number(digits));
+}
+
+moment moment_at(std::time_t second, microseconds fraction) {
+    return moment(seconds(second) + fraction);
+}
+
 }  // namespace
 
 std::string time_text(std::time_t time) {
@@ -32,12 +52,24 @@ std::string time_text(std::time_t time) {
 }
 
 std::string rfc3339_text(std::time_t time) {
-    return formatted(time, "%Y-%m-%dT%H:%M:%SZ");
+    return formatted(time, "%04Y-%m-%dT%H:%M:%SZ");
 }
 
-std::optional<std::time_t> rfc3339_time(const std::string& text) {
+std::string rfc3339_text(moment time) {
+    const std::time_t second = second_of(time);
+    const auto fraction = duration_cast<microseconds>(time.time_since_epoch() - seconds(second)).count();
+    std::string text = rfc3339_text(second);
+    if (fraction != 0) {
+        char digits[16];
+        std::snprintf(digits, sizeof digits, ".%06d", static_cast<int>(fraction));
+        text.insert(text.size() - 1, digits);
+    }
+    return text;
+}
+
+std::optional<moment> rfc3339_time(const std::string& text) {
     static const std::regex form(
-        "(\\d{4})-(\\d\\d)-(\\d\\d)[Tt ](\\d\\d):(\\d\\d):(\\d\\d)(?:\\.\\d{1,9})?(?:[Zz]|([+-])(\\d\\d):(\\d\\d))");
+        "(\\d{4})-(\\d\\d)-(\\d\\d)[Tt ](\\d\\d):(\\d\\d):(\\d\\d)(?:\\.(\\d{1,9}))?(?:[Zz]|([+-])(\\d\\d):(\\d\\d))");
     std::smatch found;
     if (!std::regex_match(text, found, form)) {
         return std::nullopt;
@@ -54,11 +86,22 @@ std::optional<std::time_t> rfc3339_time(const std::string& text) {
     const bool is_in_calendar = parts.tm_mon == written.tm_mon && parts.tm_mday == written.tm_mday &&
                                 parts.tm_hour == written.tm_hour && parts.tm_min == written.tm_min &&
                                 parts.tm_sec == written.tm_sec;
-    const std::time_t hours = number(found[8]);
-    const std::time_t minutes = number(found[9]);
+    const std::time_t hours = number(found[9]);
+    const std::time_t minutes = number(found[10]);
     if (!is_in_calendar || hours > 23 || minutes > 59) {
         return std::nullopt;
     }
     const std::time_t offset = (hours * 60 + minutes) * 60;
-    return found[7] == "-" ? local + offset : local - offset;
+    return moment_at(found[8] == "-" ? local + offset : local - offset, fraction(found[7]));
+}
+
+std::optional<moment> moment_of(const std::timespec& time) {
+    if (time.tv_sec < first_second || time.tv_sec > last_second) {
+        return std::nullopt;
+    }
+    return moment_at(time.tv_sec, microseconds(time.tv_nsec / 1000));
+}
+
+std::time_t second_of(moment time) {
+    return std::chrono::floor<seconds>(time).time_since_epoch().count();
 }

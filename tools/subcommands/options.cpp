@@ -6,11 +6,13 @@
 #include <cstddef>
 #include <ctime>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "console/failure.h"
 #include "console/output.h"
+#include "console/time_text.h"
 #include "rows/fields.h"
 #include "rows/kinds.h"
 #include "sources/inventory.h"
@@ -68,6 +70,17 @@ void require_known_column(const std::string& column, const std::string& kind) {
 
 void add_kind_argument(command_line& arguments, std::string& kind) {
     arguments.optional_argument("KIND", kind, choice_of_kinds() + "; all of them if none is named", names_of_kinds());
+}
+
+std::optional<moment> time_in_option(const std::string& at) {
+    if (at.empty()) {
+        return std::nullopt;
+    }
+    const auto time = rfc3339_time(at);
+    if (!time) {
+        throw failure("--at " + in_quotes(at) + " is no time, as 2026-11-19T10:00:00Z is");
+    }
+    return time;
 }
 
 void add_redact_flag(command_line& arguments, bool& value) {

@@ -5,10 +5,12 @@
 #define TOOLS_SUBCOMMANDS_OPTIONS_H
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "console/time_text.h"
 #include "sources/inventory.h"
 #include "subcommands/command_line.h"
 
@@ -34,6 +36,9 @@ void require_known_column(const std::string& column, const std::string& kind = "
 
 /// Declares the argument KIND; `kind` stays empty when it is not given.
 void add_kind_argument(command_line& arguments, std::string& kind);
+
+/// The time that the option --at gives; nothing when that is empty. Throws failure for what is no time.
+std::optional<moment> time_in_option(const std::string& at);
 
 /// Declares what hides serial numbers.
 void add_redact_flag(command_line& arguments, bool& value);

@@ -26,22 +26,12 @@ struct report_arguments {
     bool redact = false;
 };
 
-std::time_t time_of(const std::string& at) {
-    if (at.empty()) {
-        return std::time(nullptr);
-    }
-    const auto time = rfc3339_time(at);
-    if (!time) {
-        throw failure("--at " + in_quotes(at) + " is no time, as 2026-11-19T10:00:00Z is");
-    }
-    return *time;
-}
-
 int report(const report_arguments& arguments) {
     if (arguments.name == "-" && arguments.old_name == "-") {
         throw failure("only one of the two inventories can be standard input");
     }
-    const report_options options = {time_of(arguments.at), arguments.redact};
+    const std::optional<moment> at = time_in_option(arguments.at);
+    const report_options options = {at ? second_of(*at) : std::time(nullptr), arguments.redact};
     opened_source shown = open_source(arguments.name);
     std::optional<opened_source> old;
     if (!arguments.old_name.empty()) {
