@@ -18,6 +18,9 @@ using cds_parser::setting_node;
 
 constexpr const char* usable_number = "1";
 
+// Of questions that are kept with their answers; those about one server have some 10 kB.
+constexpr std::size_t most_bytes = std::size_t{1} << 20;
+
 setting_node* new_setting(const std::string& name, const std::string& value, setting_node::setting_value_type type) {
     auto* made = new setting_node(0);
     made->name = name;
@@ -97,11 +100,22 @@ std::vector<std::string> counterfactual::settings_to_blame(const component& real
     return blamed;
 }
 
+// The loader keeps the rows of what it was asked.
+void counterfactual::forget_too_many() {
+    if (!loader_ || bytes_ > most_bytes) {
+        answers_.clear();
+        bytes_ = 0;
+        loader_.emplace();
+    }
+}
+
 counterfactual::answer counterfactual::ask(const component& real, const known_group& complete,
                                            const known_setting* as_it_is) {
+    forget_too_many();
     const auto [known, is_new] = answers_.try_emplace(question_about(real, complete, as_it_is));
     if (is_new) {
-        const auto loaded = loader_.load(*new_component(real, complete, as_it_is), component_loader::no_parent);
+        bytes_ += known->first.size();
+        const auto loaded = loader_->load(*new_component(real, complete, as_it_is), component_loader::no_parent);
         known->second = {loaded.row.has_value(), !loaded.log.empty()};
     }
     return known->second;

@@ -4,7 +4,9 @@
 #ifndef TOOLS_EXPLANATION_COUNTERFACTUAL_H
 #define TOOLS_EXPLANATION_COUNTERFACTUAL_H
 
+#include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,8 @@
 #include "explanation/component_loader.h"
 #include "explanation/known_settings.h"
 
-/// Asks the loader itself, with made-up components.
+/// Asks the loader itself, with made-up components. What it answered about one document holds for every other, so that
+/// one of these for many of them costs less, and never more memory than for a large one.
 class counterfactual {
 public:
     /// The group of which the loader would make a row, or would try to, if all that is known were in it; null when the
@@ -36,8 +39,11 @@ private:
     // `real` has, and the other groups of `real` are empty.
     answer ask(const cds_parser::component& real, const known_group& complete, const known_setting* as_it_is = nullptr);
 
-    component_loader loader_;
+    void forget_too_many();
+
+    std::optional<component_loader> loader_;
     std::map<std::string, answer> answers_;  // most components of a file raise the same questions
+    std::size_t bytes_ = 0;                  // of the questions
 };
 
 #endif

@@ -7,12 +7,14 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <zebdb_cds_parser.h>
 
+#include "cds_parser/dispatch.h"
 #include "explanation/component_loader.h"
 #include "explanation/component_title.h"
 #include "explanation/counterfactual.h"
@@ -57,24 +59,32 @@ std::string obstacle_below(const explanation& told) {
                                                : "; elsewhere this would have been looked at");
 }
 
+// Which components are told about, and whether all that there is to tell.
+enum class scope { left_out, hardware, everything };
+
 // Goes through a tree as the loader does, and on where the loader stops.
 class walk {
 public:
-    walk(const std::vector<left_out_element>& left_out, bool all) : all_(all) {
+    walk(const std::vector<left_out_element>& left_out, scope told_about, counterfactual& doubts)
+        : scope_(told_about), doubts_(doubts) {
         for (const left_out_element& each : left_out) {
             left_out_.emplace(each.element, &each);
+            first_of_cards_.insert(each.first_of_card);
         }
     }
 
     void visit(component& visited, const std::string& path, std::int64_t parent) {
+        if (is_left_alone(visited)) {
+            go_below(visited, path,
+                     [&](component& child, const std::string& child_path) { visit(child, child_path, parent); });
+            return;
+        }
         const loaded_component loaded = loader_.load(visited, parent);
         explanation told = begin(visited, path, parent);
         told.row = loaded.row;
         told.log = loaded.log;
         told.judged = verdict_on(visited, told.recorded_by, loaded, find_left_out(visited), doubts_);
-        told.unused = unused_settings(visited, told.recorded_by, told.row);
-        told.odd = odd_values(visited, told.recorded_by, told.row);
-        forget_blamed(told);
+        look_at_settings(told, visited);
         const std::string obstacle = obstacle_below(told);
         add(std::move(told));
         go_below(visited, path, [&](component& child, const std::string& child_path) {
@@ -89,11 +99,25 @@ public:
     std::vector<explanation> take() { return std::move(explanations_); }
 
 private:
+    // Whether nothing that is told depends on what the loader makes of it.
+    bool is_left_alone(const component& visited) const {
+        return scope_ == scope::left_out && find_left_out(visited) == nullptr && first_of_cards_.count(&visited) == 0 &&
+               cds_parser::main_server_info(visited) == nullptr &&
+               (cds_parser::is_walked(cds_parser::kind_of(visited)) || visited.child_slot_groups.empty());
+    }
+
+    void look_at_settings(explanation& told, const component& explained) const {
+        if (scope_ != scope::left_out) {
+            told.unused = unused_settings(explained, told.recorded_by, told.row);
+            told.odd = odd_values(explained, told.recorded_by, told.row);
+            forget_blamed(told);
+        }
+    }
+
     void pass_over(component& passed, const std::string& path, std::int64_t parent, const std::string& obstacle) {
         explanation told = begin(passed, path, parent);
         told.judged = verdict_on_unreached(passed, !told.groups.empty(), obstacle);
-        told.unused = unused_settings(passed, told.recorded_by, told.row);
-        told.odd = odd_values(passed, told.recorded_by, told.row);
+        look_at_settings(told, passed);
         add(std::move(told));
         go_below(passed, path, [&](component& child, const std::string& child_path) {
             pass_over(child, child_path, parent, obstacle);
@@ -150,26 +174,56 @@ private:
         return found == nullptr ? std::nullopt : std::optional(found->why);
     }
 
+    bool is_told_about(const explanation& told) const {
+        switch (scope_) {
+            case scope::left_out:
+                return is_left_out(told);
+            case scope::hardware:
+                return !told.groups.empty() || !told.judged.reasons.empty();
+            case scope::everything:
+                break;
+        }
+        return true;
+    }
+
     void add(explanation told) {
-        if (all_ || !told.groups.empty() || !told.judged.reasons.empty()) {
+        if (is_told_about(told)) {
             explanations_.push_back(std::move(told));
         }
     }
 
     std::map<const cds_parser::element*, const left_out_element*> left_out_;
-    bool all_;
+    std::set<const component*> first_of_cards_;
+    scope scope_;
     component_loader loader_;
-    counterfactual doubts_;
+    counterfactual& doubts_;
     std::vector<explanation> explanations_;
 };
+
+std::vector<explanation> explain(cds_parser::document& document, const std::vector<left_out_element>& left_out,
+                                 scope told_about, counterfactual& doubts) {
+    walk explained(left_out, told_about, doubts);
+    explained.visit(document.root, std::string("/") + component::TAG, component_loader::no_parent);
+    return explained.take();
+}
 
 }  // namespace
 
 std::vector<explanation> explanations_of(cds_parser::document& document, bool all) {
+    counterfactual doubts;
+    return explain(document, left_out_of(document), all ? scope::everything : scope::hardware, doubts);
+}
+
+std::vector<left_out_component> left_out_components(cds_parser::document& document, counterfactual& doubts) {
     const std::vector<left_out_element> left_out = left_out_of(document);
-    walk explained(left_out, all);
-    explained.visit(document.root, std::string("/") + component::TAG, component_loader::no_parent);
-    return explained.take();
+    std::vector<left_out_component> components;
+    if (!left_out.empty()) {
+        for (explanation& told : explain(document, left_out, scope::left_out, doubts)) {
+            components.push_back(
+                {std::move(told.path), std::move(told.title), code_of(told), std::move(told.judged.reasons)});
+        }
+    }
+    return components;
 }
 
 bool is_left_out(const explanation& told) {

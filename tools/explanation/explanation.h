@@ -12,6 +12,7 @@
 
 #include <zebdb_cds_parser.h>
 
+#include "explanation/counterfactual.h"
 #include "explanation/known_settings.h"
 #include "explanation/left_out.h"
 #include "explanation/odd_values.h"
@@ -38,6 +39,18 @@ struct explanation {
 /// For every component that has, or seems to be meant to have, a group that the loader records; with `all` for every
 /// other one too. In document order. `document` is the same afterwards. Throws failure.
 std::vector<explanation> explanations_of(cds_parser::document& document, bool all);
+
+/// A component to record that left no row, in the words of its explanation.
+struct left_out_component {
+    std::string path;
+    std::string title;
+    const char* code;
+    std::vector<std::string> reasons;
+};
+
+/// All of them, in document order, as explanations_of() tells them. Costs little beside a load where they are few,
+/// since nothing is found out about the others, and less where `doubts` is the same for many documents.
+std::vector<left_out_component> left_out_components(cds_parser::document& document, counterfactual& doubts);
 
 /// Whether it is a component to record that left no row.
 bool is_left_out(const explanation& told);

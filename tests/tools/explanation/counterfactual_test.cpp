@@ -62,3 +62,13 @@ TEST_F(Counterfactual, LeavesTheComponentAsItIs) {
     doubts_.settings_to_blame(*real, *find_known_group("pci_bridge_info"), false);
     EXPECT_EQ(real->get_setting_group("pci_bridge_info")->settings.size(), 1u);
 }
+
+TEST_F(Counterfactual, AnswersTheSameWhenItHasForgotten) {
+    const std::vector<setting> without_function = {integer("Bus Number", "1"), integer("Device Number", "0")};
+    const std::vector<std::string> before = blamed("pci_bridge_info", without_function, false);
+    for (int number = 0; number < 20; ++number) {
+        const std::string long_text = std::to_string(number) + std::string(100'000, 'x');
+        EXPECT_THAT(blamed("cpu_info", {text("Socket Designation", long_text)}, false), IsEmpty());
+    }
+    EXPECT_EQ(blamed("pci_bridge_info", without_function, false), before);
+}
