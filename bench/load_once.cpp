@@ -11,6 +11,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include <zeb_db.h>
 #include <zeb_db_workstation.h>
@@ -41,7 +42,7 @@ void load_into(const std::string& database, const char* path) {
 
 int measure(int argc, char** argv) {
     std::string step;
-    std::string path;
+    std::vector<std::string> paths;
     std::string database = "load_once.db";
     unsigned times = 1;
     const std::map<std::string, std::function<void(const char*)>> steps = {
@@ -54,13 +55,15 @@ int measure(int argc, char** argv) {
     app.add_option("STEP", step, "document: the XML document; tree: document::parse(); load: parse_cds()")
         ->required()
         ->check(CLI::IsMember(steps));
-    app.add_option("FILE", path, "the CDS file")->required();
+    app.add_option("FILE", paths, "the CDS files, one after the other")->required();
     app.add_option("--times", times, "how often to do it")->capture_default_str();
     app.add_option("--database", database, "where a load goes")->capture_default_str();
     CLI11_PARSE(app, argc, argv);
 
     for (unsigned time = 0; time < times; ++time) {
-        steps.at(step)(path.c_str());
+        for (const std::string& path : paths) {
+            steps.at(step)(path.c_str());
+        }
     }
     std::cout << peak_memory() << '\n';
     return 0;
