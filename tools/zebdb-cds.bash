@@ -14,7 +14,7 @@ _zebdb_cds_candidates() {
     case $previous in
     --against | --database) echo files && return ;;
     --root) echo folders && return ;;
-    --aim | --at | --columns | --ignore | --indent | --part) return ;;
+    --aim | --at | --columns | --ignore | --indent | --part | --server) return ;;
     --format)
         case $subcommand in
         show) echo table text json jsonl csv ;;

@@ -11,6 +11,7 @@ _zebdb_cds() {
         'dump:Print the normalised text of a CDS file'
         'diff:Print what differs between two inventories'
         'report:Print a page that shows an inventory in a browser'
+        'export:Print what many CDS files say, a line of JSON each'
         'refresh:Take the inventory to what a CDS file describes and say what changed'
         'check:Say whether the inventory may have changed since the last refresh'
         'save-digest:Save the digests that check compares with'
@@ -102,6 +103,15 @@ _zebdb_cds() {
         '-h[Print this help message and exit]' \
         '--against=[Tell what has changed since an older inventory, a CDS file or a database]:OLD: ' \
         '--at=[The time that the page says it is made at, as 2026-11-19T10:00:00Z, instead of now]:TIME: ' \
+        '--redact[Hide serial numbers and asset tags]' \
+        '*:file:_files'
+      ;;
+    export)
+      _arguments \
+        '--help[Print this help message and exit]' \
+        '-h[Print this help message and exit]' \
+        '--server=[The name of the server, instead of that of the file; with one file only]:NAME: ' \
+        '--at=[The time of what is said, as 2026-11-19T10:00:00Z, instead of that of each file]:TIME: ' \
         '--redact[Hide serial numbers and asset tags]' \
         '*:file:_files'
       ;;

@@ -103,6 +103,11 @@ subject checks(command_line command) {
     return {std::move(command), "", restore, {"0, whole", "1, NOT WHOLE", "2, message"}, {}, {}};
 }
 
+// A file that cannot be read is told in its line.
+subject exports(command_line command) {
+    return {std::move(command), "", restore, {"0, whole", "2, message"}, {}, {"1, NOT WHOLE"}};
+}
+
 // Names that cannot be read are left away.
 subject names(command_line command) {
     return {std::move(command), "", restore, {"0, whole", "2, message"}, {}, {"0, NOT WHOLE"}};
@@ -137,6 +142,7 @@ const std::vector<named_subject>& subjects() {
         {"DiffAsJson", 1, compares(zebdb_cds({"diff", old_database, server, "--format", "json"}))},
         {"Explain", 0, reads(zebdb_cds({"explain", server}))},
         {"ExplainAsJson", 0, reads(zebdb_cds({"explain", server, "--format", "json"}))},
+        {"Export", 0, exports(zebdb_cds({"export", server, "--at", "2026-11-19T10:00:00Z"}))},
         {"Dump", 0, reads(zebdb_cds({"dump", server}))},
         {"ParseCds", 0, fills(entry_point({"parse_cds", server}))},
         {"ParsePci", 0, fills(entry_point({"parse_pci", server}))},

@@ -35,6 +35,7 @@ const std::vector<std::string> commands[] = {
     {"show", "--database", "input"},
     {"show", "--database", "input", "--format", "json"},
     {"show", "devices", "--database", "input", "--format", "csv"},
+    {"export", "input", "--redact"},
 };
 
 int status_of(const std::vector<std::string>& command) {

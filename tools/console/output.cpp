@@ -34,11 +34,12 @@ int write_all(int descriptor, const std::string& text) {
     return 0;
 }
 
-void print(const std::string& text) {
+bool print(const std::string& text) {
     const int error = write_all(STDOUT_FILENO, text);
     if (error != 0 && error != EPIPE) {
         throw failure(std::string("cannot write to standard output: ") + std::strerror(error));
     }
+    return error == 0;
 }
 
 void write_error(const std::string& text) {

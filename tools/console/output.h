@@ -7,9 +7,9 @@
 #include <cstddef>
 #include <string>
 
-/// Writes `text` to standard output. A reader that closed its end is no error; anything else that keeps the text from
-/// being written is a failure.
-void print(const std::string& text);
+/// Writes `text` to standard output. A reader that closed its end is no error, but gives false; anything else that
+/// keeps the text from being written is a failure.
+bool print(const std::string& text);
 
 /// Writes `text` to standard error as it is.
 void write_error(const std::string& text);

@@ -28,6 +28,9 @@ std::string listing_json(const std::vector<inventory_table>& tables);
 /// The same before it is printed.
 nlohmann::ordered_json listing_document(const std::vector<inventory_table>& tables);
 
+/// The list of one table in it.
+nlohmann::ordered_json rows_json(const inventory_table& table);
+
 /// For programs that take a line at a time: an object for each row, {"schema": 2, "kind": "processors", ...}.
 std::string listing_jsonl(const std::vector<inventory_table>& tables);
 

@@ -10,13 +10,18 @@
 
 using json = nlohmann::ordered_json;
 
+json rows_json(const inventory_table& table) {
+    json rows = json::array();
+    for (std::size_t row = 0; row < table.rows.size(); ++row) {
+        rows.push_back(row_json(table, row));
+    }
+    return rows;
+}
+
 json listing_document(const std::vector<inventory_table>& tables) {
     json document = {{"schema", json_schema}};
     for (const inventory_table& table : tables) {
-        json& rows = document[table.kind->name] = json::array();
-        for (std::size_t row = 0; row < table.rows.size(); ++row) {
-            rows.push_back(row_json(table, row));
-        }
+        document[table.kind->name] = rows_json(table);
     }
     return document;
 }

@@ -25,6 +25,11 @@ void command_line::argument(const char* name, std::string& value, const std::str
     app_->add_option(name, value, description)->required()->type_name("");
 }
 
+void command_line::arguments(const char* name, std::vector<std::string>& values, const std::string& description) {
+    note(name, "", description);
+    app_->add_option(name, values, description)->required()->type_name("");
+}
+
 void command_line::required_argument(const char* name, std::string& value, const std::string& description,
                                      const std::vector<std::string>& choices) {
     note(name, "", description, choices);

@@ -29,6 +29,8 @@ public:
 
     /// Arguments go by their place; the name is for messages.
     void argument(const char* name, std::string& value, const std::string& description);
+    /// One or several.
+    void arguments(const char* name, std::vector<std::string>& values, const std::string& description);
     void required_argument(const char* name, std::string& value, const std::string& description,
                            const std::vector<std::string>& choices);
     void optional_argument(const char* name, std::string& value, const std::string& description);

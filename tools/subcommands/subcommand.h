@@ -28,6 +28,7 @@ action define_completion(command_line& arguments);
 action define_diff(command_line& arguments);
 action define_dump(command_line& arguments);
 action define_explain(command_line& arguments);
+action define_export(command_line& arguments);
 action define_fields(command_line& arguments);
 action define_load(command_line& arguments);
 action define_refresh(command_line& arguments);

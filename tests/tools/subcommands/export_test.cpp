@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "support/quoted.h"
+#include "tools/subcommands/command_test.h"
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+using json = nlohmann::ordered_json;
+
+namespace {
+
+const std::string sample_server = quoted(SAMPLES_DIR "/two-socket-server.xml");
+const std::string truncated = quoted(SAMPLES_DIR "/errors/truncated.xml");
+const std::string at = " --at 2026-11-19T10:00:00Z";
+
+std::vector<json> lines_of(const std::string& out) {
+    std::istringstream in(out);
+    std::vector<json> lines;
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(json::parse(line));
+    }
+    return lines;
+}
+
+// Of every line.
+std::vector<std::string> values(const std::string& out, const char* key) {
+    std::vector<std::string> found;
+    for (const json& line : lines_of(out)) {
+        found.push_back(line[key]);
+    }
+    return found;
+}
+
+}  // namespace
+
+class Export : public command_test {};
+
+TEST_F(Export, PrintsALineForEachFileInTheirOrder) {
+    const command_result result = run("cp " + sample_server + " b.xml; cp b.xml a.xml; zebdb-cds export b.xml a.xml");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(values(result.out, "server"), ElementsAre("b", "a"));
+    EXPECT_THAT(values(result.out, "status"), ElementsAre("loaded", "loaded"));
+    EXPECT_THAT(result.err, IsEmpty());
+}
+
+TEST_F(Export, TakesAFolderForTheFilesInIt) {
+    run("mkdir -p day/below");
+    for (const char* name : {"day/b.xml", "day/a.xml", "day/c.txt", "day/below/d.xml"}) {
+        write(name, "<component/>");
+    }
+    const command_result result = run("zebdb-cds export day day/");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(values(result.out, "server"), ElementsAre("a", "b", "a", "b"));
+}
+
+TEST_F(Export, SaysThatAFolderHasNoFiles) {
+    const command_result result = run("mkdir day; zebdb-cds export day " + sample_server);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "zebdb-cds: cannot export 'day': there is no *.xml in it\n");
+    EXPECT_THAT(lines_of(result.out), SizeIs(1));
+}
+
+TEST_F(Export, SaysThatAFolderCannotBeRead) {
+    const command_result result =
+        run_unprivileged("mkdir day && chmod 0 day && zebdb-cds export day; status=$?; chmod 700 day; exit $status");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, HasSubstr("zebdb-cds: cannot export 'day': Permission denied\n"));
+}
+
+TEST_F(Export, GoesOnBehindARefusedFileAndEndsWithOne) {
+    const command_result result = run("zebdb-cds export " + truncated + " nowhere.xml " + sample_server);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(values(result.out, "status"), ElementsAre("refused", "refused", "loaded"));
+    EXPECT_THAT(result.err, AllOf(HasSubstr("truncated.xml': line 7, column 1: Premature end of data"),
+                                  HasSubstr("zebdb-cds: cannot export 'nowhere.xml': No such file or directory\n")));
+}
+
+TEST_F(Export, RefusesAFileForTheReasonThatALoadDoes) {
+    const command_result all =
+        run("cp " + quoted(SAMPLES_DIR) + "/errors/*.xml . && chmod u+w *.xml && zebdb-cds export .");
+    EXPECT_EQ(all.status, 1);
+    const std::vector<json> refused = lines_of(all.out);
+    EXPECT_GE(refused.size(), 20u);
+    for (const json& line : refused) {
+        const std::string file = quoted(line["source"]["name"]);
+        EXPECT_THAT(run("zebdb-cds load -q " + file).last_error_line(),
+                    HasSubstr(": " + line["reason"].get<std::string>() + "; "))
+            << file;
+    }
+}
+
+TEST_F(Export, GivesTheSameBytesForTheSameFiles) {
+    const std::string command = "zebdb-cds export " + sample_server + ' ' + truncated;
+    EXPECT_EQ(run(command).out, run(command).out);
+}
+
+TEST_F(Export, OfStandardInputNeedsTheNameOfTheServer) {
+    const command_result result = run("zebdb-cds export - <" + sample_server);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_EQ(result.err, "zebdb-cds: standard input has no name for its server; give one by --server\n");
+}
+
+TEST_F(Export, OfStandardInputIsTheSameButForTheName) {
+    const std::string file = run("zebdb-cds export --server web-17 " + sample_server).out;
+    json of_file = json::parse(file);
+    of_file["source"]["name"] = "-";
+    EXPECT_EQ(json::parse(run("zebdb-cds export --server web-17 - <" + sample_server).out), of_file);
+}
+
+TEST_F(Export, OfAPipeIsOfThePresent) {
+    const command_result result = run("date -u +%FT%TZ >before; cat " + sample_server +
+                                      " | zebdb-cds export --server web-17 -; date -u +%FT%TZ >after");
+    const std::string seen = values(result.out, "observed_at").at(0);
+    EXPECT_GE(seen.substr(0, 19), read("before").substr(0, 19));
+    EXPECT_LE(seen.substr(0, 19), read("after").substr(0, 19));
+}
+
+TEST_F(Export, RefusesAServerNameForSeveralFiles) {
+    for (const std::string files : {"a.xml b.xml", "- -", "."}) {
+        const command_result result = run("zebdb-cds export --server web-17 " + files);
+        EXPECT_EQ(result.status, 2) << files;
+        EXPECT_THAT(result.out, IsEmpty());
+        EXPECT_THAT(result.err, HasSubstr("--server names the server of one file"));
+    }
+}
+
+TEST_F(Export, RefusesAServerNameThatIsNotUtf8) {
+    const command_result result = run("zebdb-cds export --server $(printf 'caf\\351') " + sample_server);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("is not UTF-8"));
+}
+
+TEST_F(Export, HasTheTimeThatIsGiven) {
+    EXPECT_THAT(values(run("zebdb-cds export " + sample_server + at).out, "observed_at"),
+                ElementsAre("2026-11-19T10:00:00Z"));
+}
+
+TEST_F(Export, RefusesWhatIsNoTime) {
+    const command_result result = run("zebdb-cds export " + sample_server + " --at yesterday");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zebdb-cds: --at 'yesterday' is no time, as 2026-11-19T10:00:00Z is\n");
+}
+
+TEST_F(Export, HidesSerialNumbersWhereItIsTold) {
+    const std::string serial = "0K2S7A1000000001";
+    EXPECT_THAT(run("zebdb-cds export " + sample_server).out, HasSubstr(serial));
+    EXPECT_THAT(run("zebdb-cds export --redact " + sample_server).out, testing::Not(HasSubstr(serial)));
+}
+
+TEST_F(Export, TellsTheReasonsThatAnExplanationTells) {
+    const json explained = json::parse(run("zebdb-cds explain --format json " + sample_server).out);
+    const json exported = json::parse(run("zebdb-cds export " + sample_server).out);
+    json expected = json::array();
+    for (const json& component : explained["components"]) {
+        if (component["row"].is_null() && !component["groups"].empty()) {
+            expected.push_back({component["path"], component["title"], component["reasons"]});
+        }
+    }
+    json told = json::array();
+    for (const json& component : exported["left_out"]) {
+        told.push_back({component["path"], component["title"], component["reasons"]});
+    }
+    EXPECT_EQ(told, expected);
+    EXPECT_EQ(exported["components"], explained["summary"]["components"]);
+}
+
+TEST_F(Export, MakesNoFile) {
+    run("cp " + sample_server + " server.xml && zebdb-cds export server.xml >/dev/null");
+    EXPECT_THAT(names(), ElementsAre("server.xml"));
+}
+
+TEST_F(Export, EndsWithTwoWhenItsOutputCannotBeWritten) {
+    const command_result result = run("zebdb-cds export " + sample_server + " >/dev/full");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("cannot write to standard output"));
+}
+
+// A file behind the pipe would never end.
+TEST_F(Export, EndsWhenNobodyReadsOn) {
+    EXPECT_EQ(run("mkfifo pipe; cp " + sample_server +
+                  " a.xml; { timeout 60 zebdb-cds export a.xml a.xml a.xml pipe; echo $? >status; } | true; cat status")
+                  .out,
+              "0\n");
+}
+
+TEST_F(Export, WritesEachLineWhenItIsWhole) {
+    EXPECT_EQ(
+        run("mkfifo pipe; cp " + sample_server +
+            " a.xml; timeout 60 zebdb-cds export a.xml pipe | { read -r first; echo '<component/>' >pipe; cat; } | "
+            "grep -c '\"server\":\"pipe\"'")
+            .out,
+        "1\n");
+}
+
+TEST_F(Export, ReadsMorePackedFilesThanAProcessMayHaveOpen) {
+    const command_result result =
+        run("gzip <" + sample_server + " >a.xml; ulimit -n 30; zebdb-cds export $(yes a.xml | head -n 60) | wc -l");
+    EXPECT_EQ(result.out, "60\n");
+    EXPECT_THAT(result.err, IsEmpty());
+}
