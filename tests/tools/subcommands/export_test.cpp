@@ -21,9 +21,9 @@ using json = nlohmann::ordered_json;
 
 namespace {
 
-const std::string sample_server = quoted(SAMPLES_DIR "/two-socket-server.xml");
+const std::string exported_server = quoted(SAMPLES_DIR "/two-socket-server.xml");
 const std::string truncated = quoted(SAMPLES_DIR "/errors/truncated.xml");
-const std::string at = " --at 2026-11-19T10:00:00Z";
+const std::string at_a_time = " --at 2026-11-19T10:00:00Z";
 
 std::vector<json> lines_of(const std::string& out) {
     std::istringstream in(out);
@@ -48,7 +48,7 @@ std::vector<std::string> values(const std::string& out, const char* key) {
 class Export : public command_test {};
 
 TEST_F(Export, PrintsALineForEachFileInTheirOrder) {
-    const command_result result = run("cp " + sample_server + " b.xml; cp b.xml a.xml; zebdb-cds export b.xml a.xml");
+    const command_result result = run("cp " + exported_server + " b.xml; cp b.xml a.xml; zebdb-cds export b.xml a.xml");
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(values(result.out, "server"), ElementsAre("b", "a"));
     EXPECT_THAT(values(result.out, "status"), ElementsAre("loaded", "loaded"));
@@ -66,7 +66,7 @@ TEST_F(Export, TakesAFolderForTheFilesInIt) {
 }
 
 TEST_F(Export, SaysThatAFolderHasNoFiles) {
-    const command_result result = run("mkdir day; zebdb-cds export day " + sample_server);
+    const command_result result = run("mkdir day; zebdb-cds export day " + exported_server);
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "zebdb-cds: cannot export 'day': there is no *.xml in it\n");
     EXPECT_THAT(lines_of(result.out), SizeIs(1));
@@ -80,7 +80,7 @@ TEST_F(Export, SaysThatAFolderCannotBeRead) {
 }
 
 TEST_F(Export, GoesOnBehindARefusedFileAndEndsWithOne) {
-    const command_result result = run("zebdb-cds export " + truncated + " nowhere.xml " + sample_server);
+    const command_result result = run("zebdb-cds export " + truncated + " nowhere.xml " + exported_server);
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(values(result.out, "status"), ElementsAre("refused", "refused", "loaded"));
     EXPECT_THAT(result.err, AllOf(HasSubstr("truncated.xml': line 7, column 1: Premature end of data"),
@@ -102,26 +102,26 @@ TEST_F(Export, RefusesAFileForTheReasonThatALoadDoes) {
 }
 
 TEST_F(Export, GivesTheSameBytesForTheSameFiles) {
-    const std::string command = "zebdb-cds export " + sample_server + ' ' + truncated;
+    const std::string command = "zebdb-cds export " + exported_server + ' ' + truncated;
     EXPECT_EQ(run(command).out, run(command).out);
 }
 
 TEST_F(Export, OfStandardInputNeedsTheNameOfTheServer) {
-    const command_result result = run("zebdb-cds export - <" + sample_server);
+    const command_result result = run("zebdb-cds export - <" + exported_server);
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.out, IsEmpty());
     EXPECT_EQ(result.err, "zebdb-cds: standard input has no name for its server; give one by --server\n");
 }
 
 TEST_F(Export, OfStandardInputIsTheSameButForTheName) {
-    const std::string file = run("zebdb-cds export --server web-17 " + sample_server).out;
+    const std::string file = run("zebdb-cds export --server web-17 " + exported_server).out;
     json of_file = json::parse(file);
     of_file["source"]["name"] = "-";
-    EXPECT_EQ(json::parse(run("zebdb-cds export --server web-17 - <" + sample_server).out), of_file);
+    EXPECT_EQ(json::parse(run("zebdb-cds export --server web-17 - <" + exported_server).out), of_file);
 }
 
 TEST_F(Export, OfAPipeIsOfThePresent) {
-    const command_result result = run("date -u +%FT%TZ >before; cat " + sample_server +
+    const command_result result = run("date -u +%FT%TZ >before; cat " + exported_server +
                                       " | zebdb-cds export --server web-17 -; date -u +%FT%TZ >after");
     const std::string seen = values(result.out, "observed_at").at(0);
     EXPECT_GE(seen.substr(0, 19), read("before").substr(0, 19));
@@ -138,31 +138,31 @@ TEST_F(Export, RefusesAServerNameForSeveralFiles) {
 }
 
 TEST_F(Export, RefusesAServerNameThatIsNotUtf8) {
-    const command_result result = run("zebdb-cds export --server $(printf 'caf\\351') " + sample_server);
+    const command_result result = run("zebdb-cds export --server $(printf 'caf\\351') " + exported_server);
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.err, HasSubstr("is not UTF-8"));
 }
 
 TEST_F(Export, HasTheTimeThatIsGiven) {
-    EXPECT_THAT(values(run("zebdb-cds export " + sample_server + at).out, "observed_at"),
+    EXPECT_THAT(values(run("zebdb-cds export " + exported_server + at_a_time).out, "observed_at"),
                 ElementsAre("2026-11-19T10:00:00Z"));
 }
 
 TEST_F(Export, RefusesWhatIsNoTime) {
-    const command_result result = run("zebdb-cds export " + sample_server + " --at yesterday");
+    const command_result result = run("zebdb-cds export " + exported_server + " --at yesterday");
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err, "zebdb-cds: --at 'yesterday' is no time, as 2026-11-19T10:00:00Z is\n");
 }
 
 TEST_F(Export, HidesSerialNumbersWhereItIsTold) {
     const std::string serial = "0K2S7A1000000001";
-    EXPECT_THAT(run("zebdb-cds export " + sample_server).out, HasSubstr(serial));
-    EXPECT_THAT(run("zebdb-cds export --redact " + sample_server).out, testing::Not(HasSubstr(serial)));
+    EXPECT_THAT(run("zebdb-cds export " + exported_server).out, HasSubstr(serial));
+    EXPECT_THAT(run("zebdb-cds export --redact " + exported_server).out, testing::Not(HasSubstr(serial)));
 }
 
 TEST_F(Export, TellsTheReasonsThatAnExplanationTells) {
-    const json explained = json::parse(run("zebdb-cds explain --format json " + sample_server).out);
-    const json exported = json::parse(run("zebdb-cds export " + sample_server).out);
+    const json explained = json::parse(run("zebdb-cds explain --format json " + exported_server).out);
+    const json exported = json::parse(run("zebdb-cds export " + exported_server).out);
     json expected = json::array();
     for (const json& component : explained["components"]) {
         if (component["row"].is_null() && !component["groups"].empty()) {
@@ -178,19 +178,19 @@ TEST_F(Export, TellsTheReasonsThatAnExplanationTells) {
 }
 
 TEST_F(Export, MakesNoFile) {
-    run("cp " + sample_server + " server.xml && zebdb-cds export server.xml >/dev/null");
+    run("cp " + exported_server + " server.xml && zebdb-cds export server.xml >/dev/null");
     EXPECT_THAT(names(), ElementsAre("server.xml"));
 }
 
 TEST_F(Export, EndsWithTwoWhenItsOutputCannotBeWritten) {
-    const command_result result = run("zebdb-cds export " + sample_server + " >/dev/full");
+    const command_result result = run("zebdb-cds export " + exported_server + " >/dev/full");
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.err, HasSubstr("cannot write to standard output"));
 }
 
 // A file behind the pipe would never end.
 TEST_F(Export, EndsWhenNobodyReadsOn) {
-    EXPECT_EQ(run("mkfifo pipe; cp " + sample_server +
+    EXPECT_EQ(run("mkfifo pipe; cp " + exported_server +
                   " a.xml; { timeout 60 zebdb-cds export a.xml a.xml a.xml pipe; echo $? >status; } | true; cat status")
                   .out,
               "0\n");
@@ -198,7 +198,7 @@ TEST_F(Export, EndsWhenNobodyReadsOn) {
 
 TEST_F(Export, WritesEachLineWhenItIsWhole) {
     EXPECT_EQ(
-        run("mkfifo pipe; cp " + sample_server +
+        run("mkfifo pipe; cp " + exported_server +
             " a.xml; timeout 60 zebdb-cds export a.xml pipe | { read -r first; echo '<component/>' >pipe; cat; } | "
             "grep -c '\"server\":\"pipe\"'")
             .out,
@@ -207,7 +207,7 @@ TEST_F(Export, WritesEachLineWhenItIsWhole) {
 
 TEST_F(Export, ReadsMorePackedFilesThanAProcessMayHaveOpen) {
     const command_result result =
-        run("gzip <" + sample_server + " >a.xml; ulimit -n 30; zebdb-cds export $(yes a.xml | head -n 60) | wc -l");
+        run("gzip <" + exported_server + " >a.xml; ulimit -n 30; zebdb-cds export $(yes a.xml | head -n 60) | wc -l");
     EXPECT_EQ(result.out, "60\n");
     EXPECT_THAT(result.err, IsEmpty());
 }
