@@ -39,7 +39,8 @@ std::string server_named_by(const std::string& name) {
     return repaired_utf8(path.extension() == ".xml" ? path.stem() : path.filename());
 }
 
-void refuse_broken_name(const std::string& name) {
+void refuse_broken_name(const fs::path& path) {
+    const std::string name = path.filename();
     if (repaired_utf8(name) != name) {
         throw failure("its name is not UTF-8, so that it names no server; rename it, or name the server by --server");
     }

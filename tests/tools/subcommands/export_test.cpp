@@ -83,7 +83,7 @@ TEST_F(Export, GoesOnBehindARefusedFileAndEndsWithOne) {
     const command_result result = run("zebdb-cds export " + truncated + " nowhere.xml " + exported_server);
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(values(result.out, "status"), ElementsAre("refused", "refused", "loaded"));
-    EXPECT_THAT(result.err, AllOf(HasSubstr("truncated.xml': line 7, column 1: Premature end of data"),
+    EXPECT_THAT(result.err, AllOf(HasSubstr("truncated.xml': line 7, column "),
                                   HasSubstr("zebdb-cds: cannot export 'nowhere.xml': No such file or directory\n")));
 }
 
