@@ -11,13 +11,12 @@
 #include "support/quoted.h"
 #include "tools/subcommands/command_test.h"
 
+using nlohmann::json;
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
-
-using json = nlohmann::ordered_json;
 
 namespace {
 
