@@ -8,6 +8,7 @@
 #include <zlib.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fstream>
 #include <ios>
@@ -69,6 +70,14 @@ int open_for_reading(const std::string& path) {
         fail(errno);
     }
     return file;
+}
+
+// That nobody reads on ends the copying and not the program.
+void block_broken_pipe_signal() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
 void require_open_for_reading() {
@@ -186,6 +195,7 @@ void input_file::pass_all(int source, int sink, passed_bytes& passed) {
 
 // Who reads what came before an error must not take it for all.
 void input_file::pass(int source, int sink, const std::shared_ptr<passed_bytes>& passed) {
+    block_broken_pipe_signal();
     pass_all(source, sink, *passed);
     if (!passed->error().empty()) {
         write_all(sink, no_end);
