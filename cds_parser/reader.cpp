@@ -70,7 +70,7 @@ bool replace_by_text(std::string& target, const xmlNode* element) {
     if (!has_text(element)) {
         return false;
     }
-    target.assign(reinterpret_cast<const char*>(element->children->content));
+    target.assign(sysxml::node(element->children).content());
     return true;
 }
 
