@@ -647,19 +647,25 @@ CREATE OR REPLACE FUNCTION fleet.insert_into_history(observation fleet.observati
                                                      new_state fleet.part_state[]) RETURNS void
 LANGUAGE plpgsql SET plan_cache_mode = force_custom_plan AS $$
 DECLARE
+    seen_before timestamptz[];
+    seen_after timestamptz[];
     later fleet.server_state[];
     state fleet.server_state;
 BEGIN
     IF before.last_seen > observation.observed_at THEN
-        UPDATE fleet.observation
-            SET seen = array(SELECT time FROM unnest(before.seen) AS time WHERE time < observation.observed_at ORDER BY time),
-                last_seen = (SELECT max(time) FROM unnest(before.seen) AS time WHERE time < observation.observed_at)
-            WHERE server = before.server AND observed_at = before.observed_at AND status = 'loaded';
-        before.seen := array(SELECT time FROM unnest(before.seen) AS time WHERE time > observation.observed_at ORDER BY time);
-        before.observed_at := before.seen[1];
+        SELECT array_agg(time ORDER BY time) FILTER (WHERE time < observation.observed_at),
+               array_agg(time ORDER BY time) FILTER (WHERE time > observation.observed_at)
+            INTO seen_before, seen_after
+            FROM unnest(before.seen) AS time;
+        UPDATE fleet.observation AS run
+            SET seen = seen_before, last_seen = seen_before[cardinality(seen_before)]
+            WHERE run.server = before.server AND run.observed_at = before.observed_at AND run.status = 'loaded';
+        before.observed_at := seen_after[1];
+        before.seen := seen_after;
         INSERT INTO fleet.observation SELECT before.*;
     END IF;
-    SELECT array_agg((run.observed_at, fleet.state_at(run.server, run.observed_at))::fleet.server_state ORDER BY run.observed_at)
+    SELECT coalesce(array_agg((run.observed_at, fleet.state_at(run.server, run.observed_at))::fleet.server_state
+                              ORDER BY run.observed_at), '{}')
         INTO later
         FROM fleet.observation AS run
         WHERE run.server = observation.server AND run.status = 'loaded' AND run.observed_at > observation.observed_at;
