@@ -27,11 +27,22 @@ BEGIN
         RAISE EXCEPTION 'the schema fleet has version %, and this zebdb-fleet knows version % at most', found, ours
             USING HINT = 'Use a zebdb-fleet that is at least as new as the one that made the schema.';
     END IF;
+    IF current_setting('server_encoding') <> 'UTF8' THEN
+        RAISE EXCEPTION 'the database has the encoding %, and texts of servers need UTF8', current_setting('server_encoding')
+            USING HINT = 'Create one with: createdb --encoding=UTF8 --template=template0 NAME';
+    END IF;
     INSERT INTO fleet.version (number) VALUES (ours) ON CONFLICT DO NOTHING;
 END
 $$;
 
 CREATE EXTENSION IF NOT EXISTS btree_gist;
+
+CREATE TABLE IF NOT EXISTS fleet.identity (fleet uuid PRIMARY KEY);
+COMMENT ON TABLE fleet.identity IS 'the one name of this fleet among others';
+INSERT INTO fleet.identity SELECT gen_random_uuid() WHERE NOT EXISTS (SELECT FROM fleet.identity);
+
+CREATE TABLE IF NOT EXISTS fleet.tenant (partition integer PRIMARY KEY, fleet uuid NOT NULL);
+COMMENT ON TABLE fleet.tenant IS 'which partitions are kept here for another fleet';
 
 ------------------------------------------------------------------------------------------------------------------------
 -- Texts
@@ -93,6 +104,18 @@ LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $$
     SELECT CASE kind WHEN 'memory' THEN coalesce((raw ->> 'MemSize')::bigint = 0, false)
                      WHEN 'processor' THEN coalesce((raw ->> 'Status')::bigint & 64 = 0, false)
                      ELSE false END
+$$;
+
+-- What a part is, in a few words.
+CREATE OR REPLACE FUNCTION fleet.described(kind text, raw jsonb) RETURNS text
+LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $$
+    SELECT CASE kind
+        WHEN 'processor' THEN fleet.trimmed(raw ->> 'Version')
+        WHEN 'memory' THEN concat_ws(' ', raw ->> 'MemSize' || ' MiB', fleet.trimmed(raw ->> 'Manufacturer'))
+        WHEN 'bridge' THEN fleet.hexadecimal((raw ->> 'VendorId')::bigint, 4) || ':'
+                           || fleet.hexadecimal((raw ->> 'DevId')::bigint, 4)
+        WHEN 'device' THEN fleet.hexadecimal((raw ->> 'VendorId')::bigint, 4) || ':'
+                           || fleet.hexadecimal((raw ->> 'DeviceId')::bigint, 4) END
 $$;
 
 ------------------------------------------------------------------------------------------------------------------------
@@ -238,30 +261,35 @@ CREATE TABLE IF NOT EXISTS fleet.device (
     CHECK ((ended IS NULL) = upper_inf(valid))
 ) PARTITION BY HASH (server);
 
+CREATE OR REPLACE FUNCTION fleet.add_keys(name text, partition regclass) RETURNS void
+LANGUAGE plpgsql AS $$
+BEGIN
+    IF name = 'server' THEN
+        EXECUTE format('ALTER TABLE %s ADD PRIMARY KEY (server)', partition);
+    ELSIF name = 'observation' THEN
+        EXECUTE format('ALTER TABLE %s ADD UNIQUE NULLS NOT DISTINCT (server, observed_at, status, sha256)', partition);
+    ELSE
+        EXECUTE format('ALTER TABLE %s ADD EXCLUDE USING gist '
+                       '(server WITH =, place WITH =, ordinal WITH =, valid WITH &&)', partition);
+        EXECUTE format('CREATE UNIQUE INDEX ON %s (server, place, ordinal) WHERE ended IS NULL', partition);
+    END IF;
+END
+$$;
+
 -- The partitions of one number stand on one machine. Keys and constraints are theirs, for a table of which a partition
 -- is on another machine can have none.
 DO $$
 DECLARE
-    part CONSTANT text[] := '{processor,memory,bridge,device}';
     name text;
     partition text;
 BEGIN
-    FOREACH name IN ARRAY '{server,observation}' || part LOOP
+    FOREACH name IN ARRAY '{server,observation,processor,memory,bridge,device}'::text[] LOOP
         FOR number IN 0..15 LOOP
             partition := format('%s_p%s', name, lpad(number::text, 2, '0'));
             CONTINUE WHEN to_regclass('fleet.' || partition) IS NOT NULL;
             EXECUTE format('CREATE TABLE fleet.%I PARTITION OF fleet.%I FOR VALUES WITH (MODULUS 16, REMAINDER %s)',
                            partition, name, number);
-            IF name = 'server' THEN
-                EXECUTE format('ALTER TABLE fleet.%I ADD PRIMARY KEY (server)', partition);
-            ELSIF name = 'observation' THEN
-                EXECUTE format('ALTER TABLE fleet.%I ADD UNIQUE NULLS NOT DISTINCT (server, observed_at, status, sha256)',
-                               partition);
-            ELSE
-                EXECUTE format('ALTER TABLE fleet.%I ADD EXCLUDE USING gist '
-                               '(server WITH =, place WITH =, ordinal WITH =, valid WITH &&)', partition);
-                EXECUTE format('CREATE UNIQUE INDEX ON fleet.%I (server, place, ordinal) WHERE ended IS NULL', partition);
-            END IF;
+            PERFORM fleet.add_keys(name, format('fleet.%I', partition));
         END LOOP;
     END LOOP;
 END
@@ -719,6 +747,15 @@ BEGIN
 END
 $$;
 
+-- Every writer comes through here before it touches a table, so that it waits while a partition moves.
+CREATE OR REPLACE FUNCTION fleet.enter(of_server text) RETURNS void
+LANGUAGE plpgsql AS $$
+BEGIN
+    PERFORM pg_advisory_xact_lock_shared(hashtextextended('fleet place', 0));
+    PERFORM pg_advisory_xact_lock(hashtextextended('fleet server ' || of_server, 0));
+END
+$$;
+
 -- Takes an observation, a line of `zebdb-cds export`, and says what it was: new (the first of a server), unchanged,
 -- changed, refused, or aside, where another one is known of the same time.
 CREATE OR REPLACE FUNCTION fleet.ingest(observation jsonb) RETURNS text
@@ -726,13 +763,16 @@ LANGUAGE plpgsql AS $$
 DECLARE
     taken CONSTANT fleet.observation := fleet.observation_row(observation);
 BEGIN
-    PERFORM pg_advisory_xact_lock(hashtextextended('fleet ' || taken.server, 0));
+    PERFORM fleet.enter(taken.server);
     PERFORM fleet.note_server(taken.server, taken.observed_at);
     IF taken.status = 'refused' THEN
         PERFORM fleet.note_observation(taken);
         RETURN 'refused';
     END IF;
     RETURN fleet.ingest_loaded(taken, observation);
+EXCEPTION WHEN data_exception OR integrity_constraint_violation OR program_limit_exceeded THEN
+    RAISE EXCEPTION 'the observation of % at % cannot be kept: %', taken.server, observation ->> 'observed_at', SQLERRM
+        USING ERRCODE = SQLSTATE;
 END
 $$;
 
@@ -740,7 +780,7 @@ $$;
 CREATE OR REPLACE FUNCTION fleet.forget(of_server text) RETURNS boolean
 LANGUAGE plpgsql SET plan_cache_mode = force_custom_plan AS $$
 BEGIN
-    PERFORM pg_advisory_xact_lock(hashtextextended('fleet ' || of_server, 0));
+    PERFORM fleet.enter(of_server);
     DELETE FROM fleet.processor WHERE server = of_server;
     DELETE FROM fleet.memory WHERE server = of_server;
     DELETE FROM fleet.bridge WHERE server = of_server;
@@ -755,6 +795,7 @@ $$;
 CREATE OR REPLACE PROCEDURE fleet.thin(before timestamptz)
 LANGUAGE plpgsql AS $$
 BEGIN
+    PERFORM pg_advisory_xact_lock_shared(hashtextextended('fleet place', 0));
     DELETE FROM fleet.processor WHERE ended IS NOT NULL AND upper(valid) <= before;
     DELETE FROM fleet.memory WHERE ended IS NOT NULL AND upper(valid) <= before;
     DELETE FROM fleet.bridge WHERE ended IS NOT NULL AND upper(valid) <= before;
@@ -769,6 +810,177 @@ END
 $$;
 
 ------------------------------------------------------------------------------------------------------------------------
+-- Several machines
+------------------------------------------------------------------------------------------------------------------------
+
+-- Which partition is where: the foreign server that has it, null for this machine.
+CREATE OR REPLACE VIEW fleet.placement AS
+    SELECT number AS partition, srvname AS machine
+    FROM generate_series(0, 15) AS number
+    JOIN pg_class ON pg_class.oid = to_regclass(format('fleet.server_p%s', lpad(number::text, 2, '0')))
+    LEFT JOIN pg_foreign_table ON ftrelid = pg_class.oid
+    LEFT JOIN pg_foreign_server ON pg_foreign_server.oid = ftserver;
+
+CREATE OR REPLACE FUNCTION fleet.tables_of(partition integer, OUT name text, OUT partition_name text) RETURNS SETOF record
+LANGUAGE sql IMMUTABLE AS $$
+    SELECT name, format('%s_p%s', name, lpad(partition::text, 2, '0'))
+    FROM unnest('{server,observation,processor,memory,bridge,device}'::text[]) AS name
+$$;
+
+-- Shows the tables of a partition on another machine in the schema fleet_moving, to one transaction.
+CREATE OR REPLACE FUNCTION fleet.reach(partition integer, machine name) RETURNS void
+LANGUAGE plpgsql AS $$
+BEGIN
+    CREATE SCHEMA fleet_moving;
+    EXECUTE format('IMPORT FOREIGN SCHEMA fleet LIMIT TO (identity, tenant, %s) FROM SERVER %I INTO fleet_moving',
+                   (SELECT string_agg(quote_ident(partition_name), ', ') FROM fleet.tables_of(partition)), machine);
+END
+$$;
+
+-- Takes a partition of another machine for this fleet, empty. What another fleet has there is not touched.
+CREATE OR REPLACE FUNCTION fleet.occupy(of_partition integer, machine name) RETURNS void
+LANGUAGE plpgsql AS $$
+DECLARE
+    here CONSTANT uuid := (SELECT fleet FROM fleet.identity);
+    tenant uuid;
+    is_used boolean;
+BEGIN
+    PERFORM fleet.reach(of_partition, machine);
+    IF here = (SELECT fleet FROM fleet_moving.identity) THEN
+        RAISE EXCEPTION 'the fleet on "%" is this one', machine
+            USING HINT = 'Give the address of another database, or "local".';
+    END IF;
+    SELECT fleet INTO tenant FROM fleet_moving.tenant WHERE partition = of_partition;
+    EXECUTE format('SELECT EXISTS (SELECT FROM fleet_moving.server_p%s)', lpad(of_partition::text, 2, '0')) INTO is_used;
+    IF tenant <> here OR tenant IS NULL AND is_used THEN
+        RAISE EXCEPTION 'partition % on "%" has servers of another fleet', of_partition, machine
+            USING HINT = 'Give the address of a database that is kept for this fleet.';
+    END IF;
+    PERFORM fleet.empty_moving(of_partition);
+    DELETE FROM fleet_moving.tenant WHERE partition = of_partition;
+    INSERT INTO fleet_moving.tenant VALUES (of_partition, here);
+END
+$$;
+
+CREATE OR REPLACE FUNCTION fleet.empty_moving(partition integer) RETURNS void
+LANGUAGE plpgsql AS $$
+BEGIN
+    EXECUTE 'TRUNCATE ' || (SELECT string_agg(format('fleet_moving.%I', partition_name), ', ')
+                            FROM fleet.tables_of(partition));
+END
+$$;
+
+-- Tables of this machine for a partition, empty, in the schema fleet_moving.
+CREATE OR REPLACE FUNCTION fleet.make_room(partition integer) RETURNS void
+LANGUAGE plpgsql AS $$
+DECLARE
+    each record;
+BEGIN
+    CREATE SCHEMA fleet_moving;
+    FOR each IN SELECT * FROM fleet.tables_of(partition) LOOP
+        EXECUTE format('CREATE TABLE fleet_moving.%I (LIKE fleet.%I INCLUDING ALL)', each.partition_name, each.name);
+        PERFORM fleet.add_keys(each.name, format('fleet_moving.%I', each.partition_name));
+    END LOOP;
+END
+$$;
+
+-- Copies a table of a partition to fleet_moving, reads it again there and compares.
+CREATE OR REPLACE FUNCTION fleet.copy_to_moving(partition_name text) RETURNS void
+LANGUAGE plpgsql AS $$
+DECLARE
+    copied CONSTANT text := (SELECT string_agg(quote_ident(attname), ', ' ORDER BY attnum) FROM pg_attribute
+                             WHERE attrelid = to_regclass('fleet.' || quote_ident(partition_name))
+                               AND attnum > 0 AND attgenerated = '' AND NOT attisdropped);
+    checksum CONSTANT text := 'SELECT format(''%%s rows of checksum %%s'', count(*), sum(hashtextextended(row::text, 0)))'
+                              ' FROM (SELECT %s FROM %I.%I) AS row';
+    here text;
+    there text;
+BEGIN
+    EXECUTE format('INSERT INTO fleet_moving.%1$I (%2$s) SELECT %2$s FROM fleet.%1$I', partition_name, copied);
+    EXECUTE format(checksum, copied, 'fleet', partition_name) INTO here;
+    EXECUTE format(checksum, copied, 'fleet_moving', partition_name) INTO there;
+    IF here <> there THEN
+        RAISE EXCEPTION 'the copy of % is another one: % became %', partition_name, here, there;
+    END IF;
+END
+$$;
+
+-- Waits for the questions that are under way. Others only wait for this as long as it waits itself, and it does not for
+-- long, so that none waits in a circle.
+CREATE OR REPLACE FUNCTION fleet.lock_tables() RETURNS void
+LANGUAGE plpgsql SET lock_timeout = '500ms' AS $$
+BEGIN
+    FOR attempt IN 1..100 LOOP
+        BEGIN
+            LOCK TABLE ONLY fleet.server, ONLY fleet.observation, ONLY fleet.processor, ONLY fleet.memory,
+                       ONLY fleet.bridge, ONLY fleet.device IN ACCESS EXCLUSIVE MODE;
+            RETURN;
+        EXCEPTION WHEN lock_not_available THEN
+            PERFORM pg_sleep(0.2);
+        END;
+    END LOOP;
+    RAISE EXCEPTION 'questions have kept the tables busy for a minute' USING HINT = 'Nothing has moved. Try it again later.';
+END
+$$;
+
+-- Moves a partition to the foreign server `machine`, or to this machine, where that is null; false where it is there
+-- already. Who writes waits meanwhile, who asks does not, but for the moment in which one partition takes the place of
+-- the other. All or nothing: a copy that came to be on another machine without the rest is made again.
+CREATE OR REPLACE FUNCTION fleet.place(of_partition integer, machine name) RETURNS boolean
+LANGUAGE plpgsql AS $$
+DECLARE
+    bound CONSTANT text := format('FOR VALUES WITH (MODULUS 16, REMAINDER %s)', of_partition);
+    source name;
+    each record;
+BEGIN
+    PERFORM pg_advisory_xact_lock(hashtextextended('fleet place', 0));
+    SELECT placement.machine INTO STRICT source FROM fleet.placement WHERE partition = of_partition;
+    IF source IS NOT DISTINCT FROM machine THEN
+        RETURN false;
+    END IF;
+    IF machine IS NULL THEN
+        PERFORM fleet.make_room(of_partition);
+    ELSE
+        PERFORM fleet.occupy(of_partition, machine);
+    END IF;
+    PERFORM fleet.copy_to_moving(partition_name) FROM fleet.tables_of(of_partition);
+    PERFORM fleet.lock_tables();
+    FOR each IN SELECT * FROM fleet.tables_of(of_partition) LOOP
+        EXECUTE format('DROP %s fleet.%I', CASE WHEN source IS NULL THEN 'TABLE' ELSE 'FOREIGN TABLE' END,
+                       each.partition_name);
+        IF machine IS NULL THEN
+            EXECUTE format('ALTER TABLE fleet_moving.%I SET SCHEMA fleet', each.partition_name);
+            EXECUTE format('ALTER TABLE fleet.%I ATTACH PARTITION fleet.%I %s', each.name, each.partition_name, bound);
+        ELSE
+            EXECUTE format('CREATE FOREIGN TABLE fleet.%I PARTITION OF fleet.%I %s SERVER %I '
+                           'OPTIONS (schema_name ''fleet'', table_name %L)',
+                           each.partition_name, each.name, bound, machine, each.partition_name);
+        END IF;
+    END LOOP;
+    DROP SCHEMA fleet_moving CASCADE;
+    RETURN true;
+END
+$$;
+
+-- Empties what a partition left behind on a machine that it has moved from.
+CREATE OR REPLACE FUNCTION fleet.vacate(of_partition integer, machine name) RETURNS void
+LANGUAGE plpgsql AS $$
+BEGIN
+    PERFORM pg_advisory_xact_lock(hashtextextended('fleet place', 0));
+    IF machine = (SELECT placement.machine FROM fleet.placement WHERE partition = of_partition) THEN
+        RAISE EXCEPTION 'partition % is on "%"', of_partition, machine;
+    END IF;
+    PERFORM fleet.reach(of_partition, machine);
+    IF EXISTS (SELECT FROM fleet_moving.tenant WHERE partition = of_partition
+                 AND fleet = (SELECT fleet FROM fleet.identity)) THEN
+        PERFORM fleet.empty_moving(of_partition);
+        DELETE FROM fleet_moving.tenant WHERE partition = of_partition;
+    END IF;
+    DROP SCHEMA fleet_moving CASCADE;
+END
+$$;
+
+------------------------------------------------------------------------------------------------------------------------
 -- Questions
 ------------------------------------------------------------------------------------------------------------------------
 
@@ -778,21 +990,21 @@ RETURNS TABLE (server text, kind text, place text, ordinal integer, manufacturer
 LANGUAGE sql STABLE AS $$
     SELECT server, 'processor', place, ordinal, manufacturer, serial_no, lower(valid)
     FROM fleet.processor
-    WHERE part_no = wanted AND ended IS NULL
+    WHERE part_no = fleet.trimmed(wanted) AND ended IS NULL
     UNION ALL
     SELECT server, 'memory', place, ordinal, manufacturer, serial_no, lower(valid)
     FROM fleet.memory
-    WHERE part_no = wanted AND ended IS NULL
+    WHERE part_no = fleet.trimmed(wanted) AND ended IS NULL
     ORDER BY 1, 2, 3, 4
 $$;
 
 -- What went and is not back: neither is there anything in its place, nor is its serial number elsewhere in the server.
 CREATE OR REPLACE FUNCTION fleet.lost(since timestamptz)
 RETURNS TABLE (server text, kind text, place text, ordinal integer, lost_at timestamptz, ended text, serial_no text,
-               part_no text, was jsonb)
+               part_no text, was text)
 LANGUAGE sql STABLE AS $$
     SELECT lost.server, lost.kind, lost.place, lost.ordinal, upper(lost.valid), lost.ended, lost.serial_no,
-           fleet.trimmed(lost.raw ->> 'PartNo'), lost.raw
+           fleet.trimmed(lost.raw ->> 'PartNo'), fleet.described(lost.kind, lost.raw)
     FROM fleet.part_version AS lost
     LEFT JOIN LATERAL (
         SELECT true AS is_there
