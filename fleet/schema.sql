@@ -44,6 +44,9 @@ INSERT INTO fleet.identity SELECT gen_random_uuid() WHERE NOT EXISTS (SELECT FRO
 CREATE TABLE IF NOT EXISTS fleet.tenant (partition integer PRIMARY KEY, fleet uuid NOT NULL);
 COMMENT ON TABLE fleet.tenant IS 'which partitions are kept here for another fleet';
 
+CREATE TABLE IF NOT EXISTS fleet.leftover (partition integer, machine name, PRIMARY KEY (partition, machine));
+COMMENT ON TABLE fleet.leftover IS 'partitions that have moved from a machine that still has their rows';
+
 ------------------------------------------------------------------------------------------------------------------------
 -- Texts
 ------------------------------------------------------------------------------------------------------------------------
@@ -57,6 +60,13 @@ $$;
 CREATE OR REPLACE FUNCTION fleet.hexadecimal(number bigint, digits integer) RETURNS text
 LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $$
     SELECT coalesce(lpad(to_hex(number), greatest(digits, length(to_hex(number))), '0'), '-')
+$$;
+
+-- As a JSON string, without what could steer a terminal or turn the direction of writing.
+CREATE OR REPLACE FUNCTION fleet.printable(value text) RETURNS text
+LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $$
+    SELECT regexp_replace(to_json(value)::text,
+                          '[\u007F-\u009F\u061C\u200E\u200F\u2028-\u202E\u2066-\u2069]', '?', 'g')
 $$;
 
 -- As in `zebdb-cds tree`: 0000:3b:00.0.
@@ -958,6 +968,8 @@ BEGIN
         END IF;
     END LOOP;
     DROP SCHEMA fleet_moving CASCADE;
+    INSERT INTO fleet.leftover SELECT of_partition, source WHERE source IS NOT NULL;
+    DELETE FROM fleet.leftover WHERE partition = of_partition AND leftover.machine = place.machine;
     RETURN true;
 END
 $$;
@@ -967,6 +979,7 @@ CREATE OR REPLACE FUNCTION fleet.vacate(of_partition integer, machine name) RETU
 LANGUAGE plpgsql AS $$
 BEGIN
     PERFORM pg_advisory_xact_lock(hashtextextended('fleet place', 0));
+    DELETE FROM fleet.leftover WHERE partition = of_partition AND leftover.machine = vacate.machine;
     IF machine = (SELECT placement.machine FROM fleet.placement WHERE partition = of_partition) THEN
         RAISE EXCEPTION 'partition % is on "%"', of_partition, machine;
     END IF;
