@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 
-# The installed tree: libraries, headers, the command, a CMake package and a pkg-config file.
+# The installed tree: libraries, headers, the commands, a CMake package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zebdb_cds_parser)
@@ -25,6 +25,9 @@ if(ZEBDB_WORKSTATION_PLATFORM)
   install(FILES tools/zebdb-cds.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME zebdb-cds)
   install(FILES tools/zebdb-cds.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions RENAME _zebdb-cds)
   install(FILES tools/zebdb-cds.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+  install(PROGRAMS fleet/zebdb-fleet TYPE BIN)
+  install(FILES fleet/schema.sql DESTINATION ${CMAKE_INSTALL_DATADIR}/zebdb-cds/fleet)
+  install(FILES fleet/zebdb-fleet.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   set(pkg_config_libs "-lzebdb_cds_parser -lzebdb_platform")
 else()
   set(pkg_config_libs "-lzebdb_cds_parser")

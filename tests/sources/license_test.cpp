@@ -18,7 +18,7 @@ using testing::StartsWith;
 
 namespace {
 
-constexpr const char* source_folders[] = {".ci",       "bench",    "cds_parser", "cmake", "include",
+constexpr const char* source_folders[] = {".ci",       "bench",    "cds_parser", "cmake", "fleet",   "include",
                                           "inventory", "platform", "scripts",    "tests", "tools"};
 
 bool is_one_of(const std::string& name, const std::vector<std::string>& names) {
@@ -31,6 +31,9 @@ std::string license_line(const std::string& file, const std::string& text) {
     const std::string type = std::filesystem::path(file).extension();
     if (is_one_of(type, {".c", ".cpp", ".h"})) {
         return "// " + identifier;
+    }
+    if (type == ".sql") {
+        return "-- " + identifier;
     }
     const bool is_script = text.compare(0, 2, "#!") == 0 || is_one_of(type, {".bash", ".cmake", ".in", ".py", ".sh"}) ||
                            std::filesystem::path(file).filename() == "CMakeLists.txt";
@@ -69,7 +72,7 @@ TEST(Sources, BeginWithTheirLicense) {
 
 TEST(Sources, AreOfEveryLanguage) {
     const std::vector<std::string> files = sources();
-    for (const char* name : {".c", ".cpp", ".h", ".sh", ".py", ".bash", ".cmake", ".in", "/CMakeLists.txt"}) {
+    for (const char* name : {".c", ".cpp", ".h", ".sh", ".py", ".sql", ".bash", ".cmake", ".in", "/CMakeLists.txt"}) {
         EXPECT_THAT(files, Contains(EndsWith(name)));
     }
     for (const char* folder : source_folders) {
