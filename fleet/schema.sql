@@ -312,8 +312,8 @@ CREATE INDEX IF NOT EXISTS processor_serial_no ON fleet.processor (serial_no);
 CREATE INDEX IF NOT EXISTS memory_serial_no ON fleet.memory (serial_no);
 CREATE INDEX IF NOT EXISTS processor_lost ON fleet.processor (upper(valid)) WHERE ended IN ('removed', 'emptied');
 CREATE INDEX IF NOT EXISTS memory_lost ON fleet.memory (upper(valid)) WHERE ended IN ('removed', 'emptied');
-CREATE INDEX IF NOT EXISTS bridge_lost ON fleet.bridge (upper(valid)) WHERE ended = 'removed';
-CREATE INDEX IF NOT EXISTS device_lost ON fleet.device (upper(valid)) WHERE ended = 'removed';
+CREATE INDEX IF NOT EXISTS bridge_lost ON fleet.bridge (upper(valid)) WHERE ended IN ('removed', 'emptied');
+CREATE INDEX IF NOT EXISTS device_lost ON fleet.device (upper(valid)) WHERE ended IN ('removed', 'emptied');
 CREATE INDEX IF NOT EXISTS memory_lost_mib ON fleet.memory (upper(valid)) WHERE lost_mib > 0;
 
 -- The parts of all kinds, with what they have in common.
