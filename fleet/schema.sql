@@ -606,6 +606,7 @@ CREATE OR REPLACE FUNCTION fleet.observation_row(observation jsonb) RETURNS flee
 LANGUAGE plpgsql STABLE AS $$
 DECLARE
     time_form CONSTANT text := '^\d{4}-\d\d-\d\d[Tt ]\d\d:\d\d:\d\d(\.\d+)?([Zz]|[+-]\d\d:\d\d)$';
+    whole_number CONSTANT text := '^\d{1,18}$';
     wrong text;
     result fleet.observation;
 BEGIN
@@ -636,6 +637,13 @@ BEGIN
                 THEN '"name" of "source" has to be string'
             WHEN observation ->> 'status' = 'loaded' AND coalesce(observation #>> '{source,sha256}', '') !~ '^[0-9a-f]{64}$'
                 THEN '"sha256" of "source" has to be 64 hexadecimal digits'
+            WHEN observation ->> 'components' !~ whole_number
+                 OR coalesce(observation #>> '{source,bytes}', '0') !~ whole_number
+                THEN '"components" and "bytes" of "source" have to be whole numbers'
+            WHEN EXISTS (SELECT FROM jsonb_array_elements((observation -> 'processors') || (observation -> 'memory')
+                                                          || (observation -> 'bridges') || (observation -> 'devices')) AS row
+                         WHERE jsonb_typeof(row) <> 'object')
+                THEN '"processors", "memory", "bridges" and "devices" have to be lists of objects'
         END;
     END IF;
     IF wrong IS NOT NULL THEN
