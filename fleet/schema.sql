@@ -809,7 +809,8 @@ BEGIN
 END
 $$;
 
--- Removes what ended before a time: versions of parts, runs of observations, and refused ones. What is current stays.
+-- Removes what ended before a time: versions of parts, runs of observations and the times within them, refused
+-- observations. What was current then stays.
 CREATE OR REPLACE PROCEDURE fleet.thin(before timestamptz)
 LANGUAGE plpgsql AS $$
 BEGIN
@@ -824,6 +825,10 @@ BEGIN
                SELECT FROM fleet.observation AS next
                WHERE next.server = run.server AND next.status = 'loaded'
                  AND next.observed_at > run.observed_at AND next.observed_at <= before);
+    UPDATE fleet.observation AS run
+        SET seen = array(SELECT time FROM unnest(run.seen) AS time
+                         WHERE time >= before OR time IN (run.observed_at, run.last_seen) ORDER BY time)
+        WHERE cardinality(run.seen) > 2 AND run.seen[2] < before;
 END
 $$;
 
