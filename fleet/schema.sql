@@ -756,12 +756,15 @@ BEGIN
     ELSE
         INSERT INTO fleet.observation SELECT observation.*;
     END IF;
-    IF after IS NULL AND NOT coalesce(before.last_seen > observation.observed_at, false) THEN
+    IF before IS NULL AND after IS NULL THEN
+        PERFORM fleet.begin_versions(observation.server, observation.observed_at, fleet.observed_parts(document));
+        RETURN 'new';
+    ELSIF after IS NULL AND before.last_seen < observation.observed_at THEN
         PERFORM fleet.advance(observation.server, observation.observed_at, fleet.observed_parts(document));
     ELSE
         PERFORM fleet.insert_into_history(observation, before, fleet.observed_parts(document));
     END IF;
-    RETURN CASE WHEN before IS NULL AND after IS NULL THEN 'new' ELSE 'changed' END;
+    RETURN 'changed';
 END
 $$;
 
@@ -779,7 +782,8 @@ $$;
 CREATE OR REPLACE FUNCTION fleet.ingest(observation jsonb) RETURNS text
 LANGUAGE plpgsql AS $$
 DECLARE
-    taken CONSTANT fleet.observation := fleet.observation_row(observation);
+    document CONSTANT jsonb := observation || '{}';  -- one that comes from a table is packed; unpacked here, once
+    taken CONSTANT fleet.observation := fleet.observation_row(document);
 BEGIN
     PERFORM fleet.enter(taken.server);
     PERFORM fleet.note_server(taken.server, taken.observed_at);
@@ -787,7 +791,7 @@ BEGIN
         PERFORM fleet.note_observation(taken);
         RETURN 'refused';
     END IF;
-    RETURN fleet.ingest_loaded(taken, observation);
+    RETURN fleet.ingest_loaded(taken, document);
 EXCEPTION WHEN data_exception OR integrity_constraint_violation OR program_limit_exceeded THEN
     RAISE EXCEPTION 'the observation of % at % cannot be kept: %', taken.server, observation ->> 'observed_at', SQLERRM
         USING ERRCODE = SQLSTATE;
