@@ -134,7 +134,7 @@ void observer::read(const std::string& name, cds_parser::document& document, obs
         refuse_impossible_time(before);
     }
     read_input(name, document, seen.source);
-    if (is_named_file && !is_unchanged(name, before)) {
+    if (seen.source.sha256.empty() || (is_named_file && !is_unchanged(name, before))) {
         throw failure("it was changed while it was read; try again");
     }
 }
