@@ -212,7 +212,7 @@ TEST_F(Observation, HidesSerialNumbers) {
 }
 
 TEST_F(Observation, OfAPipeHasTheDigestOfAllThatComesOutOfIt) {
-    for (const std::string content : {small_server, "<component></other>" + std::string(300'000, ' ')}) {
+    for (const std::string& content : {small_server, "<component></other>" + std::string(300'000, ' ')}) {
         const std::string pipe = path("pipe.xml");
         ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
         std::thread writer([&] { std::ofstream(pipe) << content; });
