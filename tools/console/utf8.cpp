@@ -3,8 +3,10 @@
 #include "console/utf8.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <string>
 
 namespace {
@@ -91,11 +93,23 @@ bool is_control(std::uint32_t character) {
     return character < 0x20 || (character >= 0x7F && character < 0xA0) || turns_direction;
 }
 
-// UTF-8 `text` with those characters that `is_written` chooses as `write` writes them.
+// Adds the printable ASCII characters that stand at `place` to `result`, since most of any text are such, and gives the
+// place behind them.
+std::size_t add_plain_characters(std::string& result, const std::string& text, std::size_t place) {
+    const auto is_plain = [](char character) { return character >= ' ' && character <= '~'; };
+    const auto first = std::next(text.begin(), static_cast<std::ptrdiff_t>(place));
+    const auto last = std::find_if_not(first, text.end(), is_plain);
+    result.append(first, last);
+    return static_cast<std::size_t>(last - text.begin());
+}
+
+// UTF-8 `text` with those characters that `is_written` chooses, none of which is printable ASCII, as `write` writes
+// them.
 template <class Choose, class Write>
 std::string with_characters(const std::string& text, Choose is_written, Write write) {
     std::string result;
-    for (std::size_t place = 0; place < text.size();) {
+    std::size_t place = 0;
+    while ((place = add_plain_characters(result, text, place)) < text.size()) {
         const decoded next = decode(text, place);
         const std::size_t length = std::max<std::size_t>(next.length, 1);
         if (next.length != 0 && is_written(next.character)) {
@@ -112,7 +126,8 @@ std::string with_characters(const std::string& text, Choose is_written, Write wr
 
 std::string repaired_utf8(const std::string& text) {
     std::string repaired;
-    for (std::size_t place = 0; place < text.size();) {
+    std::size_t place = 0;
+    while ((place = add_plain_characters(repaired, text, place)) < text.size()) {
         const std::size_t length = decode(text, place).length;
         if (length == 0) {
             repaired += replacement_character;

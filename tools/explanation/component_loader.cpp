@@ -95,6 +95,20 @@ loaded_component component_loader::load(cds_parser::component& loaded, std::int6
     return result;
 }
 
+void component_loader::begin_again() {
+    for (const auto& [kind, last_id] : last_ids_) {
+        if (last_id != 0 && zeb_db_delete(database_.handle(), kind->record.table, nullptr, nullptr, 0, 0) != 0) {
+            throw failure("cannot take rows out of a database in memory");
+        }
+    }
+    last_ids_.clear();
+    parser_.clear();
+    parser_.device_keys.clear();
+    if (parser_.init() == 0) {
+        throw std::bad_alloc();
+    }
+}
+
 std::optional<std::int64_t> component_loader::take_probe() {
     const inventory_table added = rows_.read_after(kinds::memory, last_ids_[&kinds::memory]);
     for (std::size_t place = 0; place < added.rows.size(); ++place) {

@@ -40,6 +40,9 @@ public:
     /// logs goes into the result only. Throws failure.
     loaded_component load(cds_parser::component& loaded, std::int64_t parent);
 
+    /// Makes the next component the first one of another tree. Throws failure.
+    void begin_again();
+
 private:
     std::optional<std::int64_t> take_probe();
     std::optional<inventory_table> take_new_row();

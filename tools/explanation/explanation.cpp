@@ -65,8 +65,10 @@ enum class scope { left_out, hardware, everything };
 // Goes through a tree as the loader does, and on where the loader stops.
 class walk {
 public:
-    walk(const std::vector<left_out_element>& left_out, scope told_about, counterfactual& doubts)
-        : scope_(told_about), doubts_(doubts) {
+    walk(const std::vector<left_out_element>& left_out, scope told_about, component_loader& loader,
+         counterfactual& doubts)
+        : scope_(told_about), loader_(loader), doubts_(doubts) {
+        loader_.begin_again();
         for (const left_out_element& each : left_out) {
             left_out_.emplace(each.element, &each);
             first_of_cards_.insert(each.first_of_card);
@@ -195,14 +197,14 @@ private:
     std::map<const cds_parser::element*, const left_out_element*> left_out_;
     std::set<const component*> first_of_cards_;
     scope scope_;
-    component_loader loader_;
+    component_loader& loader_;
     counterfactual& doubts_;
     std::vector<explanation> explanations_;
 };
 
 std::vector<explanation> explain(cds_parser::document& document, const std::vector<left_out_element>& left_out,
-                                 scope told_about, counterfactual& doubts) {
-    walk explained(left_out, told_about, doubts);
+                                 scope told_about, component_loader& loader, counterfactual& doubts) {
+    walk explained(left_out, told_about, loader, doubts);
     explained.visit(document.root, std::string("/") + component::TAG, component_loader::no_parent);
     return explained.take();
 }
@@ -210,15 +212,17 @@ std::vector<explanation> explain(cds_parser::document& document, const std::vect
 }  // namespace
 
 std::vector<explanation> explanations_of(cds_parser::document& document, bool all) {
+    component_loader loader;
     counterfactual doubts;
-    return explain(document, left_out_of(document), all ? scope::everything : scope::hardware, doubts);
+    return explain(document, left_out_of(document), all ? scope::everything : scope::hardware, loader, doubts);
 }
 
-std::vector<left_out_component> left_out_components(cds_parser::document& document, counterfactual& doubts) {
+std::vector<left_out_component> left_out_components(cds_parser::document& document, component_loader& loader,
+                                                    counterfactual& doubts) {
     const std::vector<left_out_element> left_out = left_out_of(document);
     std::vector<left_out_component> components;
     if (!left_out.empty()) {
-        for (explanation& told : explain(document, left_out, scope::left_out, doubts)) {
+        for (explanation& told : explain(document, left_out, scope::left_out, loader, doubts)) {
             components.push_back(
                 {std::move(told.path), std::move(told.title), code_of(told), std::move(told.judged.reasons)});
         }

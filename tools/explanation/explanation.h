@@ -12,6 +12,7 @@
 
 #include <zebdb_cds_parser.h>
 
+#include "explanation/component_loader.h"
 #include "explanation/counterfactual.h"
 #include "explanation/known_settings.h"
 #include "explanation/left_out.h"
@@ -49,8 +50,9 @@ struct left_out_component {
 };
 
 /// All of them, in document order, as explanations_of() tells them. Costs little beside a load where they are few,
-/// since nothing is found out about the others, and less where `doubts` is the same for many documents.
-std::vector<left_out_component> left_out_components(cds_parser::document& document, counterfactual& doubts);
+/// since nothing is found out about the others, and less where `loader` and `doubts` are those of earlier documents.
+std::vector<left_out_component> left_out_components(cds_parser::document& document, component_loader& loader,
+                                                    counterfactual& doubts);
 
 /// Whether it is a component to record that left no row.
 bool is_left_out(const explanation& told);

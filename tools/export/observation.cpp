@@ -26,7 +26,6 @@
 #include "sources/cds_file.h"
 #include "sources/file_status.h"
 #include "sources/input_file.h"
-#include "sources/memory_inventory.h"
 #include "sources/source_record.h"
 
 namespace fs = std::filesystem;
@@ -140,8 +139,8 @@ void observer::read(const std::string& name, cds_parser::document& document, obs
 }
 
 void observer::add_rows(cds_parser::document& document, observation& seen) {
-    seen.tables = load_into_memory(document, input_title(seen.source.name)).read_all();
-    seen.left_out = left_out_components(document, doubts_);
+    seen.tables = rows_.load(document);
+    seen.left_out = left_out_components(document, loader_, doubts_);
     if (options_.redact) {
         std::for_each(seen.tables.begin(), seen.tables.end(), [](inventory_table& table) { redact(table); });
     }

@@ -12,9 +12,11 @@
 #include <zebdb_cds_parser.h>
 
 #include "console/time_text.h"
+#include "explanation/component_loader.h"
 #include "explanation/counterfactual.h"
 #include "explanation/explanation.h"
 #include "rows/table.h"
+#include "sources/memory_inventory.h"
 #include "sources/source_record.h"
 
 struct observation {
@@ -32,7 +34,8 @@ struct observation_options {
     bool redact = false;       ///< whether serial numbers and asset tags are hidden
 };
 
-/// Makes observations of CDS files, one after the other. None of them needs memory for those before.
+/// Makes observations of CDS files, one after the other. None of them needs memory for those before. Throws failure
+/// when there is not enough.
 class observer {
 public:
     explicit observer(observation_options options) : options_(std::move(options)) {}
@@ -47,6 +50,8 @@ private:
     void add_rows(cds_parser::document& document, observation& seen);
 
     observation_options options_;
+    memory_loader rows_;
+    component_loader loader_;
     counterfactual doubts_;
 };
 

@@ -6,10 +6,16 @@
 #include <zeb_db.h>
 #include <zebdb_cds_parser.h>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include "console/failure.h"
+#include "rows/fields.h"
+#include "rows/kinds.h"
+#include "rows/table.h"
 #include "sources/connection.h"
 #include "sources/inventory.h"
 #include "sources/library_log.h"
@@ -27,11 +33,18 @@ connection_ptr open_connection(const std::string& name) {
     return connection;
 }
 
-// The database is new, so that there are no rows to replace: unlike a load into a file this leaves no marker that
-// memory rows were deleted.
+// Nobody else looks at the rows that are replaced: unlike a load into a file this leaves no marker that memory rows
+// were deleted.
+bool delete_rows(_zeb_db_handle_t* handle) {
+    return std::all_of(std::begin(kinds::all), std::end(kinds::all), [handle](const inventory_kind* kind) {
+        return zeb_db_delete(handle, kind->record.table, nullptr, nullptr, 0, 0) == 0;
+    });
+}
+
+// All of it or, false, nothing of use.
 bool load(_zeb_db_handle_t* handle, cds_parser::document& document) {
     cds_parser::parser parser;
-    return zeb_db_begin_transaction(handle) == 0 && parser.init() != 0 &&
+    return zeb_db_begin_transaction(handle) == 0 && delete_rows(handle) && parser.init() != 0 &&
            parser.parse_component(handle, &document.root) != 0 && zeb_db_commit_transaction(handle) == 0;
 }
 
@@ -44,6 +57,20 @@ inventory load_into_memory(cds_parser::document& document, const std::string& ti
         throw failure(log.problem());
     }
     return read_memory(database, title);
+}
+
+memory_loader::memory_loader() : rows_(read_memory(database_, "the rows in memory")) {}
+
+std::vector<inventory_table> memory_loader::load(cds_parser::document& document) {
+    const library_log log(log_display::hidden);
+    if (!::load(database_.handle(), document)) {
+        throw failure(log.problem());
+    }
+    std::vector<inventory_table> tables;
+    for (const inventory_kind* kind : kinds::all) {
+        forget_absent_values(tables.emplace_back(rows_.read_after(*kind, 0)));
+    }
+    return tables;
 }
 
 inventory read_memory(const memory_database& database, const std::string& title) {

@@ -79,3 +79,16 @@ TEST_F(ComponentLoader, LeavesWhatIsBelowAComponentWhereItWas) {
     loader_.load(*above, no_parent);
     EXPECT_THAT(above->child_slot_groups, testing::ElementsAre(slots));
 }
+
+TEST_F(ComponentLoader, BeginsAgainWithoutTheRowsTheNodeAndTheCardsOfBefore) {
+    const std::vector<setting> card = {integer("Bus Number", "26"),     integer("Device Number", "0"),
+                                       integer("Function Number", "0"), integer("Location", "1"),
+                                       integer("Slot Number", "3"),     hex("Vendor ID", "8086"),
+                                       hex("Device ID", "56c1")};
+    const auto first = load("pci_device_info", card).row;
+    load("component_struct_info", {text("comp_type", "EFI_CT_MAIN_SERVER"), integer("slot_index", "7")});
+    loader_.begin_again();
+    const auto again = load("pci_device_info", card).row;
+    ASSERT_TRUE(again);
+    EXPECT_EQ(again->rows, first->rows);
+}

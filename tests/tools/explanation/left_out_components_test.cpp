@@ -11,6 +11,7 @@
 
 #include <zebdb_cds_parser.h>
 
+#include "explanation/component_loader.h"
 #include "explanation/counterfactual.h"
 #include "explanation/explanation.h"
 #include "support/cds_hardware.h"
@@ -46,9 +47,9 @@ std::vector<told_component> of_the_explanation(cds_parser::document& document) {
     return components;
 }
 
-std::vector<told_component> told(cds_parser::document& document, counterfactual& doubts) {
+std::vector<told_component> told(cds_parser::document& document, component_loader& loader, counterfactual& doubts) {
     std::vector<told_component> components;
-    for (const left_out_component& each : left_out_components(document, doubts)) {
+    for (const left_out_component& each : left_out_components(document, loader, doubts)) {
         components.push_back({each.path, each.title, each.code, each.reasons});
     }
     return components;
@@ -72,9 +73,10 @@ protected:
         ASSERT_TRUE(document.parse(in));
         const std::vector<told_component> explained = of_the_explanation(document);
         EXPECT_THAT(explained, SizeIs(count));
-        EXPECT_THAT(told(document, doubts_), ElementsAreArray(explained));
+        EXPECT_THAT(told(document, loader_, doubts_), ElementsAreArray(explained));
     }
 
+    component_loader loader_;
     counterfactual doubts_;
 };
 
@@ -82,7 +84,7 @@ TEST_F(LeftOutComponents, AreNoneWhereEverythingHasARow) {
     cds_parser::document document;
     std::istringstream in(cds_file(processor("CPU 1") + module("A1", "1") + bridge("1", {}, function("2"))));
     ASSERT_TRUE(document.parse(in));
-    EXPECT_THAT(left_out_components(document, doubts_), IsEmpty());
+    EXPECT_THAT(left_out_components(document, loader_, doubts_), IsEmpty());
 }
 
 TEST_F(LeftOutComponents, WithoutALocationOrAnAddressAreToldAsExplained) {
@@ -133,7 +135,7 @@ TEST_F(LeftOutComponents, OfEverySampleAreToldAsExplained) {
         cds_parser::document document;
         std::ifstream in(entry.path());
         ASSERT_TRUE(document.parse(in));
-        EXPECT_THAT(told(document, doubts_), ElementsAreArray(of_the_explanation(document))) << entry.path();
+        EXPECT_THAT(told(document, loader_, doubts_), ElementsAreArray(of_the_explanation(document))) << entry.path();
         ++files;
     }
     EXPECT_GE(files, 4u);
