@@ -44,7 +44,7 @@ double luminance(unsigned long colour) {
 }
 
 double contrast(unsigned long one, unsigned long other) {
-    const auto [darker, lighter] = std::minmax(luminance(one), luminance(other));
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
     return (lighter + 0.05) / (darker + 0.05);
 }
 
