@@ -1,0 +1,174 @@
+# SPDX-License-Identifier: Apache-2.0
+
+"""What the tests of the fleet share: the machines, databases of their own, and comparing these with what is expected."""
+
+import argparse
+import collections
+import contextlib
+import itertools
+import pathlib
+import unittest
+
+import clusters
+import expected
+import observations
+
+SOURCE = pathlib.Path(__file__).resolve().parents[2]
+SCHEMA = SOURCE / "fleet" / "schema.sql"
+TABLES = ("server", "observation", "processor", "memory", "bridge", "device")
+OPTIONS = argparse.Namespace(servers=60, observations=10, kills=10, pairs=20)
+
+_machines = contextlib.ExitStack()
+_started = []
+_names = (f"test{number}" for number in itertools.count(1))
+
+
+def machines():
+    """Three, started once for all tests."""
+    if not _started:
+        _started.extend(_machines.enter_context(clusters.Machines(3)))
+        url = _started[0].url()
+        clusters.psql(url, "create database empty_fleet")
+        clusters.psql(_started[0].url("empty_fleet"), SCHEMA.read_text())
+    return _started
+
+
+def stop_machines():
+    _machines.close()
+    _started.clear()
+
+
+def new_database(machine=0, template=None):
+    """The URL of a database that nobody else uses."""
+    name = next(_names)
+    clusters.psql(machines()[machine].url(), f"create database {name}" + (f" template {template}" if template else ""))
+    return machines()[machine].url(name)
+
+
+def new_fleet():
+    """A database with the schema and no server in it."""
+    machines()
+    return new_database(template="empty_fleet")
+
+
+def lines_of(seen):
+    return [observations.line_of(observation) for observation in seen]
+
+
+def time_sql(time):
+    return time.isoformat() if time else ""
+
+
+def comparable(rows):
+    """Rows without their order, of which none is lost where two are equal."""
+    return collections.Counter(tuple(sorted((name, str(value)) for name, value in row.items())) for row in rows)
+
+
+def contents(url):
+    """How many rows each table has and the digest of them all."""
+    digests = " union all ".join(
+        f"select '{table}' as name, count(*) as rows, md5(coalesce(string_agg(t::text, E'\n' order by t::text collate \"C\"), ''))"
+        f" as digest from fleet.{table} t" for table in TABLES)
+    return {row["name"]: (row["rows"], row["digest"]) for row in clusters.rows(url, digests)}
+
+
+class FleetTest(unittest.TestCase):
+    maxDiff = 2000
+
+    def assert_same_rows(self, actual, wanted, what):
+        actual, wanted = comparable(actual), comparable(wanted)
+        if actual != wanted:
+            self.fail(f"{what}: not there {list((wanted - actual).elements())[:3]}, "
+                      f"unexpected {list((actual - wanted).elements())[:3]}")
+
+    def assert_empty(self, url, query, **variables):
+        self.assertEqual(clusters.rows(url, query + " limit 3", **variables), [])
+
+    def assert_histories(self, url, fleet):
+        """The versions of all parts, the runs of all files and what was set aside are exactly the expected ones."""
+        self.assert_same_rows(versions_in(url), map(version_row, fleet.versions()), "versions of parts")
+        self.assert_same_rows(observations_in(url), observation_rows(fleet), "observations")
+        self.assert_same_rows(
+            map(with_times, clusters.rows(url, "select server, first_seen, last_seen from fleet.server")),
+            [{"server": history.server, "first_seen": history.first_seen, "last_seen": history.last_seen}
+             for history in fleet.histories.values()], "servers")
+
+    def assert_answers(self, url, answers, questions):
+        for name, *arguments in questions:
+            with self.subTest(question=name, arguments=[str(argument) for argument in arguments]):
+                wanted = getattr(answers, name)(*arguments)
+                actual = ask(url, name, *arguments)
+                columns = ANSWERED[name]
+                self.assert_same_rows([{column: row[column] for column in columns} for row in actual], wanted, name)
+
+
+VERSIONS = " union all ".join(
+    f"select server, '{table}' as kind, place, ordinal, lower(valid) as seen_from, upper(valid) as seen_until, ended, behind,"
+    f" raw, {'lost_mib' if table == 'memory' else 'null::bigint as lost_mib'} from fleet.{table}"
+    for table in ("processor", "memory", "bridge", "device"))
+
+ANSWERED = {
+    "part": ("server", "kind", "place", "ordinal"),
+    "lost": ("server", "kind", "place", "ordinal", "lost_at", "serial_no", "part_no"),
+    "lost_capacity": ("server", "place", "ordinal", "before_mib", "now_mib", "server_before_mib", "server_now_mib"),
+    "mixed_memory": ("server", "modules", "part_numbers", "sizes", "speeds", "manufacturers"),
+    "duplicate_serials": ("serial_no", "kind", "server", "place", "ordinal"),
+    "serial_history": ("server", "kind", "place", "ordinal", "seen_from", "seen_until", "ended"),
+    "processor_models": ("model", "manufacturer", "processors", "servers"),
+    "silent": ("server", "last_seen"),
+}
+
+
+def with_times(row):
+    times = ("seen_from", "seen_until", "lost_at", "last_seen", "first_seen", "observed_at")
+    return {name: expected.time_of(value) if name in times and value else value for name, value in row.items()}
+
+
+def versions_in(url):
+    for row in clusters.rows(url, VERSIONS):
+        row["raw"] = tuple(sorted(row["raw"].items()))
+        yield with_times(row)
+
+
+def version_row(version):
+    record = version.record
+    return {"server": version.server, "kind": record.kind, "place": record.place, "ordinal": record.ordinal,
+            "seen_from": version.seen_from, "seen_until": version.seen_until, "ended": version.ended,
+            "behind": record.behind, "raw": tuple(sorted(record.raw.items())), "lost_mib": version.lost_mib or None}
+
+
+def observations_in(url):
+    return map(with_times, clusters.rows(url, "select server, observed_at, last_seen, status, sha256 from fleet.observation"))
+
+
+def observation_rows(fleet):
+    for history in fleet.histories.values():
+        times = [(run.first, run.last, "loaded", run.sha256) for run in history.runs]
+        times += [(time, time, "refused", sha256) for time, sha256 in history.refused]
+        times += [(time, time, "aside", sha256) for time, sha256 in history.aside]
+        for first, last, status, sha256 in times:
+            yield {"server": history.server, "observed_at": first, "last_seen": last, "status": status, "sha256": sha256}
+
+
+def ask(url, question, *arguments):
+    values = {f"x{number}": time_sql(value) if hasattr(value, "isoformat") else value
+              for number, value in enumerate(arguments)}
+    return list(map(with_times, clusters.rows(
+        url, f"select * from fleet.{question}({', '.join(':' + repr(name) for name in values)})", **values)))
+
+
+def questions_about(fleet):
+    """All eight, with arguments that matter: each time at which something ended is a boundary."""
+    versions = fleet.versions()
+    ends = sorted({version.seen_until for version in versions if version.ended in ("removed", "emptied")})
+    last = sorted({history.last_seen for history in fleet.histories.values()})
+    times = [observations.START - observations.DAY, ends[len(ends) // 2], ends[-1], last[-1], last[len(last) // 2]]
+    texts = {column: sorted({version.record.text(column) for version in versions} - {None, ""})
+             for column in ("PartNo", "SerialNo")}
+    moved = [version.record.text("SerialNo") for version in versions if version.ended == "moved" and version.record.serial]
+    hostile = [text for text in texts["SerialNo"] if text in map(expected.trimmed, observations.HOSTILE)]
+    serials = moved[:2] + hostile[:3] + ["SHAREDM3", " SHAREDM3\t", "NO DIMM", "", "no such"]
+    parts = texts["PartNo"][:: len(texts["PartNo"]) // 6 + 1] + ["  M393A4K40CB2-CVF ", "m393a4k40cb2-cvf", "'"]
+    return ([("part", text) for text in parts] + [("serial_history", text) for text in serials]
+            + [(name, time) for name in ("lost", "lost_capacity", "silent") for time in times]
+            + [("mixed_memory",), ("duplicate_serials",), ("processor_models",)])
