@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: Apache-2.0
 
-"""usage: fleet_test.py COMMAND REAL_SERIALS [--servers N] [--observations M] [--kills K] [--pairs P] [unittest's own options]
+"""usage: fleet_test.py COMMAND REAL_SERIALS [--servers N] [--observations M] [--kills K] [--pairs P] [unittest's own options] [collect_test|collect_test.Ask|...]
 
 Tests fleet/schema.sql and fleet/zebdb-fleet on temporary PostgreSQL clusters, with N made-up servers observed M times;
 COMMAND is zebdb-cds, REAL_SERIALS the program of that name. A collection is killed K times. The
@@ -13,13 +13,15 @@ import pathlib
 import sys
 import unittest
 
+sys.dont_write_bytecode = True  # nothing is left in the sources
+
 import support
 
-# pylint: disable=wildcard-import, unused-wildcard-import
-from matching_test import *
-from questions_test import *
-from schema_test import *
-from serial_number_test import *
+MODULES = sorted(path.stem for path in pathlib.Path(__file__).parent.glob("*_test.py") if path.name != "fleet_test.py")
+
+
+def names_any(arguments):
+    return any(not argument.startswith("-") for argument in arguments)
 
 
 def main():
@@ -34,7 +36,7 @@ def main():
     support.OPTIONS.command = support.OPTIONS.command.resolve()
     support.OPTIONS.real_serials = support.OPTIONS.real_serials.resolve()
     try:
-        unittest.main(argv=[sys.argv[0], *rest])
+        unittest.main(module=None, argv=[sys.argv[0], *rest, *([] if names_any(rest) else MODULES)])
     finally:
         support.stop_machines()
 

@@ -5,7 +5,6 @@
 import collections
 import json
 import pathlib
-import random
 import re
 import sqlite3
 import subprocess
@@ -22,7 +21,7 @@ KINDS = {rows: kind for kind, rows in expected.KINDS.items()}
 
 
 def command(*arguments):
-    done = subprocess.run([support.OPTIONS.command, *map(str, arguments)], capture_output=True, check=False)
+    done = support.run_command(*arguments)
     if done.returncode not in (0, 1):
         raise AssertionError(done.stderr.decode())
     return done.stdout

@@ -6,7 +6,11 @@ import argparse
 import collections
 import contextlib
 import itertools
+import os
 import pathlib
+import signal
+import subprocess
+import time
 import unittest
 
 import clusters
@@ -49,6 +53,43 @@ def new_fleet():
     """A database with the schema and no server in it."""
     machines()
     return new_database(template="empty_fleet")
+
+
+def run_command(*arguments):
+    return subprocess.run([OPTIONS.command, *map(str, arguments)], capture_output=True, check=False)
+
+
+def start_zebdb_fleet(url, *arguments, cwd, variables=None, **options):
+    """In a process group of its own, with the zebdb-cds of the build."""
+    environment = {**clusters.without_pg_variables(), **(variables or {}),
+                   "PATH": f"{OPTIONS.command.parent}:{os.environ['PATH']}"}
+    command = [str(SOURCE / "fleet" / "zebdb-fleet"), *(["--url", url] if url else []), *map(str, arguments)]
+    return subprocess.Popen(command, cwd=cwd, env=environment, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                            start_new_session=True, stdin=options.get("stdin", subprocess.DEVNULL))
+
+
+def zebdb_fleet(url, *arguments, cwd, variables=None, **options):
+    given = options.get("input")
+    process = start_zebdb_fleet(url, *arguments, cwd=cwd, variables=variables,
+                                stdin=subprocess.DEVNULL if given is None else subprocess.PIPE)
+    out, err = process.communicate(given)
+    return subprocess.CompletedProcess(process.args, process.returncode, out, err)
+
+
+def kill_group(process, number):
+    with contextlib.suppress(ProcessLookupError):
+        os.killpg(process.pid, number)
+
+
+def left_over(process):
+    """What still runs of a process group, after a moment in which what was told to end may do so."""
+    deadline = time.monotonic() + 5
+    running = [True]
+    while running and time.monotonic() < deadline:
+        told = subprocess.run(["ps", "-o", "args=", "-g", str(process.pid)], capture_output=True, check=False).stdout
+        running = told.decode().splitlines()
+    kill_group(process, signal.SIGKILL)
+    return running
 
 
 def lines_of(seen):
