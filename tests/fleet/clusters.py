@@ -12,7 +12,7 @@ import subprocess
 import tempfile
 import urllib.parse
 
-USER = "fleet"
+USER = "tester"  # not the name of a schema, which would be in its search path
 FOR_TESTS = {"fsync": "off", "synchronous_commit": "off", "full_page_writes": "off", "jit": "off", "max_connections": "60",
              "shared_buffers": "64MB", "log_min_messages": "fatal", "log_checkpoints": "off"}
 
