@@ -10,6 +10,7 @@ import shutil
 import signal
 import subprocess
 import tempfile
+import time
 import urllib.parse
 
 USER = "tester"  # not the name of a schema, which would be in its search path
@@ -36,19 +37,27 @@ def as_ordinary_user(command):
 
 
 class Cluster:
+    """Made when it is started first."""
+
     def __init__(self, folder, settings):
         self.folder = folder
-        folder.mkdir(mode=0o700)
-        if os.geteuid() == 0:
-            nobody = pwd.getpwnam("nobody")
-            os.chown(folder, nobody.pw_uid, nobody.pw_gid)
         self.settings = {"unix_socket_directories": folder, "listen_addresses": "", **settings}
         self.server = None
+
+    def start_first(self):
+        if self.server is None:
+            self.make()
+            self.start()
+
+    def make(self):
+        self.folder.mkdir(mode=0o700)
+        if os.geteuid() == 0:
+            nobody = pwd.getpwnam("nobody")
+            os.chown(self.folder, nobody.pw_uid, nobody.pw_gid)
         subprocess.run(
-            as_ordinary_user([programs() / "initdb", "--pgdata", folder / "data", "--username", USER, "--auth=trust",
+            as_ordinary_user([programs() / "initdb", "--pgdata", self.folder / "data", "--username", USER, "--auth=trust",
                               "--encoding=UTF8", "--locale=C.UTF-8", "--no-sync", "--no-instructions"]),
-            check=True, stdout=subprocess.DEVNULL, env=without_pg_variables(), cwd=folder)
-        self.start()
+            check=True, stdout=subprocess.DEVNULL, env=without_pg_variables(), cwd=self.folder)
 
     def start(self):
         options = [word for name, value in self.settings.items() for word in ("-c", f"{name}={value}")]
@@ -58,35 +67,35 @@ class Cluster:
                 stdin=subprocess.DEVNULL, stdout=log, stderr=log, env=without_pg_variables(), cwd=self.folder)
         ready = [str(programs() / "pg_isready"), "--quiet", "--host", str(self.folder)]
         while subprocess.run(ready, env=without_pg_variables(), check=False).returncode != 0:
-            if self.server.poll() is not None:
+            if not self.is_running():
                 raise SystemExit(f"PostgreSQL did not start: {(self.folder / 'log').read_text()}")
+            time.sleep(0.05)
+
+    def is_running(self):
+        return self.server is not None and self.server.poll() is None
 
     def stop(self):
-        self.server.send_signal(signal.SIGINT)
-        self.server.wait()
+        if self.is_running():
+            self.server.send_signal(signal.SIGINT)
+            self.server.wait()
 
     def url(self, database="postgres"):
         return f"postgresql:///{database}?" + urllib.parse.urlencode({"host": str(self.folder), "user": USER})
 
 
 class Machines:
-    """Some clusters that are there within a `with`."""
+    """Some clusters that may be started within a `with`."""
 
-    def __init__(self, number, settings=None):
+    def __init__(self, number, settings):
         self.number = number
-        self.settings = {**FOR_TESTS, **(settings or {})}
+        self.settings = settings
         self.clusters = []
         self.folder = None
 
     def __enter__(self):
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="fleet."))
         self.folder.chmod(0o755)
-        try:
-            for number in range(self.number):
-                self.clusters.append(Cluster(self.folder / f"machine{number + 1}", self.settings))
-        except BaseException:
-            self.__exit__()
-            raise
+        self.clusters = [Cluster(self.folder / f"machine{number + 1}", self.settings) for number in range(self.number)]
         return self.clusters
 
     def __exit__(self, *_):

@@ -41,6 +41,10 @@ def with_serials_of(name):
 
 
 class ZebdbFleetTest(support.FleetTest):
+    @classmethod
+    def setUpClass(cls):
+        cls.url = support.new_fleet()
+
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="fleet files.")
         self.addCleanup(folder.cleanup)
@@ -48,10 +52,7 @@ class ZebdbFleetTest(support.FleetTest):
         self.folder.mkdir()
         self.temporary = pathlib.Path(folder.name) / "temporary"
         self.temporary.mkdir()
-        self.url = self.new_database()
-
-    def new_database(self):
-        return support.new_fleet()
+        support.empty(self.url)
 
     def start_fleet(self, *arguments):
         return support.start_zebdb_fleet(self.url, *arguments, cwd=self.folder, variables={"TMPDIR": str(self.temporary)})
@@ -133,7 +134,7 @@ class Collect(ZebdbFleetTest):
             server_file(self.folder, f"server{number}", day=number % 3, replace=with_serials_of(f"S{number}"))
         self.run_fleet("collect", self.folder, "--jobs", "1")
         one = support.contents(self.url)
-        self.url = self.new_database()
+        support.empty(self.url)
         self.run_fleet("collect", self.folder, "--jobs", "3")
         self.assertEqual(support.contents(self.url), one)
 
@@ -184,7 +185,7 @@ class Collect(ZebdbFleetTest):
         name = clusters.rows(self.url, "select current_database() as name")[0]["name"]
         ended = 0
         while not ended and collect.poll() is None:
-            ended = clusters.rows(support.machines()[0].url(), """
+            ended = clusters.rows(support.machine(0).url(), """
                 select count(pg_terminate_backend(pid)) as n from pg_stat_activity where datname = :'x' and state = 'active'
                 """, x=name)[0]["n"]
         said = collect.communicate()[1].decode()
@@ -259,8 +260,9 @@ class Ask(ZebdbFleetTest):
 
 
 class Init(ZebdbFleetTest):
-    def new_database(self):
-        return support.new_database()
+    def setUp(self):
+        super().setUp()
+        self.url = support.new_database()
 
     def test_makes_the_schema_once_and_again(self):
         self.run_fleet("init")
@@ -268,7 +270,7 @@ class Init(ZebdbFleetTest):
         self.assertEqual(self.ask("mixed-memory"), [])
 
     def test_the_environment_may_name_the_database(self):
-        machine, name = support.machines()[0], clusters.rows(self.url, "select current_database() as name")[0]["name"]
+        machine, name = support.machine(0), clusters.rows(self.url, "select current_database() as name")[0]["name"]
         variables = {"PGHOST": str(machine.folder), "PGUSER": clusters.USER, "PGDATABASE": name}
         done = support.zebdb_fleet(None, "init", cwd=self.folder, variables=variables)
         self.assertEqual(done.returncode, 0, done.stderr)
@@ -294,7 +296,7 @@ class Killed(ZebdbFleetTest):
         chance = random.Random(1)
         interrupted = 0
         for number in range(support.OPTIONS.kills):
-            clusters.psql(self.url, "".join(f"delete from fleet.{table};" for table in support.TABLES))
+            support.empty(self.url)
             collect = self.start_fleet("collect", *days)
             time.sleep(chance.uniform(0, takes))
             interrupted += collect.poll() is None

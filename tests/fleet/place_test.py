@@ -2,10 +2,9 @@
 
 """Partitions on several machines: the same history, the same answers, or the name of the machine that is away."""
 
-import pathlib
+import contextlib
 import random
 import signal
-import tempfile
 import threading
 import time
 
@@ -24,31 +23,20 @@ ROWS_AT = " union all ".join(f"select '{table}' as name, count(*) as rows from f
 class PlaceTest(support.FleetTest):
     """A fleet whose partitions are placed, on machines 2 and 3 in databases of their own."""
 
-    observed = 0.5  # of the observations before anything is placed
+    @classmethod
+    def setUpClass(cls):
+        cls.url = support.new_fleet()
+        cls.others = [support.new_database(1), support.new_database(2)]
+        cls.seen = list(observations.observations(support.OPTIONS.servers // 2, support.OPTIONS.observations, seed=3))
 
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory(prefix="fleet.")
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-        self.url = support.new_fleet()
-        self.others = [support.new_database(machine) for machine in (1, 2)]
-        self.seen = list(observations.observations(support.OPTIONS.servers // 2, support.OPTIONS.observations, seed=3))
-        clusters.ingest(self.url, support.lines_of(self.early()))
-
-    def early(self):
-        return self.seen[:int(len(self.seen) * self.observed)]
-
-    def late(self):
-        return self.seen[len(self.early()):]
+    @classmethod
+    def run_fleet(cls, *arguments):
+        return support.zebdb_fleet(cls.url, *arguments, cwd="/")
 
     def place(self, *arguments, status=0):
-        done = support.zebdb_fleet(self.url, "place", *arguments, cwd=self.folder)
+        done = self.run_fleet("place", *arguments)
         self.assertEqual(done.returncode, status, done.stderr.decode())
         return done.stderr.decode()
-
-    def spread(self):
-        self.place(*range(5), "--on", self.others[0])
-        self.place(*range(5, 10), "--on", self.others[1])
 
     def partitions(self):
         """Which partition numbers are here, and which elsewhere; those of all tables together."""
@@ -59,30 +47,43 @@ class PlaceTest(support.FleetTest):
         return {number: each.pop()[1] for number, each in kinds.items()}
 
 
-class Placed(PlaceTest):
-    def test_histories_and_answers_are_those_of_one_machine(self):
-        self.spread()
-        clusters.ingest(self.url, support.lines_of(self.late()))
-        fleet = expected.Fleet(self.seen)
-        self.assert_histories(self.url, fleet)
-        self.assert_answers(self.url, expected.Answers(fleet), support.questions_about(fleet))
+class PlacedTest(PlaceTest):
+    """Half of the observations arrived before the partitions were placed, half afterwards."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        half = len(cls.seen) // 2
+        clusters.ingest(cls.url, support.lines_of(cls.seen[:half]))
+        cls.before = {number: clusters.rows(cls.url, ROWS_AT.format(number)) for number in range(10)}
+        cls.said = [cls.run_fleet("place", *range(5), "--on", cls.others[0]),
+                    cls.run_fleet("place", *range(5, 10), "--on", cls.others[1])]
+        cls.after = {number: clusters.rows(cls.others[number // 5], ROWS_AT.format(number)) for number in range(10)}
+        clusters.ingest(cls.url, support.lines_of(cls.seen[half:]))
+        cls.fleet = expected.Fleet(cls.seen)
+
+
+class Placed(PlacedTest):
+    def test_placing_succeeds(self):
+        self.assertEqual([(done.returncode, done.stderr) for done in self.said], [(0, b"")] * 2)
+
+    def test_histories_are_those_of_one_machine(self):
+        self.assert_histories(self.url, self.fleet)
+
+    def test_answers_are_those_of_one_machine(self):
+        self.assert_answers(self.url, expected.Answers(self.fleet), support.questions_about(self.fleet))
 
     def test_the_same_partition_of_every_table_is_on_the_same_machine(self):
-        self.spread()
         where = self.partitions()
         self.assertEqual([number for number, machine in where.items() if machine is None], list(range(10, 16)))
         self.assertEqual(len({where[number] for number in range(5)}), 1)
         self.assertEqual(len({where[number] for number in range(5, 10)}), 1)
         self.assertNotEqual(where[0], where[5])
 
-    def test_rows_are_on_their_machine_alone(self):
-        before = {number: clusters.rows(self.url, ROWS_AT.format(number)) for number in range(10)}
-        self.spread()
-        for number in range(10):
-            self.assertEqual(clusters.rows(self.others[number // 5], ROWS_AT.format(number)), before[number])
+    def test_all_rows_went_along(self):
+        self.assertEqual(self.after, self.before)
 
     def test_partitions_elsewhere_have_their_constraints(self):
-        self.spread()
         for number, url in ((0, self.others[0]), (5, self.others[1])):
             constraints = clusters.rows(url, f"""
                 select conrelid::regclass::text as name from pg_constraint
@@ -91,10 +92,71 @@ class Placed(PlaceTest):
                              sorted(f"fleet.{table}_p{number:02}" for table in support.TABLES[2:]))
 
     def test_placing_again_changes_nothing(self):
-        self.spread()
         before, where = support.contents(self.url), self.partitions()
-        self.spread()
+        self.place(*range(5), "--on", self.others[0])
         self.assertEqual((support.contents(self.url), self.partitions()), (before, where))
+
+    def test_everything_once_more_changes_nothing(self):
+        before = support.contents(self.url)
+        clusters.ingest(self.url, support.lines_of(self.seen))
+        self.assertEqual(support.contents(self.url), before)
+
+    def test_a_server_elsewhere_can_be_forgotten(self):
+        before = support.contents(self.url)
+        names = [f"forgotten {number}" for number in range(8)]
+        clusters.ingest(self.url, support.lines_of({**self.seen[0], "server": name} for name in names))
+        self.assertNotEqual(support.contents(self.url), before)
+        for name in names:
+            self.assertEqual(self.run_fleet("forget", name).returncode, 0)
+        self.assertEqual(support.contents(self.url), before)
+
+
+class Away(PlacedTest):
+    """The machine of partitions 5 to 9 does not answer."""
+
+    QUESTIONS = (["part", "M393A4K40CB2-CVF"], ["lost", "2020-01-01"], ["lost-capacity", "2020-01-01"], ["mixed-memory"],
+                 ["duplicate-serials"], ["serial-history", "NO DIMM"], ["processor-models"], ["silent", "2030-01-01"])
+
+    def test_a_question_fails_with_its_name_and_never_with_a_part_of_the_answer(self):
+        with self.machine_away() as name:
+            for question in self.QUESTIONS:
+                with self.subTest(question=question):
+                    done = self.run_fleet("ask", *question, "--format", "json")
+                    self.assertEqual((done.returncode, done.stdout), (2, b""))
+                    self.assertIn(name, done.stderr.decode())
+
+    def test_what_is_observed_meanwhile_is_whole_or_not_there(self):
+        more = list(observations.observations(20, 1, seed=5))
+        arrived = []
+        with self.machine_away() as name:
+            for seen in more:
+                try:
+                    clusters.ingest(self.url, support.lines_of([{**seen, "server": f"meanwhile {seen['server']}"}]))
+                    arrived.append({**seen, "server": f"meanwhile {seen['server']}"})
+                except clusters.Failed as error:
+                    self.assertIn(name, str(error))
+        self.assertTrue(0 < len(arrived) < len(more))
+        self.assert_histories(self.url, expected.Fleet(self.seen + arrived))
+        for seen in arrived:
+            clusters.psql(self.url, "select fleet.forget(:'x')", {"x": seen["server"]})
+
+    @contextlib.contextmanager
+    def machine_away(self):
+        away = support.machine(2)
+        away.stop()
+        try:
+            yield away.folder.name
+        finally:
+            away.start()
+
+
+class Places(PlaceTest):
+    """Where partitions can be placed."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        clusters.ingest(cls.url, support.lines_of(cls.seen[:60]))
 
     def test_back_again(self):
         before = support.contents(self.url)
@@ -102,20 +164,6 @@ class Placed(PlaceTest):
         self.place(3, "--on", "local")
         self.assertEqual(set(self.partitions().values()), {None})
         self.assertEqual(support.contents(self.url), before)
-
-    def test_everything_once_more_changes_nothing(self):
-        self.spread()
-        before = support.contents(self.url)
-        clusters.ingest(self.url, support.lines_of(self.early()))
-        self.assertEqual(support.contents(self.url), before)
-
-    def test_forget_reaches_other_machines(self):
-        self.place(*range(16), "--on", self.others[0])
-        name = self.seen[0]["server"]
-        done = support.zebdb_fleet(self.url, "forget", name, cwd=self.folder)
-        self.assertEqual(done.returncode, 0, done.stderr)
-        for table in support.TABLES:
-            self.assert_empty(self.url, f"select server from fleet.{table} where server = :'x'", x=name)
 
     def test_what_is_no_partition_is_refused(self):
         for number in ("16", "-1", "x", ""):
@@ -128,53 +176,25 @@ class Placed(PlaceTest):
         self.assertIn("/nowhere", self.place(0, "--on", "postgresql:///x?host=/nowhere", status=2))
         self.assertEqual(support.contents(self.url), before)
 
-
-class Away(PlaceTest):
-    QUESTIONS = (["part", "M393A4K40CB2-CVF"], ["lost", "2020-01-01"], ["lost-capacity", "2020-01-01"], ["mixed-memory"],
-                 ["duplicate-serials"], ["serial-history", "NO DIMM"], ["processor-models"], ["silent", "2030-01-01"])
-
-    def setUp(self):
-        super().setUp()
-        self.spread()
-        self.away = support.machines()[2]
-        self.away.stop()
-
-    def tearDown(self):
-        if self.away.server.poll() is not None:
-            self.away.start()
-
-    def ask(self, *question):
-        return support.zebdb_fleet(self.url, "ask", *question, "--format", "json", cwd=self.folder)
-
-    def test_a_question_fails_with_its_name_and_never_with_a_part_of_the_answer(self):
-        for question in self.QUESTIONS:
-            with self.subTest(question=question):
-                done = self.ask(*question)
-                self.assertEqual((done.returncode, done.stdout), (2, b""))
-                self.assertIn(self.away.folder.name, done.stderr.decode())
-
-    def test_what_is_observed_meanwhile_is_whole_or_not_there(self):
-        arrived = []
-        for seen in self.late()[:60]:
-            try:
-                clusters.ingest(self.url, support.lines_of([seen]))
-                arrived.append(seen)
-            except clusters.Failed as error:
-                self.assertIn(self.away.folder.name, str(error))
-        self.assertGreater(len(arrived), 0)
-        self.assertLess(len(arrived), 60)
-        self.away.start()
-        self.assert_histories(self.url, expected.Fleet(self.early() + arrived))
-
-    def test_back_it_answers_again(self):
-        self.ask("mixed-memory")
-        self.away.start()
-        fleet = expected.Fleet(self.early())
-        self.assert_answers(self.url, expected.Answers(fleet), support.questions_about(fleet))
+    def test_rows_of_another_fleet_are_not_touched(self):
+        other = support.new_database()
+        self.assertEqual(support.zebdb_fleet(other, "init", cwd="/").returncode, 0)
+        clusters.ingest(other, support.lines_of(self.seen[:60]))
+        self.place(1, "--on", self.others[0])
+        before = support.contents(self.url)
+        done = support.zebdb_fleet(other, "place", "1", "--on", self.others[0], cwd="/")
+        self.assertEqual(done.returncode, 2, done.stderr.decode())
+        self.assertEqual(support.contents(self.url), before)
+        self.place(1, "--on", "local")
 
 
 class Moving(PlaceTest):
-    observed = 1
+    """Each test leaves the partitions here."""
+
+    @classmethod
+    def setUpClass(cls):
+        super().setUpClass()
+        clusters.ingest(cls.url, support.lines_of(cls.seen))
 
     def meanwhile(self, action):
         """Does `action` until what stands in the `with` is over; its failures are told there."""
@@ -203,14 +223,14 @@ class Moving(PlaceTest):
             asked[0] += 1
 
         with self.meanwhile(ask):
-            self.place(*range(4), "--on", self.others[0])
-            self.place(*range(2), "--on", self.others[1])
-            self.place(*range(4), "--on", "local")
+            self.place(*range(3), "--on", self.others[0])
+            self.place(0, "--on", self.others[1])
+            self.place(*range(3), "--on", "local")
         self.assertGreater(asked[0], 10)
         self.assert_histories(self.url, fleet)
 
     def test_what_is_observed_meanwhile_is_not_lost(self):
-        more = list(observations.observations(100, 3, seed=4))
+        more = [{**seen, "server": f"more {seen['server']}"} for seen in observations.observations(100, 3, seed=4)]
         arrived = []
 
         def ingest():
@@ -219,9 +239,10 @@ class Moving(PlaceTest):
                 arrived.append(more[len(arrived)])
 
         with self.meanwhile(ingest):
-            self.place(*range(6), "--on", self.others[0])
-        self.assertGreater(len(arrived), 5)
+            self.place(*range(4), "--on", self.others[0])
+        self.assertGreater(len(arrived), 2)
         self.assert_histories(self.url, expected.Fleet(self.seen + arrived))
+        self.place(*range(4), "--on", "local")
 
     def test_killed_and_run_again_it_ends_with_the_same_tables(self):
         before = support.contents(self.url)
@@ -229,9 +250,9 @@ class Moving(PlaceTest):
         begin = time.monotonic()
         self.place(0, 1, "--on", self.others[0])
         takes = time.monotonic() - begin
-        for number in range(support.OPTIONS.kills // 2):
+        for number in range(support.OPTIONS.kills // 3 * 3 + 1):
             to = ("local", self.others[1], self.others[0])[number % 3]
-            process = support.start_zebdb_fleet(self.url, "place", 0, 1, "--on", to, cwd=self.folder)
+            process = support.start_zebdb_fleet(self.url, "place", 0, 1, "--on", to, cwd="/")
             time.sleep(chance.uniform(0, takes))
             support.kill_group(process, signal.SIGKILL)
             process.communicate()

@@ -162,7 +162,7 @@ class OneServer(support.FleetTest):
         cls.url = support.new_fleet()
 
     def setUp(self):
-        clusters.psql(self.url, "".join(f"delete from fleet.{table};" for table in support.TABLES))
+        support.empty(self.url)
         root = bridge(0, 1, 0)
         self.parts = {
             "processors": [processor("CPU 1", "P1", ("Model", "Maker"))],

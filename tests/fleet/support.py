@@ -22,37 +22,41 @@ SCHEMA = SOURCE / "fleet" / "schema.sql"
 TABLES = ("server", "observation", "processor", "memory", "bridge", "device")
 OPTIONS = argparse.Namespace(servers=60, observations=10, kills=10, pairs=20)
 
-_machines = contextlib.ExitStack()
-_started = []
+_open = contextlib.ExitStack()
+_machines = []
 _names = (f"test{number}" for number in itertools.count(1))
 
 
-def machines():
-    """Three, started once for all tests."""
-    if not _started:
-        _started.extend(_machines.enter_context(clusters.Machines(3)))
-        url = _started[0].url()
-        clusters.psql(url, "create database empty_fleet")
-        clusters.psql(_started[0].url("empty_fleet"), SCHEMA.read_text())
-    return _started
+def machine(number):
+    """One of three, started when it is needed first, for all tests. The first one has a fleet to be copied."""
+    if not _machines:
+        _machines.extend(_open.enter_context(clusters.Machines(3, clusters.FOR_TESTS)))
+        clusters.psql(machine(0).url(), "create database empty_fleet")
+        clusters.psql(machine(0).url("empty_fleet"), SCHEMA.read_text())
+    _machines[number].start_first()
+    return _machines[number]
 
 
 def stop_machines():
-    _machines.close()
-    _started.clear()
+    _open.close()
+    _machines.clear()
 
 
-def new_database(machine=0, template=None):
+def new_database(number=0, template="template1"):
     """The URL of a database that nobody else uses."""
     name = next(_names)
-    clusters.psql(machines()[machine].url(), f"create database {name}" + (f" template {template}" if template else ""))
-    return machines()[machine].url(name)
+    clusters.psql(machine(number).url(), f"create database {name} template {template}")
+    return machine(number).url(name)
 
 
 def new_fleet():
     """A database with the schema and no server in it."""
-    machines()
     return new_database(template="empty_fleet")
+
+
+def empty(url):
+    """A fleet without its servers, which is faster than a new one."""
+    clusters.psql(url, "".join(f"delete from fleet.{table};" for table in TABLES))
 
 
 def run_command(*arguments):
