@@ -8,6 +8,8 @@ beside COPY of the same rows, what they take on disk, and each question with sev
 """
 
 import argparse
+import contextlib
+import os
 import pathlib
 import statistics
 import subprocess
@@ -53,24 +55,57 @@ def new_fleet(cluster, name):
     return cluster.url(name)
 
 
-def seconds(action, *arguments):
-    begin = time.monotonic()
-    action(*arguments)
-    return time.monotonic() - begin
+class Taken:
+    """Seconds by the clock, and seconds of processors that the sessions of all machines took."""
+
+    def __init__(self, clock=0.0, processors=0.0):
+        self.clock, self.processors = clock, processors
+
+    def __add__(self, other):
+        return Taken(self.clock + other.clock, self.processors + other.processors)
 
 
-def ingest(url, lines):
-    clusters.psql(url, clusters.copied(lines) + INGEST)
+def status(process):
+    """From its state on, as proc(5) tells."""
+    return pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(") ")[2].split()
 
 
-def in_batches(url, lines, size=100):
-    """The seconds that the database took; making the lines is not its business."""
-    taken, batch = 0, []
-    for line in lines:
-        batch.append(line)
-        if len(batch) == size:
-            taken, batch = taken + seconds(ingest, url, batch), []
-    return taken + (seconds(ingest, url, batch) if batch else 0)
+def has_sessions(machine):
+    for path in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+        with contextlib.suppress(OSError):
+            if f" {clusters.USER} ".encode() in path.read_bytes() and status(path.parent.name)[1] == str(machine.server.pid):
+                return True
+    return False
+
+
+class Database:
+    """A fleet in a database of the first machine."""
+
+    def __init__(self, machines, name):
+        self.machines = machines
+        self.url = new_fleet(machines[0], name)
+
+    def sessions(self):
+        """The processors' seconds of all sessions: the server's process takes note of them when they have ended."""
+        while any(map(has_sessions, self.machines)):
+            time.sleep(0.01)
+        fields = [status(machine.server.pid) for machine in self.machines]
+        return sum(int(each[13]) + int(each[14]) for each in fields) / os.sysconf("SC_CLK_TCK")
+
+    def taken_by(self, script):
+        processors, clock = self.sessions(), time.monotonic()
+        clusters.psql(self.url, script)
+        clock = time.monotonic() - clock
+        return Taken(clock, self.sessions() - processors)
+
+    def ingest(self, lines, size=100):
+        """What the database took, in batches; making the lines is not its business."""
+        taken, batch = Taken(), []
+        for line in lines:
+            batch.append(line)
+            if len(batch) == size:
+                taken, batch = taken + self.taken_by(clusters.copied(batch) + INGEST), []
+        return taken + (self.taken_by(clusters.copied(batch) + INGEST) if batch else Taken())
 
 
 def columns(url, table):
@@ -84,10 +119,10 @@ def bare_copy(source, target, folder):
     """The same rows into the same tables with all their columns and indexes, from files that COPY wrote."""
     copies = []
     for table in TABLES:
-        names, file = columns(source, table), folder / table
-        clusters.psql(source, f"\\copy (select {names} from fleet.{table}) to '{file}'")
+        names, file = columns(source.url, table), folder / table
+        clusters.psql(source.url, f"\\copy (select {names} from fleet.{table}) to '{file}'")
         copies.append(f"\\copy fleet.{table} ({names}) from '{file}'\n")
-    return seconds(clusters.psql, target, "begin;\n" + "".join(copies) + "commit;\n")
+    return target.taken_by("begin;\n" + "".join(copies) + "commit;\n")
 
 
 def size(url):
@@ -103,59 +138,50 @@ def place(url, partitions, on):
 
 
 def ingesting(machines, number, folder):
-    print(f"Ingesting {number} servers of 116 rows, one session (psql, in batches of 100)")
-    one = new_fleet(machines[0], "one")
-    servers = Servers(number)
-    rows_of_disk = size(one)
-    times = {"new": in_batches(one, servers.observed(0))}
-    after_new = size(one)
-    times["unchanged"] = in_batches(one, servers.observed(1))
-    after_unchanged = size(one)
-    for server in servers.servers:
-        server.module_replaced()
-    times["one module replaced"] = in_batches(one, servers.observed(2))
-    after_changed = size(one)
-
-    three = new_fleet(machines[0], "three")
+    one, three = Database(machines, "one"), Database(machines, "three")
     for machine, partitions in ((1, range(5)), (2, range(5, 10))):
         clusters.psql(machines[machine].url(), "create database part")
-        place(three, partitions, machines[machine].url("part"))
-    servers = Servers(number)
-    times["new, partitions on three machines"] = in_batches(three, servers.observed(0))
-    times["unchanged, partitions on three machines"] = in_batches(three, servers.observed(1))
+        place(three.url, partitions, machines[machine].url("part"))
+    servers, taken, sizes = Servers(number), {}, [size(one.url)]
+    taken["new"] = one.ingest(servers.observed(0))
+    taken["COPY of the same rows, one transaction"] = bare = bare_copy(one, Database(machines, "bare"), folder)
+    taken["new, three machines"] = three.ingest(servers.observed(0))
+    sizes.append(size(one.url))
+    taken["unchanged"] = one.ingest(servers.observed(1))
+    taken["unchanged, three machines"] = three.ingest(servers.observed(1))
+    sizes.append(size(one.url))
+    for server in servers.servers:
+        server.module_replaced()
+    taken["one module replaced"] = one.ingest(servers.observed(2))
+    sizes.append(size(one.url))
 
-    copy_source = new_fleet(machines[0], "copy_source")
-    in_batches(copy_source, Servers(number).observed(0))
-    bare = bare_copy(copy_source, new_fleet(machines[0], "bare"), folder)
-    print(f"{'':40} {'s':>8} {'servers/s':>10} {'to COPY':>8}")
-    for name, taken in [("COPY of the rows of `new`, a transaction", bare), *times.items()]:
-        print(f"{name:40} {taken:8.1f} {number / taken:10.0f} {taken / bare:8.2f}")
-    print()
-    print("Size on disk, indexes included")
-    print(f"{'':40} {'bytes':>8}")
-    for name, taken in (("a server, observed once", after_new - rows_of_disk),
-                        ("an unchanged observation", after_unchanged - after_new),
-                        ("an observation with one module replaced", after_changed - after_unchanged)):
-        print(f"{name:40} {taken / number:8.0f}")
+    print(f"Ingesting {number} servers of 116 rows in one session, a psql for each 100 of them")
+    print(f"{'':40} {'real s':>8} {'CPU s':>8} {'servers/s':>10} {'to COPY: real':>14} {'CPU':>6}")
+    for name, each in taken.items():
+        print(f"{name:40} {each.clock:8.1f} {each.processors:8.1f} {number / each.clock:10.0f}"
+              f" {each.clock / bare.clock:14.2f} {each.processors / bare.processors:6.2f}")
+    print("\nSize on disk, indexes included")
+    for name, before, after in zip(("a server, observed once", "an unchanged observation", "one module replaced"), sizes, sizes[1:]):
+        print(f"{name:40} {(after - before) / number:8.0f} bytes")
     print(flush=True)
 
 
-def fill(url, number):
+def fill(database, number):
     """Observed on two days; on the third a few were not, and a few lost a module of a number that no others have."""
     servers = Servers(number)
     for server in servers.servers[:FEW]:
         server.parts["memory"][0].update(PartNo="RARE", SerialNo=f"RARE{server.name}")
     for server in servers.servers:
         server.parts["memory"][1]["SerialNo"] = f"M{server.name}"
-    in_batches(url, servers.observed(0))
+    database.ingest(servers.observed(0))
     for server in servers.servers[:number // 10]:
         server.live()
-    in_batches(url, servers.observed(1))
+    database.ingest(servers.observed(1))
     few = [server for server in servers.servers[-FEW:] if server.parts["memory"]]
     for server in few:
         del server.parts["memory"][0]
-    in_batches(url, servers.observed(2, servers.servers[FEW:]))
-    clusters.psql(url, "vacuum analyze")
+    database.ingest(servers.observed(2, servers.servers[FEW:]))
+    clusters.psql(database.url, "vacuum analyze")
 
 
 def asked(url, question):
@@ -166,22 +192,21 @@ def asked(url, question):
     return statistics.median(times), int(said[0])
 
 
-def asking(machine, numbers):
-    today, yesterday = (START + 2 * DAY).isoformat(), (START + DAY).isoformat()
-    questions = [
-        "part('RARE')", f"lost('{today}')", f"lost_capacity('{today}')", f"serial_history('M{observations.Server(3, 'bench', 'full').name}')",
-        f"silent('{today}')", "mixed_memory()", "duplicate_serials()", "processor_models()"]
+def asking(machines, numbers):
+    today, before = (START + 2 * DAY).isoformat(), (START + 1.5 * DAY).isoformat()
+    questions = ["part('RARE')", f"lost('{before}')", f"lost_capacity('{before}')", "serial_history('Mserver-000003')",
+                 f"silent('{today}')", "mixed_memory()", "duplicate_serials()", "processor_models()"]
     table = {question: [] for question in questions}
     for number in numbers:
-        url = new_fleet(machine, f"asked{number}")
-        taken = seconds(fill, url, number)
-        print(f"({number} servers observed on three days in {taken:.0f} s, {size(url) / 1e6:.0f} MB)", flush=True)
+        database = Database(machines, f"asked{number}")
+        fill(database, number)
+        print(f"{number} servers, observed on three days: {size(database.url) / 1e6:.0f} MB", flush=True)
         for question in questions:
-            table[question].append(asked(url, question))
-    print("Milliseconds a question, and the rows of its answer (medians of 7 in one session, everything in memory)")
-    print(f"{'servers':36}" + "".join(f" {number:>9} {'rows':>7}" for number in numbers))
+            table[question].append(asked(database.url, question))
+    print("Milliseconds a question (medians of 7 in one session), and the rows of its answer")
+    print(f"{'servers':40}" + "".join(f" {number:>9} {'rows':>7}" for number in numbers))
     for question, answers in table.items():
-        print(f"{question:36}" + "".join(f" {taken:9.1f} {rows:7}" for taken, rows in answers))
+        print(f"{question:40}" + "".join(f" {taken:9.1f} {rows:7}" for taken, rows in answers))
 
 
 def main():
@@ -195,7 +220,7 @@ def main():
         print(clusters.psql(machines[0].url(), "select version()").split(" on ")[0] + ", " +
               ", ".join(f"{name} = {value}" for name, value in SETTINGS.items() if name != "log_min_messages"))
         ingesting(machines, chosen.ingested, pathlib.Path(folder))
-        asking(machines[0], [int(number) for number in chosen.asked.split(",")])
+        asking(machines, [int(number) for number in chosen.asked.split(",")])
 
 
 if __name__ == "__main__":

@@ -2,6 +2,8 @@
 
 """The eight questions, beside answers that were worked out from the observations alone."""
 
+import re
+
 import clusters
 import expected
 import observations
@@ -29,3 +31,25 @@ class Questions(support.FleetTest):
         told = [row["seen_from"] for row in support.ask(self.url, "serial_history", "SHAREDM3")]
         self.assertGreater(len(told), 1)
         self.assertEqual(told, sorted(told))
+
+    def test_the_documentation_shows_the_select_of_each(self):
+        """With its example's literal exchanged for one that matters here, it gives as many rows."""
+        exchanged = {"part": ("M393A4K40CB2-CVF", "M393A4K40CB2-CVF"), "lost": ("2026-11-21", "2026-01-02"),
+                     "lost_capacity": ("2026-11-21", "2026-01-02"), "serial_history": ("03A00002", "SHAREDM3"),
+                     "silent": ("2026-11-20", "2026-01-09")}
+        text = (support.SOURCE / "docs" / "fleet.md").read_text()
+        shown = re.findall(r"^### .*`fleet\.(\w+)\(.*?^```sql\n(.*?)^```", text, re.MULTILINE | re.DOTALL)
+        self.assertEqual({question for question, _ in shown}, set(support.ANSWERED))
+        for question, select in shown:
+            with self.subTest(question=question):
+                before, after = exchanged.get(question, ("", ""))
+                self.assertIn(before, select)
+                rows = clusters.psql(self.url, (select.replace(before, after) if before else select) + ";")
+                answer = support.ask(self.url, question, *([after] if before else []))
+                self.assertGreater(len(answer), 0)
+                self.assertEqual(len(rows.splitlines()), len(answer))
+
+    def test_all_sql_of_the_documentation_runs(self):
+        text = (support.SOURCE / "docs" / "fleet.md").read_text()
+        for script in re.findall(r"^```sql\n(.*?)^```", text, re.MULTILINE | re.DOTALL):
+            clusters.psql(self.url, script + ";")

@@ -86,13 +86,24 @@ def kill_group(process, number):
 
 
 def left_over(process):
-    """What still runs of a process group, after a moment in which what was told to end may do so."""
-    deadline = time.monotonic() + 5
-    running = [True]
-    while running and time.monotonic() < deadline:
-        told = subprocess.run(["ps", "-o", "args=", "-g", str(process.pid)], capture_output=True, check=False).stdout
-        running = told.decode().splitlines()
-    kill_group(process, signal.SIGKILL)
+    """What still runs of a process group, after some time in which what was told to end may do so."""
+    deadline = time.monotonic() + 10
+    while running := commands_of_group(process.pid):
+        if time.monotonic() > deadline:
+            kill_group(process, signal.SIGKILL)
+            break
+        time.sleep(0.05)
+    return running
+
+
+def commands_of_group(group):
+    running = []
+    for stat in pathlib.Path("/proc").glob("[0-9]*/stat"):
+        with contextlib.suppress(OSError):
+            name, _, numbers = stat.read_text().partition(") ")
+            state, _, of_group, *_ = numbers.split()
+            if int(of_group) == group and state != "Z":
+                running.append(name)
     return running
 
 
