@@ -2,6 +2,7 @@
 
 """The eight questions, beside answers that were worked out from the observations alone."""
 
+import collections
 import re
 
 import clusters
@@ -27,18 +28,22 @@ class Questions(support.FleetTest):
     def test_all_are_answered(self):
         self.assert_answers(self.url, expected.Answers(self.fleet), support.questions_about(self.fleet))
 
+    def frequent_serial(self):
+        serials = collections.Counter(version.record.serial for version in self.fleet.versions() if version.record.serial)
+        return serials.most_common(1)[0][0]
+
     def test_serial_history_is_told_in_the_order_of_time(self):
-        told = [row["seen_from"] for row in support.ask(self.url, "serial_history", "SHAREDM3")]
+        told = [row["seen_from"] for row in support.ask(self.url, "serial_history", self.frequent_serial())]
         self.assertGreater(len(told), 1)
         self.assertEqual(told, sorted(told))
 
     def test_the_documentation_shows_the_select_of_each(self):
         """With its example's literal exchanged for one that matters here, it gives as many rows."""
-        exchanged = {"part": ("M393A4K40CB2-CVF", "M393A4K40CB2-CVF"), "lost": ("2026-11-21", "2026-01-02"),
-                     "lost_capacity": ("2026-11-21", "2026-01-02"), "serial_history": ("03A00002", "SHAREDM3"),
-                     "silent": ("2026-11-20", "2026-01-09")}
+        exchanged = {"part": ("M393A4K40CB2-CVF", "M393A4K40CB2-CVF"), "lost": ("2026-11-21", "2026-01-01"),
+                     "lost_capacity": ("2026-11-21", "2026-01-01"), "silent": ("2026-11-20", "2030-01-01"),
+                     "serial_history": ("03A00002", self.frequent_serial())}
         text = (support.SOURCE / "docs" / "fleet.md").read_text()
-        shown = re.findall(r"^### .*`fleet\.(\w+)\(.*?^```sql\n(.*?)^```", text, re.MULTILINE | re.DOTALL)
+        shown = re.findall(r"^### [^\n]*`fleet\.(\w+)\(.*?^```sql\n(.*?)^```", text, re.MULTILINE | re.DOTALL)
         self.assertEqual({question for question, _ in shown}, set(support.ANSWERED))
         for question, select in shown:
             with self.subTest(question=question):

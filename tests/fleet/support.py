@@ -20,7 +20,7 @@ import observations
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 SCHEMA = SOURCE / "fleet" / "schema.sql"
 TABLES = ("server", "observation", "processor", "memory", "bridge", "device")
-OPTIONS = argparse.Namespace(servers=60, observations=10, kills=10, pairs=20)
+OPTIONS = argparse.Namespace(servers=30, observations=8, kills=6, pairs=12)
 
 _open = contextlib.ExitStack()
 _machines = []
