@@ -331,7 +331,7 @@ class Refusals(support.FleetTest):
         self.assert_refused({**self.later, "status": "lost"}, "status")
 
     def test_a_row_that_is_none(self):
-        self.assert_refused({**self.later, "memory": [7]}, self.later["server"])
+        self.assert_refused({**self.later, "memory": [7]}, "memory")
 
     def test_text_where_a_number_belongs(self):
         wrong = copy.deepcopy(self.later)
