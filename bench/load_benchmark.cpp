@@ -69,6 +69,12 @@ class null_buffer : public std::streambuf {
 
 void drop_line(void*, vonk_log::level, const char*) {}
 
+void time_plain_document(benchmark::State& state, const char* path) {
+    while (state.KeepRunning()) {
+        build_plain_document(path);
+    }
+}
+
 void time_tree(benchmark::State& state, const char* path) {
     while (state.KeepRunning()) {
         benchmark::DoNotOptimize(read_tree(path));
@@ -123,6 +129,7 @@ int main(int argc, char** argv) {
     vonk_log::set_sink(drop_line, nullptr);
     const int status = run_step_benchmarks(argc, argv,
                                            {
+                                               {"plain", time_plain_document},
                                                {"document", time_document},
                                                {"tree", time_tree},
                                                {"load", time_load},

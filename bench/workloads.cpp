@@ -2,6 +2,8 @@
 
 #include "workloads.h"
 
+#include <libxml/parser.h>
+#include <libxml/tree.h>
 #include <sysipc.h>
 #include <sysxml.h>
 #include <zeb_db.h>
@@ -10,6 +12,7 @@
 #include <cstddef>
 #include <fstream>
 #include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -24,6 +27,14 @@ std::size_t count_components(const cds_parser::component& counted) {
 }
 
 }  // namespace
+
+void build_plain_document(const char* path) {
+    xmlDoc* document = xmlReadFile(path, nullptr, XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_COMPACT);
+    if (document == nullptr) {
+        throw std::runtime_error(std::string("cannot read ") + path);
+    }
+    xmlFreeDoc(document);
+}
 
 void build_xml_document(const char* path) {
     std::ifstream file(path);

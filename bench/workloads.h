@@ -8,6 +8,10 @@
 
 #include <zeb_db.h>
 
+/// Builds libxml2's document of the file, as it comes, and destroys it: what nobody who uses it can do without. Throws
+/// std::runtime_error on a file that is refused.
+void build_plain_document(const char* path);
+
 /// Builds the XML library's document of the file and destroys it. Throws sysipc::exception on a file that is refused.
 void build_xml_document(const char* path);
 
