@@ -9,9 +9,11 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "rows/kinds.h"
+#include "rows/redaction.h"
 #include "rows/row_text.h"
 #include "rows/table.h"
 
@@ -88,6 +90,36 @@ inventory_table reordered(const inventory_table& table, const std::vector<std::s
     return result;
 }
 
+// The node that all rows stand at, or nothing when they stand at several or there are none.
+std::optional<node_index> only_node(const std::vector<inventory_table>& tables) {
+    std::optional<node_index> node;
+    for (const inventory_table& table : tables) {
+        for (std::size_t place = 0; place < table.rows.size(); ++place) {
+            const node_index here = number_in(inventory_row(table, place)[node_column]);
+            if (node && *node != here) {
+                return std::nullopt;
+            }
+            node.emplace(here);
+        }
+    }
+    return node;
+}
+
+// Its column, and its part of the keys of cards.
+void forget_node(std::vector<inventory_table>& tables) {
+    for (inventory_table& table : tables) {
+        for (std::vector<inventory_value>& row : table.rows) {
+            if (const auto node = find_column(table, node_column)) {
+                row[*node] = {};
+            }
+            const auto key = find_column(table, card_key_column);
+            if (const auto number = key ? number_in(row[*key]) : std::nullopt) {
+                row[*key] = static_cast<std::int64_t>(*number & card_key_without_node);
+            }
+        }
+    }
+}
+
 }  // namespace
 
 void replace_row_ids(std::vector<inventory_table>& tables) {
@@ -106,7 +138,10 @@ void align_columns(inventory_table& first, inventory_table& second) {
 }
 
 std::vector<std::string> ignored_columns(const std::string& name) {
-    return name == "serials" ? std::vector<std::string>{"SerialNo", "AssetTag"} : std::vector<std::string>{name};
+    if (name == "serials") {
+        return {std::begin(identifying_columns), std::end(identifying_columns)};
+    }
+    return {name};
 }
 
 void remove_columns(std::vector<inventory_table>& tables, const std::vector<std::string>& names) {
@@ -120,30 +155,14 @@ void remove_columns(std::vector<inventory_table>& tables, const std::vector<std:
     }
 }
 
-std::optional<node_index> only_node(const std::vector<inventory_table>& tables) {
-    std::optional<node_index> node;
-    for (const inventory_table& table : tables) {
-        for (std::size_t place = 0; place < table.rows.size(); ++place) {
-            const node_index here = number_in(inventory_row(table, place)[node_column]);
-            if (node && *node != here) {
-                return std::nullopt;
-            }
-            node.emplace(here);
-        }
+std::optional<std::pair<node_index, node_index>> forget_differing_nodes(std::vector<inventory_table>& first,
+                                                                        std::vector<inventory_table>& second) {
+    const auto first_node = only_node(first);
+    const auto second_node = only_node(second);
+    if (!first_node || !second_node || *first_node == *second_node) {
+        return std::nullopt;
     }
-    return node;
-}
-
-void forget_node(std::vector<inventory_table>& tables) {
-    for (inventory_table& table : tables) {
-        for (std::vector<inventory_value>& row : table.rows) {
-            if (const auto node = find_column(table, node_column)) {
-                row[*node] = {};
-            }
-            const auto key = find_column(table, card_key_column);
-            if (const auto number = key ? number_in(row[*key]) : std::nullopt) {
-                row[*key] = static_cast<std::int64_t>(*number & card_key_without_node);
-            }
-        }
-    }
+    forget_node(first);
+    forget_node(second);
+    return std::pair(*first_node, *second_node);
 }

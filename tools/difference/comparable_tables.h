@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "rows/table.h"
@@ -28,10 +29,8 @@ void remove_columns(std::vector<inventory_table>& tables, const std::vector<std:
 /// Where a part stands; nothing where no main server stands before it.
 using node_index = std::optional<std::uint64_t>;
 
-/// The node that all rows stand at, or nothing when they stand at several or there are none.
-std::optional<node_index> only_node(const std::vector<inventory_table>& tables);
-
-/// Takes the node out of all rows: its column, and its part of the keys of cards.
-void forget_node(std::vector<inventory_table>& tables);
+/// Takes the node out of all rows where those of either inventory stand at one and these differ, and gives both.
+std::optional<std::pair<node_index, node_index>> forget_differing_nodes(std::vector<inventory_table>& first,
+                                                                        std::vector<inventory_table>& second);
 
 #endif

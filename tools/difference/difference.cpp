@@ -80,13 +80,7 @@ table_difference compare_tables(inventory_table old_table, inventory_table new_t
 
 comparison compare_prepared(std::vector<inventory_table> old_tables, std::vector<inventory_table> new_tables) {
     comparison result;
-    const auto old_node = only_node(old_tables);
-    const auto new_node = only_node(new_tables);
-    if (old_node && new_node && *old_node != *new_node) {
-        result.ignored_nodes.emplace(*old_node, *new_node);
-        forget_node(old_tables);
-        forget_node(new_tables);
-    }
+    result.ignored_nodes = forget_differing_nodes(old_tables, new_tables);
     replace_row_ids(old_tables);
     replace_row_ids(new_tables);
     for (std::size_t kind = 0; kind < new_tables.size(); ++kind) {

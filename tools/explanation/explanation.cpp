@@ -23,6 +23,7 @@
 #include "explanation/unused_settings.h"
 #include "explanation/verdict.h"
 #include "rows/pci_address_text.h"
+#include "rows/redaction.h"
 #include "rows/row_text.h"
 #include "rows/table.h"
 

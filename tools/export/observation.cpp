@@ -22,6 +22,7 @@
 #include "console/utf8.h"
 #include "explanation/explanation.h"
 #include "rows/kinds.h"
+#include "rows/redaction.h"
 #include "rows/table.h"
 #include "sources/cds_file.h"
 #include "sources/file_status.h"

@@ -30,6 +30,7 @@
 #include "report/page_template.h"
 #include "report/reported_inventory.h"
 #include "report/sections.h"
+#include "rows/redaction.h"
 #include "rows/table.h"
 #include "sources/open_inventory.h"
 #include "topology/pci_labels.h"

@@ -12,18 +12,6 @@
 #include <variant>
 #include <vector>
 
-namespace {
-
-constexpr const char* redacted_columns[] = {"SerialNo", "AssetTag"};
-
-constexpr const char* placeholder = "[redacted]";
-
-bool is_redacted(const std::string& column) {
-    return std::find(std::begin(redacted_columns), std::end(redacted_columns), column) != std::end(redacted_columns);
-}
-
-}  // namespace
-
 bool is_put(const inventory_value& value) {
     return !std::holds_alternative<std::monostate>(value);
 }
@@ -74,17 +62,4 @@ void keep_columns(inventory_table& table, const std::vector<std::string>& names)
     }
     table.rows = std::move(rows);
     table.columns = std::move(kept);
-}
-
-void redact(inventory_table& table) {
-    for (std::size_t column = 0; column < table.columns.size(); ++column) {
-        if (!is_redacted(table.columns[column])) {
-            continue;
-        }
-        for (std::vector<inventory_value>& row : table.rows) {
-            if (is_put(row[column])) {
-                row[column] = placeholder;
-            }
-        }
-    }
 }

@@ -60,7 +60,4 @@ private:
 /// are passed over.
 void keep_columns(inventory_table& table, const std::vector<std::string>& names);
 
-/// Puts a placeholder in place of every serial number and asset tag.
-void redact(inventory_table& table);
-
 #endif

@@ -13,6 +13,7 @@
 #include "difference/comparable_tables.h"
 #include "difference/difference.h"
 #include "difference/difference_formats.h"
+#include "rows/redaction.h"
 #include "rows/table.h"
 #include "sources/input_file.h"
 #include "sources/inventory.h"

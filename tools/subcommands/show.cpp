@@ -17,6 +17,7 @@
 #include "console/utf8.h"
 #include "listing/listing_formats.h"
 #include "rows/kinds.h"
+#include "rows/redaction.h"
 #include "rows/table.h"
 #include "sources/input_file.h"
 #include "sources/inventory.h"

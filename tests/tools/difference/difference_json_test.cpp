@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "rows/redaction.h"
 #include "tools/difference/difference_test.h"
 
 using json = nlohmann::ordered_json;

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "rows/redaction.h"
 #include "tools/difference/difference_test.h"
 
 using testing::HasSubstr;

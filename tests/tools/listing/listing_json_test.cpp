@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "rows/redaction.h"
 #include "tools/listing/listing_test.h"
 
 using nlohmann::json;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "rows/pci_label_columns.h"
+#include "rows/redaction.h"
 #include "tools/listing/listing_test.h"
 
 using testing::HasSubstr;
