@@ -19,6 +19,7 @@
 #include "explanation/component_title.h"
 #include "explanation/counterfactual.h"
 #include "explanation/left_out.h"
+#include "explanation/left_out_phrases.h"
 #include "explanation/odd_values.h"
 #include "explanation/unused_settings.h"
 #include "explanation/verdict.h"

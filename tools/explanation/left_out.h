@@ -4,8 +4,6 @@
 #ifndef TOOLS_EXPLANATION_LEFT_OUT_H
 #define TOOLS_EXPLANATION_LEFT_OUT_H
 
-#include <cstddef>
-#include <string>
 #include <vector>
 
 #include <zebdb_cds_parser.h>
@@ -30,14 +28,5 @@ struct left_out_element {
 /// All of them, in document order, by the loader's own rules. Looks at the elements only, so that it costs little
 /// beside a load.
 std::vector<left_out_element> left_out_of(const cds_parser::document& document);
-
-/// A word for the rule, for programs.
-const char* name_of(omission rule);
-
-/// What is said of so many components that the rule keeps out, as in "have no location".
-std::string omission_text(omission rule, std::size_t count);
-
-/// How many there are and why, as in "13 components left no row: 9 have no location, 4 no address"; empty for none.
-std::string left_out_text(const std::vector<left_out_element>& left_out);
 
 #endif

@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "explanation/explanation.h"
-#include "explanation/left_out.h"
+#include "explanation/left_out_phrases.h"
 #include "report/page_template.h"
 #include "report/part_json.h"
 #include "report/reported_inventory.h"

@@ -8,7 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "explanation/explanation.h"
-#include "explanation/left_out.h"
+#include "explanation/left_out_phrases.h"
 #include "report/anchors.h"
 #include "report/change_marks.h"
 #include "report/page_template.h"

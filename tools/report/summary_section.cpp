@@ -13,7 +13,7 @@
 
 #include "difference/difference.h"
 #include "explanation/explanation.h"
-#include "explanation/left_out.h"
+#include "explanation/left_out_phrases.h"
 #include "report/change_marks.h"
 #include "report/page_template.h"
 #include "report/part_json.h"

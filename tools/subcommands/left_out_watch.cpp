@@ -8,6 +8,7 @@
 
 #include "console/output.h"
 #include "explanation/left_out.h"
+#include "explanation/left_out_phrases.h"
 
 bool left_out_watch::accepts(const cds_parser::document& loaded) {
     text_ = left_out_text(left_out_of(loaded));

@@ -37,12 +37,6 @@ std::vector<omission> omissions(const std::string& components) {
     return found;
 }
 
-std::string left_out_text_of(const std::string& components) {
-    cds_parser::document document;
-    read(document, cds_file(components));
-    return left_out_text(left_out_of(document));
-}
-
 std::string function_at_3b(const std::vector<setting>& more) {
     return cds_component("pci_device_info", joined(address("3b"), more));
 }
@@ -106,21 +100,6 @@ TEST(LeftOut, IsAGroupThatStandsInAChildSlotGroup) {
     const std::vector<left_out_element> found = left_out_of(document);
     ASSERT_EQ(found.size(), 1u);
     EXPECT_EQ(found[0].element, document.root.child_slot_groups.front());
-}
-
-TEST(LeftOutText, CountsTheReasons) {
-    EXPECT_EQ(left_out_text_of(unplaced + unplaced + without_address),
-              "3 components left no row: 2 have no location, 1 has no address");
-    EXPECT_EQ(left_out_text_of(unplaced + unplaced + without_address + without_address),
-              "4 components left no row: 2 have no location, 2 no address");
-}
-
-TEST(LeftOutText, IsAboutOneComponentAsWell) {
-    EXPECT_EQ(left_out_text_of(unplaced), "1 component left no row: 1 has no location");
-}
-
-TEST(LeftOutText, IsEmptyWithoutAny) {
-    EXPECT_EQ(left_out_text_of(processor("CPU 1")), "");
 }
 
 // The explanation asks the loader itself.
