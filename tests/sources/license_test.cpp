@@ -18,7 +18,7 @@ using testing::StartsWith;
 
 namespace {
 
-constexpr const char* source_folders[] = {".ci",       "bench",    "cds_parser", "cmake", "fleet",   "include",
+constexpr const char* source_folders[] = {".ci",       "bench",    "cds_parser", "cmake", "fleet", "include",
                                           "inventory", "platform", "scripts",    "tests", "tools"};
 
 bool is_one_of(const std::string& name, const std::vector<std::string>& names) {

@@ -12,9 +12,7 @@ using testing::Not;
 
 class MissingPlaces : public command_test {
 protected:
-    MissingPlaces() {
-        write("server.xml", cds_file(cds_component("memory_info", {text("Device Locator", "DIMM 1")})));
-    }
+    MissingPlaces() { write("server.xml", cds_file(cds_component("memory_info", {text("Device Locator", "DIMM 1")}))); }
 
     // Refreshes where a place is closed meanwhile, as it is where it is missing or another user's.
     command_result refresh_without(const std::string& right, const std::string& places,
