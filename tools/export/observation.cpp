@@ -119,7 +119,7 @@ observation observer::observe(const std::string& name) {
 }
 
 // Throws failure with the cause alone.
-void observer::read(const std::string& name, cds_parser::document& document, observation& seen) {
+void observer::read(const std::string& name, cds_parser::document& document, observation& seen) const {
     const struct stat before = status_of(name);
     seen.observed_at = options_.at.value_or(time_of(before));
     const bool is_named_file = is_file(before) && !is_standard_input(name);

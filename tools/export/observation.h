@@ -46,7 +46,7 @@ public:
     observation observe(const std::string& name);
 
 private:
-    void read(const std::string& name, cds_parser::document& document, observation& seen);
+    void read(const std::string& name, cds_parser::document& document, observation& seen) const;
     void add_rows(cds_parser::document& document, observation& seen);
 
     observation_options options_;

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr const char* placeholder = "[redacted]";
+constexpr const char* replacement = "[redacted]";
 
 }  // namespace
 
@@ -20,7 +20,7 @@ void redact(inventory_table& table) {
         }
         for (std::vector<inventory_value>& row : table.rows) {
             if (is_put(row[*column])) {
-                row[*column] = placeholder;
+                row[*column] = replacement;
             }
         }
     }

@@ -46,11 +46,10 @@ failure xml_failure(const sysipc::exception& error, const input_file& input) {
     if (!input.read_error().empty()) {
         throw failure(input.read_error());
     }
-    const failure problem = xml_failure(error, input);
     if (dynamic_cast<const sysxml::memory_error*>(&error) != nullptr) {
-        throw lack_of_memory(problem.what());
+        throw lack_of_memory(xml_failure(error, input).what());
     }
-    throw problem;
+    throw xml_failure(error, input);
 }
 
 }  // namespace
