@@ -125,6 +125,10 @@ std::string repeated(int times, const std::string& before, const std::string& af
     return text;
 }
 
+std::string deep_elements(int depth) {
+    return depth == 0 ? "b" : "<a>" + deep_elements(depth - 1) + "</a>";
+}
+
 struct named_document {
     const char* name;
     std::string xml;
@@ -138,7 +142,10 @@ void PrintTo(const named_document& document, std::ostream* out) {
 const named_document documents[] = {
     {"OfManyParts",
      "<?xml version='1.0' encoding='ISO-8859-1'?><!DOCTYPE a [<!ENTITY e '<b>in it</b>'><!ATTLIST a c CDATA 'd'>]>"
-     "<a xmlns='relative' xmlns:n='urn:n'><n:b c='d'>text &amp; more</n:b>&e;<!-- f --><![CDATA[g]]></a>"},
+     "<a xmlns='relative' xmlns:n='urn:n'><n:b c='d' n:h='i'>text &amp; more</n:b>&e;<!-- f --><![CDATA[g]]></a>"},
+    {"OfLongTexts", "<a>" + std::string(5000, 'b') + "<c>" + std::string(50000, 'd') + "</c></a>"},
+    {"WithATextBeforeAComment", "<a>short<!-- b --></a>"},
+    {"OfDeepElements", deep_elements(30)},
     {"WithAnUndeclaredNamespace", "<prefix:element>text</prefix:element>"},
     {"WithManyElementsOfAnUndeclaredNamespace", "<a>" + repeated(40, "<prefix:b", "/>") + "</a>"},
     {"WithManyAttributesOfAnUndeclaredNamespace", "<a" + repeated(40, " prefix:b", "='c'") + "/>"},

@@ -226,6 +226,11 @@ TEST(XmlDocument, RefusesInputThatIsNoXml) {
     EXPECT_EQ(outcome("text"), "line 1, column 1: Start tag expected, '<' not found");
 }
 
+// libxml2 goes on behind the tag, in no element any more, to see whether the rest is in order.
+TEST(XmlDocument, RefusesABrokenTagBehindATextAndBeforeAnother) {
+    EXPECT_EQ(outcome("<a>text<b c<d>more</d></a>"), "line 1, column 12: Specification mandates value for attribute c");
+}
+
 TEST(XmlDocument, ReadsNamespacesThatWereNotDeclared) {
     EXPECT_EQ(outcome("<x:a/>"), "read");
 }

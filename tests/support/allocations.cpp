@@ -15,9 +15,30 @@ std::atomic<long> live{0};
 // The allocations of this thread until the one that fails; none fails at 0 and below.
 thread_local long until_failure = 0;
 
-void* allocate(std::size_t size) noexcept {
-    void* const memory = until_failure > 0 && --until_failure == 0 ? nullptr : std::malloc(size == 0 ? 1 : size);
+bool fails() noexcept {
+    return until_failure > 0 && --until_failure == 0;
+}
+
+void* counted(void* memory) noexcept {
     live += memory == nullptr ? 0 : 1;
+    return memory;
+}
+
+void* allocate(std::size_t size) noexcept {
+    return fails() ? nullptr : counted(std::malloc(size == 0 ? 1 : size));
+}
+
+// What std::pmr asks for, whatever the alignment is.
+void* allocate(std::size_t size, std::align_val_t alignment) noexcept {
+    const auto boundary = static_cast<std::size_t>(alignment);
+    const std::size_t whole = (size + boundary - 1) / boundary * boundary;
+    return fails() ? nullptr : counted(std::aligned_alloc(boundary, whole));
+}
+
+void* or_throw(void* memory) {
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
     return memory;
 }
 
@@ -29,11 +50,11 @@ void release(void* memory) noexcept {
 }  // namespace
 
 void* operator new(std::size_t size) {
-    void* const memory = allocate(size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
-    }
-    return memory;
+    return or_throw(allocate(size));
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return or_throw(allocate(size, alignment));
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
@@ -45,6 +66,14 @@ void operator delete(void* memory) noexcept {
 }
 
 void operator delete(void* memory, std::size_t) noexcept {
+    release(memory);
+}
+
+void operator delete(void* memory, std::align_val_t) noexcept {
+    release(memory);
+}
+
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
     release(memory);
 }
 
