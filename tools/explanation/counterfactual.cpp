@@ -100,22 +100,23 @@ std::vector<std::string> counterfactual::settings_to_blame(const component& real
     return blamed;
 }
 
-// The loader keeps the rows of what it was asked.
-void counterfactual::forget_too_many() {
+// The loader keeps the rows of what it was asked: when they are too many, it begins anew, without an answer.
+component_loader& counterfactual::loader() {
     if (!loader_ || bytes_ > most_bytes) {
         answers_.clear();
         bytes_ = 0;
         loader_.emplace();
     }
+    return *loader_;
 }
 
 counterfactual::answer counterfactual::ask(const component& real, const known_group& complete,
                                            const known_setting* as_it_is) {
-    forget_too_many();
+    component_loader& loader = this->loader();
     const auto [known, is_new] = answers_.try_emplace(question_about(real, complete, as_it_is));
     if (is_new) {
         bytes_ += known->first.size();
-        const auto loaded = loader_->load(*new_component(real, complete, as_it_is), component_loader::no_parent);
+        const auto loaded = loader.load(*new_component(real, complete, as_it_is), component_loader::no_parent);
         known->second = {loaded.row.has_value(), !loaded.log.empty()};
     }
     return known->second;

@@ -39,7 +39,7 @@ private:
     // `real` has, and the other groups of `real` are empty.
     answer ask(const cds_parser::component& real, const known_group& complete, const known_setting* as_it_is = nullptr);
 
-    void forget_too_many();
+    component_loader& loader();
 
     std::optional<component_loader> loader_;
     std::map<std::string, answer> answers_;  // most components of a file raise the same questions

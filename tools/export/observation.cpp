@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <istream>
-#include <iterator>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -91,10 +90,9 @@ void read_input(const std::string& name, cds_parser::document& document, source_
 
 std::vector<inventory_table> no_rows() {
     std::vector<inventory_table> tables;
-    std::transform(std::begin(kinds::all), std::end(kinds::all), std::back_inserter(tables),
-                   [](const inventory_kind* kind) {
-                       return inventory_table{kind, {}, {}};
-                   });
+    for (const inventory_kind* kind : kinds::all) {
+        tables.push_back({kind, {}, {}});
+    }
     return tables;
 }
 
