@@ -66,7 +66,7 @@ $$;
 CREATE OR REPLACE FUNCTION fleet.printable(value text) RETURNS text
 LANGUAGE sql IMMUTABLE PARALLEL SAFE AS $$
     SELECT regexp_replace(to_json(value)::text,
-                          '[\u007F-\u009F\u061C\u200E\u200F\u2028-\u202E\u2066-\u2069]', '?', 'g')
+                          E'[\u007F-\u009F\u061C\u200E\u200F\u2028-\u202E\u2066-\u2069]', '?', 'g')
 $$;
 
 -- As in `zebdb-cds tree`: 0000:3b:00.0.
@@ -96,7 +96,7 @@ BEGIN
     IF left(core, 2) = '0x' THEN
         core := substr(core, 3);
     END IF;
-    IF core ~ '^([0-9a-z]?)\1*$' OR core IN (
+    IF core ~ E'^([0-9a-z]?)\\1*$' OR core IN (
         '0123456789', '123456789', '1234567890', '12345678', 'defaultstring', 'dimmmissing', 'empty', 'fillbyoem',
         'invalid', 'modulemissing', 'na', 'no', 'noasset', 'nocpu', 'nodimm', 'nomodule', 'none', 'noserial',
         'noserialnumber', 'notapplicable', 'notavailable', 'notinstalled', 'notpresent', 'notprovided', 'notset',
@@ -605,8 +605,8 @@ $$;
 CREATE OR REPLACE FUNCTION fleet.observation_row(observation jsonb) RETURNS fleet.observation
 LANGUAGE plpgsql STABLE AS $$
 DECLARE
-    time_form CONSTANT text := '^\d{4}-\d\d-\d\d[Tt ]\d\d:\d\d:\d\d(\.\d+)?([Zz]|[+-]\d\d:\d\d)$';
-    whole_number CONSTANT text := '^\d{1,18}$';
+    time_form CONSTANT text := '^[0-9]{4}(-[0-9]{2}){2}[Tt ][0-9]{2}(:[0-9]{2}){2}([.][0-9]+)?([Zz]|[+-][0-9]{2}:[0-9]{2})$';
+    whole_number CONSTANT text := '^[0-9]{1,18}$';
     wrong text;
     result fleet.observation;
 BEGIN

@@ -367,10 +367,18 @@ class Installation(support.FleetTest):
 
     def test_it_works_whatever_the_search_path(self):
         url = support.new_fleet()
-        clusters.psql(url, "create schema other; create table other.memory (x int); create table other.server (x int);"
-                           "do $$ begin execute format('alter database %I set search_path = other', current_database()); end $$;")
+        clusters.psql(url, "create schema other; create table other.memory (x int); create table other.server (x int);")
+        support.set_for_all_sessions(url, search_path="other")
         seen = list(observations.observations(3, 3))
         clusters.ingest(url, support.lines_of(seen))
+        self.assert_histories(url, expected.Fleet(seen))
+
+    def test_it_works_however_sessions_read_strings_and_write_times(self):
+        url = support.new_fleet()
+        support.set_for_all_sessions(url, standard_conforming_strings="off", datestyle="German, DMY", intervalstyle="iso_8601")
+        seen = list(observations.observations(8, 4))
+        self.assertEqual(clusters.ingest(url, support.lines_of(seen)), expected.Fleet(seen).outcomes)
+        clusters.psql(url, "do $$ begin execute format('alter database %I reset all', current_database()); end $$;")
         self.assert_histories(url, expected.Fleet(seen))
 
     def test_thinning_keeps_the_current_state(self):

@@ -54,6 +54,13 @@ def new_fleet():
     return new_database(template="empty_fleet")
 
 
+def set_for_all_sessions(url, **settings):
+    """What a database may have been given for each session that begins."""
+    for name, value in settings.items():
+        clusters.psql(url, "select format('alter database %I set %I = %s', current_database(), :'name', :'value') \\gexec",
+                      {"name": name, "value": value})
+
+
 def empty(url):
     """A fleet without its servers, which is faster than a new one."""
     clusters.psql(url, "".join(f"delete from fleet.{table};" for table in TABLES))
