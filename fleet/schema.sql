@@ -768,10 +768,23 @@ BEGIN
 END
 $$;
 
+-- Who waits for others has to see what they did meanwhile, or it would be lost.
+CREATE OR REPLACE FUNCTION fleet.require_read_committed() RETURNS void
+LANGUAGE plpgsql AS $$
+BEGIN
+    IF current_setting('transaction_isolation') IN ('repeatable read', 'serializable') THEN
+        RAISE EXCEPTION 'a transaction of READ COMMITTED is needed, and this one is of %',
+            upper(current_setting('transaction_isolation'))
+            USING ERRCODE = 'invalid_transaction_state', HINT = 'SET default_transaction_isolation = ''read committed''';
+    END IF;
+END
+$$;
+
 -- Every writer comes through here before it touches a table, so that it waits while a partition moves.
 CREATE OR REPLACE FUNCTION fleet.enter(of_server text) RETURNS void
 LANGUAGE plpgsql AS $$
 BEGIN
+    PERFORM fleet.require_read_committed();
     PERFORM pg_advisory_xact_lock_shared(hashtextextended('fleet place', 0));
     PERFORM pg_advisory_xact_lock(hashtextextended('fleet server ' || of_server, 0));
 END
@@ -960,6 +973,7 @@ DECLARE
     source name;
     each record;
 BEGIN
+    PERFORM fleet.require_read_committed();
     PERFORM pg_advisory_xact_lock(hashtextextended('fleet place', 0));
     SELECT placement.machine INTO STRICT source FROM fleet.placement WHERE partition = of_partition;
     IF source IS NOT DISTINCT FROM machine THEN
@@ -995,6 +1009,7 @@ $$;
 CREATE OR REPLACE FUNCTION fleet.vacate(of_partition integer, machine name) RETURNS void
 LANGUAGE plpgsql AS $$
 BEGIN
+    PERFORM fleet.require_read_committed();
     PERFORM pg_advisory_xact_lock(hashtextextended('fleet place', 0));
     DELETE FROM fleet.leftover WHERE partition = of_partition AND leftover.machine = vacate.machine;
     IF machine = (SELECT placement.machine FROM fleet.placement WHERE partition = of_partition) THEN

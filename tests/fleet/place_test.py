@@ -244,6 +244,24 @@ class Moving(PlaceTest):
         self.assert_histories(self.url, expected.Fleet(self.seen + arrived))
         self.place(*range(4), "--on", "local")
 
+    def test_what_is_being_committed_goes_along_whatever_the_kind_of_transactions(self):
+        url = support.new_fleet()
+        support.set_for_all_sessions(url, default_transaction_isolation="'repeatable read'")
+        number = clusters.psql(url, "select n from generate_series(0, 15) n where satisfies_hash_partition("
+                                    "'fleet.server'::regclass, 16, n, 'server'::text);").strip()
+        script = clusters.copied(support.lines_of([{**self.seen[0], "server": "server"}])) + """
+            begin isolation level read committed; select fleet.ingest(line) from arriving;
+            select pg_sleep(2); commit;"""
+        writer = threading.Thread(target=clusters.psql, args=(url, script))
+        writer.start()
+        while not clusters.rows(url, "select from pg_stat_activity where query ~ 'pg_sleep' and datname = current_database() "
+                                     "and pid <> pg_backend_pid()"):
+            time.sleep(0.02)
+        done = support.zebdb_fleet(url, "place", number, "--on", self.others[0], cwd="/")
+        writer.join()
+        self.assertEqual(done.returncode, 0, done.stderr.decode())
+        self.assertEqual(clusters.rows(url, "select server from fleet.server"), [{"server": "server"}])
+
     def test_killed_and_run_again_it_ends_with_the_same_tables(self):
         before = support.contents(self.url)
         chance = random.Random(2)

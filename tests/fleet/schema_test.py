@@ -339,6 +339,13 @@ class Refusals(support.FleetTest):
         wrong["memory"][0]["MemSize"] = "much"
         self.assert_refused(wrong, "much|MemSize")
 
+    def test_a_transaction_that_does_not_see_what_others_did_meanwhile(self):
+        for isolation in ("repeatable read", "serializable"):
+            with self.subTest(isolation=isolation), self.assertRaisesRegex(clusters.Failed, "READ COMMITTED"):
+                clusters.psql(self.url, clusters.copied(support.lines_of([self.good])) + f"""
+                    begin isolation level {isolation}; select fleet.ingest(line) from arriving; commit;""")
+        self.assert_empty(self.url, "select server from fleet.server where server = :'x'", x=self.good["server"])
+
     def test_what_is_no_object(self):
         self.assert_refused([1], "object|observation")
 
