@@ -169,6 +169,15 @@ class Collect(ZebdbFleetTest):
         self.assert_histories(self.url, expected.Fleet(json.loads(line) for line in told.splitlines()))
         self.assertEqual({path.name: path.read_bytes() for path in self.folder.iterdir()}, files)
 
+    def test_a_table_of_that_name_elsewhere_is_not_taken_for_our_own(self):
+        url = support.new_fleet()
+        clusters.psql(url, "create table public.line (number serial, observation json)")
+        support.set_for_all_sessions(url, search_path="public, pg_temp")
+        server_file(self.folder, "server")
+        self.run_fleet("collect", self.folder, url=url)
+        self.assertEqual(clusters.rows(url, "select server from fleet.server"), [{"server": "server"}])
+        self.assert_empty(url, "select number from public.line")
+
     def test_a_database_that_is_away_makes_the_status_2(self):
         server_file(self.folder, "server")
         said = self.run_fleet("collect", self.folder, status=2, url="postgresql:///none?host=/nowhere").stderr.decode()
@@ -220,6 +229,11 @@ class Ask(ZebdbFleetTest):
     def test_as_csv(self):
         told = self.run_fleet("ask", "silent", "2026-01-02", "--format", "csv").stdout.decode()
         self.assertEqual([row["server"] for row in csv.DictReader(io.StringIO(told))], ["a server"])
+
+    def test_times_are_written_alike_whatever_the_session_has(self):
+        variables = {"PGDATESTYLE": "German", "PGTZ": "Asia/Tokyo"}
+        done = support.zebdb_fleet(self.url, "ask", "silent", "2026-01-02", "--format", "csv", cwd=self.folder, variables=variables)
+        self.assertEqual(done.stdout.decode().splitlines()[1:], ["a server,2026-01-01 06:00:00+00"])
 
     def test_as_a_table(self):
         told = self.run_fleet("ask", "silent", "2030-01-01").stdout.decode()
