@@ -877,11 +877,29 @@ BEGIN
 END
 $$;
 
+-- By which a machine is recognised, whatever it is called; this one where `machine` is null. Within reach of another one.
+CREATE OR REPLACE FUNCTION fleet.identity_on(machine name) RETURNS uuid
+LANGUAGE plpgsql AS $$
+DECLARE
+    found uuid;
+BEGIN
+    IF machine IS NULL THEN
+        RETURN (SELECT fleet FROM fleet.identity);
+    END IF;
+    EXECUTE format('CREATE FOREIGN TABLE fleet_moving.other_identity (fleet uuid) SERVER %I '
+                   'OPTIONS (schema_name ''fleet'', table_name ''identity'')', machine);
+    SELECT fleet INTO found FROM fleet_moving.other_identity;
+    DROP FOREIGN TABLE fleet_moving.other_identity;
+    RETURN found;
+END
+$$;
+
 -- Takes a partition of another machine for this fleet, empty. What another fleet has there is not touched.
 CREATE OR REPLACE FUNCTION fleet.occupy(of_partition integer, machine name) RETURNS void
 LANGUAGE plpgsql AS $$
 DECLARE
     here CONSTANT uuid := (SELECT fleet FROM fleet.identity);
+    source CONSTANT name := (SELECT placement.machine FROM fleet.placement WHERE partition = of_partition);
     tenant uuid;
     is_used boolean;
 BEGIN
@@ -889,6 +907,10 @@ BEGIN
     IF here = (SELECT fleet FROM fleet_moving.identity) THEN
         RAISE EXCEPTION 'the fleet on "%" is this one', machine
             USING HINT = 'Give the address of another database, or "local".';
+    END IF;
+    IF fleet.identity_on(source) = (SELECT fleet FROM fleet_moving.identity) THEN
+        RAISE EXCEPTION '"%" has the identity of "%", where partition % is', machine, source, of_partition
+            USING HINT = 'A database is known by one name. Give the address by which partitions were placed there first.';
     END IF;
     SELECT fleet INTO tenant FROM fleet_moving.tenant WHERE partition = of_partition;
     EXECUTE format('SELECT EXISTS (SELECT FROM fleet_moving.server_p%s)', lpad(of_partition::text, 2, '0')) INTO is_used;
@@ -1008,16 +1030,20 @@ $$;
 -- Empties what a partition left behind on a machine that it has moved from.
 CREATE OR REPLACE FUNCTION fleet.vacate(of_partition integer, machine name) RETURNS void
 LANGUAGE plpgsql AS $$
+DECLARE
+    home name;
 BEGIN
     PERFORM fleet.require_read_committed();
     PERFORM pg_advisory_xact_lock(hashtextextended('fleet place', 0));
     DELETE FROM fleet.leftover WHERE partition = of_partition AND leftover.machine = vacate.machine;
-    IF machine = (SELECT placement.machine FROM fleet.placement WHERE partition = of_partition) THEN
+    SELECT placement.machine INTO STRICT home FROM fleet.placement WHERE partition = of_partition;
+    IF machine = home THEN
         RAISE EXCEPTION 'partition % is on "%"', of_partition, machine;
     END IF;
     PERFORM fleet.reach(of_partition, machine);
     IF EXISTS (SELECT FROM fleet_moving.tenant WHERE partition = of_partition
-                 AND fleet = (SELECT fleet FROM fleet.identity)) THEN
+                 AND fleet = (SELECT fleet FROM fleet.identity))
+       AND fleet.identity_on(home) <> (SELECT fleet FROM fleet_moving.identity) THEN
         PERFORM fleet.empty_moving(of_partition);
         DELETE FROM fleet_moving.tenant WHERE partition = of_partition;
     END IF;

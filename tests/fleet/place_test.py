@@ -7,6 +7,7 @@ import random
 import signal
 import threading
 import time
+import urllib.parse
 
 import clusters
 import expected
@@ -175,6 +176,38 @@ class Places(PlaceTest):
         before = support.contents(self.url)
         self.assertIn("/nowhere", self.place(0, "--on", "postgresql:///x?host=/nowhere", status=2))
         self.assertEqual(support.contents(self.url), before)
+
+    def by_another_name(self, url):
+        folder = urllib.parse.quote(str(support.machine(1).folder), safe="")
+        self.assertIn(folder, url)
+        return url.replace(folder, f"{folder}%2F.")
+
+    def test_a_machine_by_another_name_is_recognised(self):
+        self.place(1, "--on", self.others[0])
+        before = support.contents(self.url)
+        said = support.zebdb_fleet(self.url, "place", 1, "--on", self.by_another_name(self.others[0]), cwd="/",
+                                   variables={"PGOPTIONS": "-c statement_timeout=30s"})
+        self.assertEqual(said.returncode, 2)
+        self.assertIn("has the identity of", said.stderr.decode())
+        self.assertEqual(support.contents(self.url), before)
+        self.place(1, "--on", "local")
+
+    def test_what_is_left_on_a_machine_by_another_name_is_not_taken_for_left_over(self):
+        self.place(1, "--on", self.others[0])
+        self.place(2, "--on", self.by_another_name(self.others[0]))
+        before = support.contents(self.url)
+        clusters.psql(self.url, "insert into fleet.leftover select 1, machine from fleet.placement where partition = 2;")
+        self.place(1, "--on", self.others[0])
+        self.assertEqual(support.contents(self.url), before)
+        self.place(1, 2, "--on", "local")
+        self.assert_empty(self.url, "select partition from fleet.leftover")
+
+    def test_a_machine_whose_name_is_too_long_is_refused(self):
+        name = "a" * 63  # the longest that a database can have
+        clusters.psql(support.machine(1).url(), f"create database {name}")
+        said = self.place(1, "--on", support.machine(1).url(name), status=2)
+        self.assertIn(f"/{name}", said)
+        self.assertEqual(set(self.partitions().values()), {None})
 
     def test_rows_of_another_fleet_are_not_touched(self):
         other = support.new_database()
