@@ -796,8 +796,9 @@ CREATE OR REPLACE FUNCTION fleet.ingest(observation jsonb) RETURNS text
 LANGUAGE plpgsql AS $$
 DECLARE
     document CONSTANT jsonb := observation || '{}';  -- one that comes from a table is packed; unpacked here, once
-    taken CONSTANT fleet.observation := fleet.observation_row(document);
+    taken fleet.observation;
 BEGIN
+    taken := fleet.observation_row(document);
     PERFORM fleet.enter(taken.server);
     PERFORM fleet.note_server(taken.server, taken.observed_at);
     IF taken.status = 'refused' THEN
@@ -805,9 +806,13 @@ BEGIN
         RETURN 'refused';
     END IF;
     RETURN fleet.ingest_loaded(taken, document);
-EXCEPTION WHEN data_exception OR integrity_constraint_violation OR program_limit_exceeded THEN
-    RAISE EXCEPTION 'the observation of % at % cannot be kept: %', taken.server, observation ->> 'observed_at', SQLERRM
-        USING ERRCODE = SQLSTATE;
+EXCEPTION
+    WHEN invalid_parameter_value THEN
+        RAISE;  -- it is no observation
+    WHEN data_exception OR integrity_constraint_violation OR program_limit_exceeded THEN
+        RAISE EXCEPTION 'the observation of % at % cannot be kept: %', fleet.printable(observation ->> 'server'),
+            observation ->> 'observed_at', SQLERRM
+            USING ERRCODE = SQLSTATE;
 END
 $$;
 

@@ -169,6 +169,20 @@ class Collect(ZebdbFleetTest):
         self.assert_histories(self.url, expected.Fleet(json.loads(line) for line in told.splitlines()))
         self.assertEqual({path.name: path.read_bytes() for path in self.folder.iterdir()}, files)
 
+    def test_one_that_cannot_be_kept_is_named_and_the_others_are_taken(self):
+        server_file(self.folder, "good")
+        server_file(self.folder, "\x1b[31mbad", text=SAMPLE.replace("03A00000", "".join(
+            random.Random(1).choices("0123456789ABCDEF", k=9000))))
+        said = self.run_fleet("collect", self.folder, status=2).stderr.decode()
+        self.assertIn(r'the observation of "\u001b[31mbad" at 2026-01-01T06:00:00Z cannot be kept', said)
+        self.assertNotIn("\x1b", said)
+        self.assertEqual(self.servers(), ["good"])
+
+    def test_a_time_that_the_database_does_not_know_is_named(self):
+        path = server_file(self.folder, "server")
+        said = self.run_fleet("collect", path, "--at", "0000-06-01T00:00:00Z", status=2).stderr.decode()
+        self.assertIn('the observation of "server" at 0000-06-01T00:00:00Z cannot be kept', said)
+
     def test_a_table_of_that_name_elsewhere_is_not_taken_for_our_own(self):
         url = support.new_fleet()
         clusters.psql(url, "create table public.line (number serial, observation json)")
