@@ -118,6 +118,19 @@ class Collect(ZebdbFleetTest):
         self.run_fleet("collect", self.folder, status=1)
         self.assertEqual(self.ask("lost", "2020-01-01"), [])
 
+    def test_a_folder_stands_for_the_files_that_export_takes_from_it(self):
+        server_file(self.folder, "file")
+        server_file(self.folder, ".hidden")
+        (self.folder / "dangling.xml").symlink_to("nowhere")
+        (self.folder / "loop.xml").symlink_to("loop.xml")
+        (self.folder / "link.xml").symlink_to("file.xml")
+        (self.folder / "folder.xml").mkdir()
+        os.mkfifo(self.folder / "pipe.xml")
+        self.run_fleet("collect", self.folder, status=1)
+        told = support.run_command("export", self.folder).stdout.decode()
+        self.assertEqual(self.servers(), [json.loads(line)["server"] for line in told.splitlines()])
+        self.assertEqual(self.servers(), ["dangling", "file", "link", "loop"])
+
     def test_a_file_that_is_not_there_is_named(self):
         said = self.run_fleet("collect", self.folder / "no such.xml", status=1).stderr.decode()
         self.assertIn("no such.xml", said)
