@@ -318,6 +318,47 @@ class Init(ZebdbFleetTest):
         self.assertEqual(self.ask("mixed-memory"), [])
 
 
+class Surroundings(ZebdbFleetTest):
+    """Of the process: what it is given and what becomes of what it tells."""
+
+    def run_by_shell(self, script):
+        """With the command as its first argument; what it says goes to a file, of which nobody waits for the end."""
+        said = self.folder / "said"
+        with open(said, "wb") as file:
+            process = support.start_zebdb_fleet(self.url, cwd=self.folder, shell=script, stderr=file)
+            process.communicate()
+        return process.returncode, said.read_text()
+
+    def test_all_is_said_when_it_ends(self):
+        status, said = self.run_by_shell('"$@" ask lost soon')
+        self.assertEqual(status, 2)
+        self.assertIn("soon", said)
+
+    def test_no_standard_input_is_needed(self):
+        server_file(self.folder, "server")
+        self.assertEqual(self.run_by_shell('"$@" collect . <&-'), (0, ""))
+        self.assertEqual(self.servers(), ["server"])
+
+    def test_a_summary_that_cannot_be_written_makes_the_status_2(self):
+        server_file(self.folder, "server")
+        status, said = self.run_by_shell('"$@" collect . >/dev/full')
+        self.assertEqual(status, 2)
+        self.assertIn("No space left", said)
+
+    def test_what_ends_it_is_seen_by_who_started_it(self):
+        for number in range(20):
+            server_file(self.folder, f"server{number}")
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(signal=number):
+                collect = self.start_fleet("collect", self.folder)
+                while collect.poll() is None and "psql" not in support.running_in_session(collect.pid).values():
+                    time.sleep(0.01)
+                collect.send_signal(number)
+                collect.communicate()
+                self.assertEqual(collect.returncode, -number)
+                self.assertEqual(support.left_over(collect), [])
+
+
 class Killed(ZebdbFleetTest):
     """A collection that is killed at any moment and run again ends with the same tables."""
 
@@ -351,7 +392,7 @@ class Killed(ZebdbFleetTest):
         if politely:
             collect.terminate()
         else:
-            support.kill_group(collect, signal.SIGKILL)
+            support.kill_session(collect)
         collect.communicate()
         self.assertEqual(support.left_over(collect), [])
         if not politely:

@@ -4,7 +4,6 @@
 
 import contextlib
 import random
-import signal
 import threading
 import time
 import urllib.parse
@@ -305,7 +304,7 @@ class Moving(PlaceTest):
             to = ("local", self.others[1], self.others[0])[number % 3]
             process = support.start_zebdb_fleet(self.url, "place", 0, 1, "--on", to, cwd="/")
             time.sleep(chance.uniform(0, takes))
-            support.kill_group(process, signal.SIGKILL)
+            support.kill_session(process)
             process.communicate()
             self.assertEqual(support.contents(self.url), before)
             self.place(0, 1, "--on", to)

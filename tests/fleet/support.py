@@ -71,12 +71,16 @@ def run_command(*arguments):
 
 
 def start_zebdb_fleet(url, *arguments, cwd, variables=None, **options):
-    """In a process group of its own, with the zebdb-cds of the build."""
+    """In a session of its own, with the zebdb-cds of the build; by a script of the shell where there is one."""
     environment = {**clusters.without_pg_variables(), **(variables or {}),
                    "PATH": f"{OPTIONS.command.parent}:{os.environ['PATH']}"}
-    command = [str(SOURCE / "fleet" / "zebdb-fleet"), *(["--url", url] if url else []), *map(str, arguments)]
-    return subprocess.Popen(command, cwd=cwd, env=environment, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                            start_new_session=True, stdin=options.get("stdin", subprocess.DEVNULL))
+    command = ["env", "--default-signal",  # which we may have been told to ignore
+               str(SOURCE / "fleet" / "zebdb-fleet"), *(["--url", url] if url else []), *map(str, arguments)]
+    if "shell" in options:
+        command = ["sh", "-c", options["shell"], "sh", *command]
+    return subprocess.Popen(command, cwd=cwd, env=environment, stdout=subprocess.PIPE,
+                            stderr=options.get("stderr", subprocess.PIPE), start_new_session=True,
+                            stdin=options.get("stdin", subprocess.DEVNULL))
 
 
 def zebdb_fleet(url, *arguments, cwd, variables=None, **options):
@@ -87,30 +91,32 @@ def zebdb_fleet(url, *arguments, cwd, variables=None, **options):
     return subprocess.CompletedProcess(process.args, process.returncode, out, err)
 
 
-def kill_group(process, number):
-    with contextlib.suppress(ProcessLookupError):
-        os.killpg(process.pid, number)
+def kill_session(process):
+    for number in running_in_session(process.pid):
+        with contextlib.suppress(ProcessLookupError):
+            os.kill(number, signal.SIGKILL)
 
 
 def left_over(process):
-    """What still runs of a process group, after some time in which what was told to end may do so."""
+    """What still runs of its session, after some time in which what was told to end may do so."""
     deadline = time.monotonic() + 10
-    while running := commands_of_group(process.pid):
+    while running := running_in_session(process.pid):
         if time.monotonic() > deadline:
-            kill_group(process, signal.SIGKILL)
+            kill_session(process)
             break
         time.sleep(0.05)
-    return running
+    return list(running.values())
 
 
-def commands_of_group(group):
-    running = []
+def running_in_session(session):
+    """The commands by their numbers."""
+    running = {}
     for stat in pathlib.Path("/proc").glob("[0-9]*/stat"):
         with contextlib.suppress(OSError):
-            name, _, numbers = stat.read_text().partition(") ")
-            state, _, of_group, *_ = numbers.split()
-            if int(of_group) == group and state != "Z":
-                running.append(name)
+            name, _, numbers = stat.read_text().partition("(")[2].rpartition(") ")
+            state, _, _, of_session, *_ = numbers.split()
+            if int(of_session) == session and state != "Z":
+                running[int(stat.parent.name)] = name
     return running
 
 
