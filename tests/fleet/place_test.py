@@ -201,6 +201,15 @@ class Places(PlaceTest):
         self.place(1, 2, "--on", "local")
         self.assert_empty(self.url, "select partition from fleet.leftover")
 
+    def test_a_machine_is_connected_to_as_its_address_says(self):
+        url = f"{support.new_database(1)}&sslmode=disable&application_name=it%27s%20%22us%22&connect_timeout=7"
+        self.place(1, "--on", url)
+        options = clusters.rows(self.url, "select unnest(srvoptions) as option from pg_foreign_server join fleet.placement "
+                                          "on srvname = machine")
+        self.assertLessEqual({"sslmode=disable", "application_name=it's \"us\"", "connect_timeout=7"},
+                             {row["option"] for row in options})
+        self.place(1, "--on", "local")
+
     def test_a_machine_whose_name_is_too_long_is_refused(self):
         name = "a" * 63  # the longest that a database can have
         clusters.psql(support.machine(1).url(), f"create database {name}")
