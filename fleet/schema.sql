@@ -1061,16 +1061,16 @@ $$;
 ------------------------------------------------------------------------------------------------------------------------
 
 -- Where a part number is now.
-CREATE OR REPLACE FUNCTION fleet.part(wanted text)
+CREATE OR REPLACE FUNCTION fleet.part(part_no text)
 RETURNS TABLE (server text, kind text, place text, ordinal integer, manufacturer text, serial_no text, since timestamptz)
 LANGUAGE sql STABLE AS $$
     SELECT server, 'processor', place, ordinal, manufacturer, serial_no, lower(valid)
     FROM fleet.processor
-    WHERE part_no = fleet.trimmed(wanted) AND ended IS NULL
+    WHERE part_no = fleet.trimmed(part.part_no) AND ended IS NULL
     UNION ALL
     SELECT server, 'memory', place, ordinal, manufacturer, serial_no, lower(valid)
     FROM fleet.memory
-    WHERE part_no = fleet.trimmed(wanted) AND ended IS NULL
+    WHERE part_no = fleet.trimmed(part.part_no) AND ended IS NULL
     ORDER BY 1, 2, 3, 4
 $$;
 
