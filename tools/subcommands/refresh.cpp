@@ -8,7 +8,7 @@
 #include <sstream>
 #include <string>
 
-#include <zeb_db.h>
+#include <inventory_service.h>
 #include <zebdb_cds_parser.h>
 
 #include "change_detection/missing_places.h"
@@ -60,26 +60,15 @@ std::string report(const refresh_options& options, const inventory_marks& before
     return text;
 }
 
-// Throws failure with the cause alone.
+// With the rows goes a note of what they are from. Throws failure with the cause alone.
 void run_refresh(const input_file& input, const refresh_options& options, left_out_watch& watch) {
     progress line(input.status());
     const library_log log(line, display_for(options.loading));
-    const auto accepts = [&watch](const cds_parser::document& loaded) { return watch.accepts(loaded); };
+    const auto accepts = [&](const cds_parser::document& loaded) {
+        return watch.accepts(loaded) && write_source(get_dmdb_handle(), source_of(options.loading.file, input));
+    };
     if (refresh_inventory(input.path().c_str(), options.aim_argument, accepts) != 0) {
         throw failure(watch.refusal().empty() ? cause_of_refusal(input, log) : watch.refusal());
-    }
-}
-
-// Behind the library's transaction: a refresh is done when that is committed.
-void note_source(const refresh_options& options, const input_file& input) {
-    const library_log log(log_display::hidden);
-    _zeb_db_handle_t* handle = open_service(options.database);
-    const bool noted = zeb_db_begin_transaction(handle) == 0 &&
-                       write_source(handle, source_of(options.loading.file, input)) &&
-                       zeb_db_commit_transaction(handle) == 0;
-    if (!noted) {
-        zeb_db_rollback_transaction(handle);
-        complain("cannot note in " + in_quotes(options.database) + " what it was refreshed from: " + log.problem());
     }
 }
 
@@ -104,7 +93,6 @@ inventory_marks refresh_database(const refresh_options& options, left_out_watch&
     refuse_foreign_database(options.database);
     inventory_marks before = read_marks(open_service(options.database));
     run_refresh(input, options, watch);
-    note_source(options, input);
     return before;
 }
 

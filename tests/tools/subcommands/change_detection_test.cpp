@@ -174,6 +174,17 @@ TEST_F(ChangeDetection, RefreshOfARefusedFileMakesNoDatabase) {
     EXPECT_FALSE(std::filesystem::exists(folder() / "inventory.db"));
 }
 
+TEST_F(ChangeDetection, RefreshThatCannotNoteWhatTheRowsAreFromLeavesTheDatabaseAsItWas) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    execute("inventory.db",
+            "CREATE TRIGGER refuse BEFORE INSERT ON Source BEGIN SELECT RAISE(ABORT, 'no room for notes'); END");
+    const std::string before = run("sqlite3 inventory.db .dump").out;
+    write("server.xml", cds_file(function(4)));
+    expect_refused("refresh server.xml",
+                   "cannot refresh 'inventory.db' from 'server.xml': insert into Source: no room for notes");
+    EXPECT_EQ(run("sqlite3 inventory.db .dump").out, before);
+}
+
 TEST_F(ChangeDetection, RefreshReadsStandardInput) {
     const command_result result = run("zebdb-cds refresh - --root r < server.xml");
     EXPECT_EQ(result.status, 0);
