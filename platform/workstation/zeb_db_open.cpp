@@ -19,6 +19,9 @@ namespace {
 
 constexpr int busy_timeout_ms = 5000;
 
+// A page is written whole, and most changes are of a row or two. It holds for a database that is made here.
+constexpr const char* small_pages = "PRAGMA page_size=1024";
+
 bool holds_inventory(sqlite3* connection) {
     return sqlite3_table_column_metadata(connection, "main", "Processor", nullptr, nullptr, nullptr, nullptr, nullptr,
                                          nullptr) == SQLITE_OK;
@@ -38,6 +41,7 @@ std::optional<refusal> open_connection(const char* path, _zeb_db_handle_t& handl
     // Whoever made the database: what stands in its schema runs no functions but harmless ones.
     sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     sqlite3_db_config(connection, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_exec(connection, small_pages, nullptr, nullptr, nullptr);
     const auto problem = migrate(connection, inventory_schema);
     // An inventory that cannot be written can be read all the same; who tries to write is told so then.
     return problem && problem->code == SQLITE_READONLY && holds_inventory(connection) ? std::nullopt : problem;

@@ -19,6 +19,16 @@ TEST_F(OpenDatabase, KeepsTheRowsThatAreThere) {
     EXPECT_THAT(sockets(), ElementsAre("CPU 1"));
 }
 
+TEST_F(OpenDatabase, MakesSmallPages) {
+    EXPECT_THAT(rows("PRAGMA page_size"), ElementsAre("1024"));
+}
+
+TEST_F(OpenDatabase, KeepsThePagesThatAreThere) {
+    rows("PRAGMA page_size=8192; VACUUM");
+    ASSERT_EQ(insert(open().get(), "CPU 1", 8), 0);
+    EXPECT_THAT(rows("PRAGMA page_size"), ElementsAre("8192"));
+}
+
 TEST_F(OpenDatabase, LogsNothingWhenAllIsWell) {
     EXPECT_THAT(log.lines, IsEmpty());
 }
