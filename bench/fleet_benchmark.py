@@ -71,9 +71,11 @@ def status(process):
 
 
 def has_sessions(machine):
+    """Or one that has ended, of which the server's process has not taken note."""
     for path in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
         with contextlib.suppress(OSError):
-            if f" {clusters.USER} ".encode() in path.read_bytes() and status(path.parent.name)[1] == str(machine.server.pid):
+            state, parent = status(path.parent.name)[:2]
+            if parent == str(machine.server.pid) and (state == "Z" or f" {clusters.USER} ".encode() in path.read_bytes()):
                 return True
     return False
 
