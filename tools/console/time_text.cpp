@@ -18,6 +18,8 @@ using std::chrono::duration_cast;
 using std::chrono::microseconds;
 using std::chrono::seconds;
 
+static_assert(sizeof(std::time_t) == 8, "a time of 32 bits ends in 2038");
+
 // Of the years 0 to 9999.
 constexpr std::time_t first_second = -62'167'219'200;
 constexpr std::time_t last_second = 253'402'300'799;
