@@ -11,13 +11,15 @@
 #include <unistd.h>
 
 #include <clocale>
+#include <filesystem>
 #include <fstream>
 #include <iomanip>
 #include <string>
 
 #include "support/scratch_folder.h"
 
-/// As long as it lives, the process has set a locale in which numbers have a decimal comma.
+/// As long as it lives, the process has set a locale in which numbers have a decimal comma: xx_XX, which the programs that
+/// it starts find, too.
 class comma_locale {
 public:
     comma_locale() {
@@ -25,7 +27,7 @@ public:
         std::ofstream(folder_.file("numbers")) << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\n"
                                                   "grouping 3;3\nEND LC_NUMERIC\n";
         make_locale();
-        setenv("LOCPATH", folder_.file("").c_str(), 1);
+        setenv("LOCPATH", std::filesystem::absolute(folder_.file("")).c_str(), 1);
         EXPECT_NE(std::setlocale(LC_NUMERIC, "xx_XX"), nullptr);
         EXPECT_STREQ(std::localeconv()->decimal_point, ",");
     }

@@ -5,9 +5,11 @@
 #include <unistd.h>
 
 #include "support/cds_text.h"
+#include "support/comma_locale.h"
 #include "support/quoted.h"
 #include "tools/subcommands/command_test.h"
 
+using cds_parser::setting_node;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -72,6 +74,13 @@ TEST_F(Load, LoadsTheSampleServer) {
                                      "6 belong to a card that is recorded once; "
                                      "zebdb-cds explain " +
                                      std::string(SAMPLES_DIR) + "/two-socket-server.xml tells which\n"));
+}
+
+TEST_F(Load, ReadsDecimalsAlikeWhateverLocaleItsEnvironmentNames) {
+    const comma_locale numbers;
+    write("speed.xml", cds_file(cds_component("memory_info", {{"Maximum Speed", "1,5e3", setting_node::decimal_value}})));
+    EXPECT_EQ(run("LC_ALL=xx_XX zebdb-cds load speed.xml").status, 0);
+    EXPECT_EQ(query("inventory.db", "SELECT MaxSpeed FROM Memory"), "1");
 }
 
 TEST_F(Load, NotesWhatItLoaded) {
