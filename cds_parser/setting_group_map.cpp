@@ -16,9 +16,8 @@ void add_group(setting_group_map& groups, setting_group* group) {
 }
 
 setting_group* find_group(const setting_group_map& groups, const char* name) {
-    const std::string key = name;
-    const auto first = groups.lower_bound(key);
-    return first == groups.end() || first->first != key ? nullptr : first->second;
+    const auto [first, last] = groups.equal_range(name);
+    return first == last ? nullptr : first->second;
 }
 
 void append_groups(const setting_group_map& groups, const char* name, std::vector<setting_group*>& out) {

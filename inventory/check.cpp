@@ -40,7 +40,7 @@ bool compare_function_keys(_zeb_db_handle_t* handle, const function_key_set& set
 
 int check_pci(const char* first_file, const char* second_file, int* changed) {
     for (const char* file : {first_file, second_file}) {
-        if (check_file_digest(file, changed) != 0) {
+        if (!check_file_digest(file, changed)) {
             return -1;
         }
         if (*changed == 1) {
@@ -65,5 +65,5 @@ int check_pci(const char* first_file, const char* second_file, int* changed) {
 }
 
 int save_pci_digest(const char* first_file, const char* second_file) {
-    return save_file_digest(first_file) == 0 && save_file_digest(second_file) == 0 ? 0 : -1;
+    return save_file_digest(first_file) && save_file_digest(second_file) ? 0 : -1;
 }

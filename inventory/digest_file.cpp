@@ -61,33 +61,33 @@ bool read_saved_digest(const char* path, std::string& digest) {
 
 }  // namespace
 
-int check_file_digest(const char* path, int* changed) {
+bool check_file_digest(const char* path, int* changed) {
     if (!exists(path)) {
         vonk_log::logErr("%s: %s does not exist", "check_file_digest", path == nullptr ? "(null)" : path);
-        return -1;
+        return false;
     }
     std::string current;
     std::string saved;
     if (!read_current_digest(path, current) || !read_saved_digest(path, saved)) {
-        return -1;
+        return false;
     }
     *changed = current == saved ? 0 : 1;
     if (*changed != 0) {
         vonk_log::logInfo("%s: %s digest [%s] does not match saved value [%s]", "check_file_digest", path,
                           current.c_str(), saved.c_str());
     }
-    return 0;
+    return true;
 }
 
-int save_file_digest(const char* path) {
+bool save_file_digest(const char* path) {
     if (!exists(path)) {
-        return -1;
+        return false;
     }
     char command[buffer_size];
     std::snprintf(command, sizeof command, "sha384sum %s | awk '{ print $1 }' > %s.digest", path, path);
     if (std::system(command) != 0) {
         vonk_log::logErr("%s: generating %s.digest failed!", "save_pci_digest", path);
-        return -1;
+        return false;
     }
-    return 0;
+    return true;
 }

@@ -23,7 +23,7 @@ namespace {
 bool differs_from_digest(const std::string& path) {
     const library_log log(log_display::hidden);  // the test said it before
     int changed = 0;
-    return check_file_digest(path.c_str(), &changed) == 0 && changed != 0;
+    return check_file_digest(path.c_str(), &changed) && changed != 0;
 }
 
 bool has_digest(const std::string& path) {
