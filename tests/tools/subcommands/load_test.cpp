@@ -78,7 +78,8 @@ TEST_F(Load, LoadsTheSampleServer) {
 
 TEST_F(Load, ReadsDecimalsAlikeWhateverLocaleItsEnvironmentNames) {
     const comma_locale numbers;
-    write("speed.xml", cds_file(cds_component("memory_info", {{"Maximum Speed", "1,5e3", setting_node::decimal_value}})));
+    write("speed.xml",
+          cds_file(cds_component("memory_info", {{"Maximum Speed", "1,5e3", setting_node::decimal_value}})));
     EXPECT_EQ(run("LC_ALL=xx_XX zebdb-cds load speed.xml").status, 0);
     EXPECT_EQ(query("inventory.db", "SELECT MaxSpeed FROM Memory"), "1");
 }
