@@ -5,8 +5,8 @@
 #ifndef INVENTORY_DIGEST_FILE_H
 #define INVENTORY_DIGEST_FILE_H
 
-/// Compares the file's digest with the saved one: stores 1 through `changed` when they differ and 0 when not. False, with
-/// a logged error and `changed` untouched, when they could not be compared.
+/// Compares the file's digest with the saved one: stores 1 through `changed` when they differ and 0 when not. False,
+/// with a logged error and `changed` untouched, when they could not be compared.
 bool check_file_digest(const char* path, int* changed);
 
 /// Saves the file's digest. False when the path is null or names no file (silently) or the digest could not be written

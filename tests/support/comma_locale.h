@@ -18,8 +18,8 @@
 
 #include "support/scratch_folder.h"
 
-/// As long as it lives, the process has set a locale in which numbers have a decimal comma: xx_XX, which the programs that
-/// it starts find, too.
+/// As long as it lives, the process has set a locale in which numbers have a decimal comma: xx_XX, which the programs
+/// that it starts find, too.
 class comma_locale {
 public:
     comma_locale() {
