@@ -148,6 +148,11 @@ TEST_F(LackOfMemory, IsToldByTheInMemoryTables) {
     EXPECT_THAT(run_sql(connection, "SELECT FunKey FROM memory.PCIs"), ElementsAre("7"));
 }
 
+TEST_F(LackOfMemory, IsLogged) {
+    call_failing(1, [this] { return erase("Processor"); });
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: out of memory"));
+}
+
 TEST_F(LackOfMemory, IsKeptWhenTheLogHasNoneEither) {
     vonk_log::set_sink([](void*, vonk_log::level, const char*) { throw std::bad_alloc(); }, nullptr);
     const failing_allocation memory(1);

@@ -148,6 +148,12 @@ TEST_F(DatabaseFailure, OfALostTransactionIsOneToo) {
                 is_failure(SQLITE_ABORT, "insert into Processor: the transaction was rolled back by an earlier error"));
 }
 
+TEST_F(DatabaseFailure, IsCutAt1023Characters) {
+    const std::string table(1023, 'F');
+    insert_into(table.c_str());
+    EXPECT_THAT(zeb_db_first_failure(), is_failure(SQLITE_ERROR, ("insert into " + table).substr(0, 1023)));
+}
+
 TEST_F(DatabaseFailure, IsForgotten) {
     insert_into("Fan");
     zeb_db_forget_failure();

@@ -79,6 +79,21 @@ TEST_F(OpenDatabase, TellsThatTheFolderIsMissing) {
                                        "': unable to open database file (No such file or directory)"));
 }
 
+TEST_F(OpenDatabase, TellsAPathWithPercentSignsAsItIs) {
+    const std::string missing = folder.file("50%s/inventory.db");
+    _zeb_db_handle_t* opened = nullptr;
+    EXPECT_EQ(zeb_db_open(missing.c_str(), &opened), SQLITE_CANTOPEN);
+    EXPECT_THAT(log.lines, ElementsAre(testing::HasSubstr(missing)));
+}
+
+TEST_F(OpenDatabase, LetsNoTriggerWriteWhereAVirtualTableKeepsItsOwn) {
+    sqlite_database(path).run(
+        "CREATE VIRTUAL TABLE Notes USING fts5(Text);"
+        "CREATE TRIGGER hostile BEFORE INSERT ON Processor BEGIN INSERT INTO Notes_data VALUES (9, 'x'); END");
+    EXPECT_NE(insert("CPU 1", 8), 0);
+    EXPECT_THAT(log.lines, ElementsAre(testing::HasSubstr("table Notes_data may not be modified")));
+}
+
 TEST_F(OpenDatabase, RunsNothingUnsafeThatASchemaNames) {
     sqlite_database(path).run(
         "CREATE TRIGGER hostile BEFORE INSERT ON Processor BEGIN SELECT name FROM pragma_table_list; END");
