@@ -62,6 +62,14 @@ TEST_F(LackOfMemory, IsToldByAnInsert) {
     EXPECT_THAT(sockets(), ElementsAre("CPU 1"));
 }
 
+TEST_F(LackOfMemory, IsRememberedByTheBufferWhateverIsPutBehind) {
+    const content_ptr content = new_content();
+    call_failing(1, [&] { return zeb_db_content_put_text(content.get(), "Socket", "CPU 1"); });
+    EXPECT_EQ(zeb_db_content_put_uint(content.get(), "CoreCount", 8), SQLITE_OK);
+    EXPECT_EQ(zeb_db_insert(handle.get(), "Processor", content.get(), 0, nullptr), SQLITE_NOMEM);
+    EXPECT_THAT(sockets(), IsEmpty());
+}
+
 TEST_F(LackOfMemory, IsToldByAnInsertOfNoColumns) {
     const content_ptr content = new_content();
     expect_lack_of_memory_told(SQLITE_OK,
