@@ -16,19 +16,15 @@ namespace {
 
 char made_here;  // its address marks a record
 
-// Links nobody follows any more are left as they are.
+// Only the links to children are followed when a node is freed.
 void free_others(xmlNode* first) {
     for (xmlNode* node = first; node != nullptr;) {
         xmlNode* next = node->next;
         if (node->type == XML_ELEMENT_NODE) {
             free_others(node->children);
             node->children = nullptr;
-            node->last = nullptr;
         }
         if (node->_private != &made_here) {
-            node->next = nullptr;
-            node->prev = nullptr;
-            node->parent = nullptr;
             xmlFreeNode(node);
         }
         node = next;
