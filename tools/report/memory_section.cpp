@@ -30,7 +30,7 @@ using nlohmann::json;
 namespace {
 
 // Sockets beyond these are folded.
-constexpr std::size_t most_open = 16;
+constexpr std::size_t most_open_sockets = 16;
 
 std::string text_of(const inventory_row& row, const char* column) {
     return stripped(decoded_text(row.kind(), column, row[column]));
@@ -149,7 +149,7 @@ std::string memory_section(const reported_inventory& reported) {
         sockets.push_back({{"server", group.server},
                            {"title", title_of(group)},
                            {"content", content_of(group)},
-                           {"open", groups.size() <= most_open},
+                           {"open", groups.size() <= most_open_sockets},
                            {"slots", std::move(slots)}});
     }
     return filled("memory.html", {{"sockets", sockets}});

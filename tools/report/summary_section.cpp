@@ -67,14 +67,14 @@ std::uint64_t sum(const inventory_table& table, const char* column) {
     return total;
 }
 
-std::string text_of(const inventory_row& row, const char* column) {
+std::string decoded(const inventory_row& row, const char* column) {
     return decoded_text(row.kind(), column, row[column]);
 }
 
 json processors_tile(const inventory_table& table) {
     tally models;
     for (std::size_t place = 0; place < table.rows.size(); ++place) {
-        models.add(stripped(text_of(inventory_row(table, place), "Version")));
+        models.add(stripped(decoded(inventory_row(table, place), "Version")));
     }
     std::vector<std::string> lines = models.lines(times);
     lines.push_back(std::to_string(sum(table, "CoreEnabled")) + " cores, " + std::to_string(sum(table, "ThreadCount")) +
@@ -88,7 +88,7 @@ json memory_tile(const inventory_table& table) {
     for (std::size_t place = 0; place < table.rows.size(); ++place) {
         const inventory_row row(table, place);
         if (number_in(row["MemSize"]).value_or(0) != 0) {
-            modules.add(text_of(row, "MemSize") + ' ' + text_of(row, "MemType"));
+            modules.add(decoded(row, "MemSize") + ' ' + decoded(row, "MemType"));
             ++filled_slots;
         }
     }

@@ -24,7 +24,7 @@ using nlohmann::json;
 namespace {
 
 // Groups beyond these are folded.
-constexpr std::size_t most_open = 8;
+constexpr std::size_t most_open_groups = 8;
 
 // Readers of HTML nest a few hundred elements; servers have less than ten bridges behind one another.
 constexpr std::size_t deepest_nested = 100;
@@ -85,7 +85,7 @@ std::string topology_section(const reported_inventory& reported) {
     for (const tree_group& group : groups) {
         all += filled("topology_group.html", {{"title", group.server + ", " + group.segment},
                                               {"count", counted(group.nodes.size(), "part", "parts")},
-                                              {"open", groups.size() <= most_open},
+                                              {"open", groups.size() <= most_open_groups},
                                               {"picture", topology_picture(reported, parts, group)},
                                               {"nodes", nested(reported, parts, group)}});
     }

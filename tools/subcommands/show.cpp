@@ -173,7 +173,7 @@ int show(const command_line& arguments, show_options options) {
         keep_chosen_columns(tables, options);
     }
     if (options.redact) {
-        std::for_each(tables.begin(), tables.end(), redact);
+        std::for_each(tables.begin(), tables.end(), [](inventory_table& table) { redact(table); });
     }
     if (write == csv_of && ::isatty(STDOUT_FILENO) == 1) {
         std::for_each(tables.begin(), tables.end(), make_printable);
