@@ -1,7 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
 
-# With CMAKE_UNITY_BUILD, which the scripts set, the sources of a target in one folder are compiled as one, eight at a
+# With CMAKE_UNITY_BUILD, which the scripts set, the sources of a target in one folder are compiled as one, a few at a
 # time: most of the time goes into what they all include. A name in an unnamed namespace is then theirs together.
+set(ZEBDB_COMPILED_TOGETHER 8 CACHE STRING "How many sources of a folder CMAKE_UNITY_BUILD compiles as one")
+
 function(compile_folders_together target)
   get_target_property(sources ${target} SOURCES)
   unity_groups(groups ${sources})
@@ -24,7 +26,7 @@ function(unity_groups out)
     if(NOT DEFINED count_${folder})
       set(count_${folder} 0)
     endif()
-    math(EXPR part "${count_${folder}} / 8")
+    math(EXPR part "${count_${folder}} / ${ZEBDB_COMPILED_TOGETHER}")
     math(EXPR count_${folder} "${count_${folder}} + 1")
     list(APPEND groups ${folder}_${part})
   endforeach()
