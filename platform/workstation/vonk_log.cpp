@@ -37,9 +37,8 @@ __attribute__((format(printf, 1, 0))) std::string formatted(const char* format, 
     if (length < 0) {
         return format;
     }
-    std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, arguments);
-    text.pop_back();
+    std::string text(static_cast<std::size_t>(length), '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, arguments);
     return text;
 }
 

@@ -2,8 +2,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <syslog.h>
 
+#include <cstdarg>
 #include <cstdlib>
+#include <cstring>
+#include <utility>
+#include <vector>
 
 #include "support/allocations.h"
 #include "support/captured_log.h"
@@ -11,6 +16,21 @@
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Pair;
+
+namespace {
+
+std::vector<std::pair<int, std::string>> lines_of_syslog;
+
+}  // namespace
+
+// In the place of the C library's, so that nothing reaches the machine's own log.
+void syslog(int priority, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    lines_of_syslog.emplace_back(priority, std::strcmp(format, "%s") == 0 ? va_arg(arguments, const char*) : format);
+    va_end(arguments);
+}
 
 namespace {
 
@@ -41,8 +61,8 @@ TEST_F(VonkLog, WritesErrorsWithTheirLevel) {
 }
 
 TEST_F(VonkLog, WritesControlCharactersAsEscapes) {
-    vonk_log::logErr("%s", "a\x1b[2J\r\x7F\u009bz\t\u00e9");
-    EXPECT_EQ(standard_error.text(), "ERROR: a\\x1b[2J\\x0d\\x7f\\x9bz\t\u00e9\n");
+    vonk_log::logErr("%s", "a\x1b[2J\r\x1f\x7F\u009bz\t\u00e9");
+    EXPECT_EQ(standard_error.text(), "ERROR: a\\x1b[2J\\x0d\\x1f\\x7f\\x9bz\t\u00e9\n");
 }
 
 TEST_F(VonkLog, WritesWhatIsNearlyAControlCharacterAsItIs) {
@@ -119,6 +139,17 @@ TEST_F(VonkLog, WritesNothingToStandardErrorWhenSyslogIsAskedFor) {
     const log_target syslog("syslog");
     vonk_log::logErr("no memory");
     EXPECT_EQ(standard_error.text(), "");
+}
+
+TEST_F(VonkLog, GivesSyslogEachLineWithItsPriority) {
+    const log_target syslog("syslog");
+    lines_of_syslog.clear();
+    vonk_log::logErr("no %s", "memory");
+    vonk_log::logWarn("little memory");
+    vonk_log::logInfo("100%% of memory");
+    EXPECT_THAT(lines_of_syslog,
+                ElementsAre(Pair(LOG_USER | LOG_ERR, "no memory"), Pair(LOG_USER | LOG_WARNING, "little memory"),
+                            Pair(LOG_USER | LOG_INFO, "100% of memory")));
 }
 
 TEST_F(VonkLog, WritesToStandardErrorForAnyOtherTarget) {
