@@ -61,7 +61,7 @@ bool is_control(unsigned char byte) {
 // The control characters of the upper half, as UTF-8 has them.
 bool is_upper_control(const std::string& text, std::size_t place) {
     const auto byte_at = [&text](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    return byte_at(place) == 0xC2 && place + 1 < text.size() && byte_at(place + 1) >= 0x80 && byte_at(place + 1) < 0xA0;
+    return byte_at(place) == 0xC2 && byte_at(place + 1) >= 0x80 && byte_at(place + 1) < 0xA0;
 }
 
 // Texts come from files that anybody may have written: none of them steers a terminal that shows UTF-8.

@@ -46,7 +46,7 @@ NO_CALL = {"if", "while", "for", "switch", "catch", "sizeof", "decltype", "align
 NO_TYPE = {"return", "delete", "throw", "new", "case", "else"}
 NO_STATEMENT = {"return", "using", "static_assert", "typedef"}
 BEFORE_A_BLOCK = {")", "]", "else", "do", "try", "const", "noexcept", "override"}
-NOTHING = {"0", "false", "nullptr", "{}", '""'}
+NOTHING = {"0", "false", "nullptr", "std::nullopt", "{}", '""'}
 SQL_TYPES = {"INTEGER": "TEXT", "TEXT": "INTEGER"}
 
 

@@ -61,8 +61,13 @@ TEST_F(VonkLog, WritesErrorsWithTheirLevel) {
 }
 
 TEST_F(VonkLog, WritesControlCharactersAsEscapes) {
-    vonk_log::logErr("%s", "a\x1b[2J\r\x1f\x7F\u009bz\t\u00e9");
-    EXPECT_EQ(standard_error.text(), "ERROR: a\\x1b[2J\\x0d\\x1f\\x7f\\x9bz\t\u00e9\n");
+    vonk_log::logErr("%s", "a\x1b[2J\r\x7F\u009bz\t\u00e9");
+    EXPECT_EQ(standard_error.text(), "ERROR: a\\x1b[2J\\x0d\\x7f\\x9bz\t\u00e9\n");
+}
+
+TEST_F(VonkLog, WritesTheFirstAndTheLastOfTheControlCharactersAsEscapes) {
+    vonk_log::logErr("%s", "\x01\x1f \x7f \u0080\u009f \xC2\x7F");
+    EXPECT_EQ(standard_error.text(), "ERROR: \\x01\\x1f \\x7f \\x80\\x9f \xC2\\x7f\n");
 }
 
 TEST_F(VonkLog, WritesWhatIsNearlyAControlCharacterAsItIs) {
