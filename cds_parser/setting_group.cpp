@@ -3,6 +3,8 @@
 #include "zebdb_cds_parser/setting_group.h"
 
 #include <cstdint>
+#include <tuple>
+#include <utility>
 
 #include "zebdb_cds_parser/element.h"
 #include "zebdb_cds_parser/setting_node.h"
@@ -25,7 +27,9 @@ void setting_group::add_setting(setting_node* setting) {
     if (setting == nullptr) {
         return;
     }
-    const auto [entry, inserted] = settings.try_emplace(setting->name, setting);
+    // In this form the entry is made first and its place looked for once, not twice.
+    const auto [entry, inserted] =
+        settings.emplace(std::piecewise_construct, std::tie(setting->name), std::tie(setting));
     if (!inserted) {
         delete entry->second;
         entry->second = setting;
