@@ -70,7 +70,8 @@ bool replace_by_text(std::string& target, const xmlNode* element) {
     if (!has_text(element)) {
         return false;
     }
-    target.assign(sysxml::node(element->children).content());
+    target.clear();
+    target.append(sysxml::node(element->children).content());
     return true;
 }
 
