@@ -13,6 +13,7 @@
 #include <sysipc.h>
 #include <sysxml.h>
 
+#include "value_tags.h"
 #include "xml_document.h"
 #include "zebdb_cds_parser/child_slot_group.h"
 #include "zebdb_cds_parser/component.h"
@@ -77,7 +78,7 @@ bool replace_by_text(std::string& target, const xmlNode* element) {
 
 bool read_value(setting_node& setting, const xmlNode* element) {
     for (const setting_node::setting_value_type type : value_elements) {
-        if (is_named(element, setting_node::map_value_type(type))) {
+        if (is_named(element, value_tags[type])) {
             if (replace_by_text(setting.value, element)) {
                 setting.value_type = type;
             }

@@ -10,15 +10,11 @@
 #include <limits>
 #include <string>
 
+#include "value_tags.h"
 #include "zebdb_cds_parser/element.h"
 
 namespace cds_parser {
 namespace {
-
-constexpr const char* value_tags[] = {
-    "text_value", "hex_value",  "integer_value", "decimal_value", "bool_value",
-    "date_value", "time_value", "guid_value",    "unknow_value",
-};
 
 bool is_true(const std::string& text) {
     return text == "true" || text == "1";
