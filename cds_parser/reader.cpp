@@ -3,16 +3,19 @@
 // Reads the element tree from the node records of an XML document. A node that is not the element asked for is told
 // by false; content that breaks the grammar inside the right element is told by an exception.
 
+#include <cstddef>
 #include <cstring>
 #include <fstream>
 #include <ios>
 #include <istream>
+#include <optional>
 #include <string>
 
 #include <libxml/tree.h>
 #include <sysipc.h>
 #include <sysxml.h>
 
+#include "setting_maker.h"
 #include "value_tags.h"
 #include "xml_document.h"
 #include "zebdb_cds_parser/child_slot_group.h"
@@ -39,9 +42,12 @@ bool is_named(const xmlNode* record, const char* name) {
     return actual != nullptr && actual[0] == name[0] && std::strcmp(actual, name) == 0;
 }
 
+bool is_element(const xmlNode* record) {
+    return record->type == XML_ELEMENT_NODE;
+}
+
 bool is_element(const sysxml::node& node, const char* tag) {
-    const xmlNode* record = node.get();
-    return record->type == XML_ELEMENT_NODE && is_named(record, tag);
+    return is_element(node.get()) && is_named(node.get(), tag);
 }
 
 // The first child that is no text at or behind `record`, or null: text between elements means nothing.
@@ -52,8 +58,8 @@ xmlNode* skip_text(xmlNode* record) {
     return record;
 }
 
-xmlNode* first_child(const sysxml::node& node) {
-    return skip_text(node.get()->children);
+xmlNode* first_child(const xmlNode* record) {
+    return skip_text(record->children);
 }
 
 xmlNode* next_sibling(const xmlNode* record) {
@@ -117,7 +123,7 @@ bool read_container(Container& container, void (Container::*add)(Child*), const 
     if (!is_element(node, Container::TAG)) {
         return false;
     }
-    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
+    for (xmlNode* child = first_child(node.get()); child != nullptr; child = next_sibling(child)) {
         bool read = false;
         if (is_named(child, setting_group::TAG)) {
             read = read_child(container, &Container::add_setting_group, child);
@@ -133,22 +139,46 @@ bool read_container(Container& container, void (Container::*add)(Child*), const 
     return true;
 }
 
+void read_setting(setting_node& setting, const xmlNode* element) {
+    for (xmlNode* child = first_child(element); child != nullptr; child = next_sibling(child)) {
+        if (is_named(child, name_tag)) {
+            replace_by_text(setting.name, child);
+        } else if (!read_value(setting, child)) {
+            throw_unexpected(child, setting_node::TAG);
+        }
+    }
+    if (setting.name.empty()) {
+        throw name_error("empty setting name");
+    }
+}
+
+// Of `first` and what follows it, without texts.
+std::size_t count_siblings(const xmlNode* first) {
+    std::size_t count = 0;
+    for (const xmlNode* sibling = first; sibling != nullptr; sibling = next_sibling(sibling)) {
+        ++count;
+    }
+    return count;
+}
+
+// Reads `element` into a new setting of the group, which stays behind like read_child()'s when its content breaks the
+// grammar. `maker` is made for the first one, with room for all that can follow.
+void read_setting_of(setting_group& group, std::optional<setting_maker>& maker, const xmlNode* element) {
+    if (!maker) {
+        maker.emplace(count_siblings(element));
+    }
+    setting_node* setting = maker->make(group.level + 1);
+    read_setting(*setting, element);
+    group.add_setting(setting);
+}
+
 }  // namespace
 
 bool setting_node::parse(sysxml::node& node) {
     if (!is_element(node, TAG)) {
         return false;
     }
-    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
-        if (is_named(child, name_tag)) {
-            replace_by_text(name, child);
-        } else if (!read_value(*this, child)) {
-            throw_unexpected(child, TAG);
-        }
-    }
-    if (name.empty()) {
-        throw name_error("empty setting name");
-    }
+    read_setting(*this, node.get());
     return true;
 }
 
@@ -157,13 +187,15 @@ bool setting_group::parse(sysxml::node& node) {
     if (!is_element(node, TAG)) {
         return false;
     }
-    for (xmlNode* child = first_child(node); child != nullptr; child = next_sibling(child)) {
+    std::optional<setting_maker> maker;
+    for (xmlNode* child = first_child(node.get()); child != nullptr; child = next_sibling(child)) {
         if (is_named(child, name_tag)) {
             replace_by_text(name, child);
         } else if (is_named(child, setting_node::TAG)) {
-            if (!read_child(*this, &setting_group::add_setting, child)) {
+            if (!is_element(child)) {
                 break;
             }
+            read_setting_of(*this, maker, child);
         } else {
             throw_unexpected(child, TAG);
         }

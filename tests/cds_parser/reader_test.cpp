@@ -12,6 +12,7 @@
 #include <fstream>
 #include <ios>
 #include <iterator>
+#include <memory>
 #include <sstream>
 #include <type_traits>
 
@@ -421,8 +422,21 @@ TEST(SettingGroupReader, DestroysTheEarlierOfTwoSettingsOfOneName) {
         read(group, xml);
         return live_allocations() - before;
     };
-    const std::string setting = xml_setting("a");
+    const std::string setting = xml_setting("a name that has memory of its own");
     EXPECT_EQ(allocations_of(xml_group("group", setting + setting)), allocations_of(xml_group("group", setting)));
+}
+
+TEST(SettingGroupReader, LeavesASettingToWhoeverTakesItOut) {
+    const std::string xml = xml_group("group", xml_setting("a") + xml_setting("b", "<text_value>kept</text_value>"));
+    const long before = live_allocations();
+    {
+        auto group = std::make_unique<setting_group>(1);
+        read(*group, xml);
+        const std::unique_ptr<setting_node> taken(group->settings.extract("b").mapped());
+        group.reset();
+        EXPECT_EQ(taken->value, "kept");
+    }
+    EXPECT_EQ(live_allocations(), before);
 }
 
 TEST(SettingGroupReader, ReplacesTheSettingsThatTheGroupHeld) {
