@@ -5,10 +5,12 @@
 #include <locale.h>
 #include <stdlib.h>
 
+#include <charconv>
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <string>
+#include <system_error>
 
 #include "value_tags.h"
 #include "zebdb_cds_parser/element.h"
@@ -18,6 +20,15 @@ namespace {
 
 bool is_true(const std::string& text) {
     return text == "true" || text == "1";
+}
+
+// What strtoll() gives, without it for nothing but digits, which nearly all values are.
+long long integer_in(const std::string& text, int base) {
+    const char* end = text.data() + text.size();
+    std::uint32_t digits = 0;
+    const auto [rest, error] = std::from_chars(text.data(), end, digits, base == 0 ? 10 : base);
+    const bool is_octal = base == 0 && text[0] == '0';
+    return rest == end && error == std::errc() && !is_octal ? digits : std::strtoll(text.c_str(), nullptr, base);
 }
 
 // In the C locale's form, whatever locale the process has set.
@@ -58,9 +69,9 @@ const char* setting_node::map_value_type(setting_value_type type) {
 long long setting_node::get_int64(long long default_value) const {
     switch (value_type) {
         case hex_value:
-            return std::strtoll(value.c_str(), nullptr, 16);
+            return integer_in(value, 16);
         case integer_value:
-            return std::strtoll(value.c_str(), nullptr, 0);
+            return integer_in(value, 0);
         case decimal_value:
             return truncated(decimal_in(value));
         case bool_value:
