@@ -45,7 +45,8 @@ std::string text_of(const setting_group& group, const char* setting) {
 }
 
 bool is_text(const setting_group& group, const char* setting, const char* text) {
-    return text_of(group, setting) == text;
+    const setting_node* found = group.get_setting(setting);
+    return found != nullptr && found->value == text;
 }
 
 void put_int32(zeb_db_content_values_t* content, const char* column, std::int32_t value) {
