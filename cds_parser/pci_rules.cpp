@@ -2,7 +2,10 @@
 
 #include "pci_rules.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 
 #include "pci_class.h"
 #include "pci_device_ids.h"
@@ -38,21 +41,40 @@ bool is_on_board_storage(const pci_function& function) {
            function.location == on_board_location;
 }
 
+// Only decided by: device_columns puts them.
+constexpr number_column<pci_function> device_model_columns[] = {
+    {"Device ID", "DeviceId", &pci_function::device, -1},
+    {"Subsystem Vendor ID", "SubVendorId", &pci_function::subsystem_vendor, -1},
+    {"Subsystem ID", "SubDeviceId", &pci_function::subsystem, -1},
+};
+
+// One table, so that one pass finds the settings of all.
+template <const auto&... tables>
+constexpr auto joined() {
+    std::array<number_column<pci_function>, (std::size(tables) + ...)> all{};
+    std::size_t count = 0;
+    const auto append = [&](const auto& table) {
+        for (const auto& each : table) {
+            all[count++] = each;
+        }
+    };
+    (append(tables), ...);
+    return all;
+}
+
+constexpr auto deciding_columns = joined<device_place_columns, device_kind_columns, device_model_columns>();
+
 }  // namespace
 
 pci_address read_address(const setting_group& info) {
     pci_address address = {};
-    read_columns(address, info, bridge_address_columns);
+    read_columns<bridge_address_columns>(address, info);
     return address;
 }
 
 pci_function read_function(const setting_group& info) {
     pci_function function = {};
-    read_columns(function, info, device_place_columns);
-    read_columns(function, info, device_kind_columns);
-    function.device = int32_of(info, "Device ID", -1);
-    function.subsystem_vendor = int32_of(info, "Subsystem Vendor ID", -1);
-    function.subsystem = int32_of(info, "Subsystem ID", -1);
+    read_columns<deciding_columns>(function, info);
     function.has_subsystem = info.has_setting("Subsystem ID");
     function.class_code = corrected_class_code(function);
     if (is_on_board_storage(function)) {

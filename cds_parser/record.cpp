@@ -57,22 +57,6 @@ void put_row_id(zeb_db_content_values_t* content, const char* column, std::int64
     zeb_db_content_put_uint64(content, column, static_cast<std::uint64_t>(row_id));
 }
 
-void find_settings(const setting_group& group, const column* columns, const unsigned char* places, std::size_t count,
-                   const setting_node** found) {
-    auto setting = group.settings.begin();
-    const auto end = group.settings.end();
-    for (std::size_t i = 0; i < count && setting != end; ++i) {
-        const std::string_view name = columns[places[i]].setting;
-        int order = -1;
-        while (setting != end && (order = name.compare(setting->first)) > 0) {
-            ++setting;
-        }
-        if (order == 0) {
-            found[places[i]] = setting->second;
-        }
-    }
-}
-
 std::size_t put_found(zeb_db_content_values_t* content, const column* columns, const setting_node* const* found,
                       std::size_t count) {
     std::size_t put = 0;

@@ -54,8 +54,22 @@ constexpr auto places_by_setting() {
 
 /// Finds the setting of each column in one pass, since a group has its settings in the order of their names; `places`
 /// are those of the columns in that order. Leaves `found` as it is where the group has none.
-void find_settings(const setting_group& group, const column* columns, const unsigned char* places, std::size_t count,
-                   const setting_node** found);
+template <class Column>
+void find_settings(const setting_group& group, const Column* columns, const unsigned char* places, std::size_t count,
+                   const setting_node** found) {
+    auto setting = group.settings.begin();
+    const auto end = group.settings.end();
+    for (std::size_t i = 0; i < count && setting != end; ++i) {
+        const std::string_view name = columns[places[i]].setting;
+        int order = -1;
+        while (setting != end && (order = name.compare(setting->first)) > 0) {
+            ++setting;
+        }
+        if (order == 0) {
+            found[places[i]] = setting->second;
+        }
+    }
+}
 
 /// Puts each column whose setting was found, not null, and returns how many those were.
 std::size_t put_found(zeb_db_content_values_t* content, const column* columns, const setting_node* const* found,
@@ -71,10 +85,15 @@ std::size_t put_columns(zeb_db_content_values_t* content, const setting_group& g
 }
 
 /// Reads the member of each column.
-template <class Record, std::size_t Count>
-void read_columns(Record& record, const setting_group& group, const number_column<Record> (&columns)[Count]) {
-    for (const number_column<Record>& each : columns) {
-        record.*each.member = int32_of(group, each.setting, each.default_value);
+template <const auto& columns, class Record>
+void read_columns(Record& record, const setting_group& group) {
+    static constexpr auto places = places_by_setting<columns>();
+    const setting_node* found[places.size()] = {};
+    find_settings(group, std::data(columns), places.data(), places.size(), found);
+    for (std::size_t place = 0; place < places.size(); ++place) {
+        const auto& each = columns[place];
+        record.*each.member = static_cast<std::int32_t>(
+            found[place] == nullptr ? each.default_value : found[place]->get_int64(each.default_value));
     }
 }
 
