@@ -20,7 +20,8 @@ gate() {
         now=$(callgrind "$zebdb_cds" $command)
         ratio=$(quotient "$now" "$plain")
         kept=$(awk -v key="$here ${command%% *}" '$1 " " $2 " " $3 " " $4 == key { print $5 }' "$figures")
-        printf '%-10s %14d %10s %10s %10s\n' "${command%% *}" "$now" "$(quotient "$now" "${load:=$now}")" "$ratio" "${kept:--}"
+        load=${load:-$now}
+        printf '%-10s %14d %10s %10s %10s\n' "${command%% *}" "$now" "$(quotient "$now" "$load")" "$ratio" "${kept:--}"
         awk -v now="$ratio" -v kept="${kept:-$ratio}" 'BEGIN { exit now > 1.03 * kept }' || status=1
     done
     [ $status -eq 0 ] || echo "a command takes over 3 % more instructions than bench/instructions.txt allows it" >&2
