@@ -9,6 +9,11 @@ TEST(RepairedUtf8, OfUtf8IsTheText) {
     EXPECT_EQ(repaired_utf8(text), text);
 }
 
+TEST(RepairedUtf8, OfTheFirstAndTheLastCharacterOfEachLengthIsTheText) {
+    const std::string text = "\x7F\xC2\x80\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000\U00040000\U0010FFFF";
+    EXPECT_EQ(repaired_utf8(text), text);
+}
+
 TEST(RepairedUtf8, HasAReplacementCharacterForEveryStrayByte) {
     EXPECT_EQ(repaired_utf8("a\xFF\x80z"), "a\uFFFD\uFFFDz");
 }
@@ -19,8 +24,9 @@ TEST(RepairedUtf8, ReplacesACharacterThatIsCutOff) {
 }
 
 TEST(RepairedUtf8, ReplacesACharacterThatIsWrittenLongerThanItHasToBe) {
-    EXPECT_EQ(repaired_utf8("\xC0\xAF"), "\uFFFD\uFFFD");
-    EXPECT_EQ(repaired_utf8("\xE0\x80\xAF"), "\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(repaired_utf8("\xC1\xBF"), "\uFFFD\uFFFD");
+    EXPECT_EQ(repaired_utf8("\xE0\x9F\xBF"), "\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(repaired_utf8("\xF0\x8F\xBF\xBF"), "\uFFFD\uFFFD\uFFFD\uFFFD");
 }
 
 TEST(RepairedUtf8, ReplacesNumbersThatAreNoCharacters) {
