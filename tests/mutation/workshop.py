@@ -21,55 +21,149 @@ ROOT = Path(__file__).resolve().parents[2]
 FOLDER = ROOT / "build/mutate"
 SOURCE = FOLDER / "source"
 BUILD = FOLDER / "build"
-HEADER = FOLDER / "standard.h"
-
-# What is linked anew when an object that it is made of is another one.
-LINKED = [
-    "libzebdb_cds_parser.so.1.0.0",
-    "platform/libzebdb_platform.so.1.0.0",
-    "libexec/zebdb-cds/private_places.so",
-    "tests/platform_tests",
-    "tests/private_places_tests",
-]
-# Of a test program, each of which takes a few seconds of a processor.
+# Of a test program, each of which takes some seconds of a processor and, where others have the processors, minutes.
 CPU_SECONDS = 20
-SECONDS = 240
+SECONDS = 600
 MEMORY = 8 << 30
 FILE_SIZE = 1 << 30
 
 
 class Program:
-    """A test program with its tests in a folder. Those in a sandbox need it as new, each of them. `whole` tells whether
-    all are to notice a change or, because they take too long, those alone that are named after the changed source."""
+    """A test program with its tests in a folder. In a sandbox "singly", each of them needs it as new; `too_long` is left
+    out.
 
-    def __init__(self, name, tests, sandbox=False, whole=True):
-        self.name, self.tests, self.sandbox, self.whole = name, tests, sandbox, whole
+    A change is judged first by the tests in files that are named after its source. Then by those in files of other names
+    that are `near`: which these begin with is told of sources and of rooms. At last, with `whole`, by all."""
+
+    def __init__(self, name, tests, near=(), whole=True, sandbox=None, too_long=None):
+        self.name, self.tests, self.near, self.whole = name, tests, dict(near), whole
+        self.sandbox, self.too_long = sandbox, too_long
 
     def command(self, build, suites):
-        chosen = [f"--gtest_filter={':'.join(f'{suite}.*:*/{suite}.*' for suite in suites)}"] if suites else []
-        if self.sandbox:
-            return [SOURCE / "tests/support/in-sandbox", build, build / "tests/each-test", self.name, *chosen]
-        return [build / "tests" / self.name, "--gtest_brief=1", "--gtest_fail_fast", *chosen]
+        chosen = ":".join(f"{suite}.*:*/{suite}.*" for suite in suites) or "*"
+        options = [f"--gtest_filter={chosen}" + (f":-{self.too_long}" if self.too_long else "")]
+        if self.sandbox == "singly":
+            return [SOURCE / "tests/support/in-sandbox", build, build / "tests/each-test", self.name, *options]
+        into_sandbox = [SOURCE / "tests/support/in-sandbox", build] if self.sandbox else []
+        return [*into_sandbox, build / "tests" / self.name, "--gtest_brief=1", "--gtest_fail_fast", *options]
 
-    def suites_of(self, file):
-        """The test suites of the test files that are named after the source."""
-        files = sorted((SOURCE / self.tests).glob(f"{Path(file).stem}*_test.cpp"))
+    def named_suites(self, file):
+        return self.suites_in([Path(file).stem])
+
+    def near_suites(self, file):
+        return self.suites_in(self.near.get(Path(file).stem, []) + self.near.get(Path(file).parent.name, []))
+
+    def suites_in(self, beginnings):
+        """The test suites in the test files whose names begin so."""
+        files = [path for each in beginnings for path in sorted((SOURCE / self.tests).glob(f"{each}*_test.cpp"))]
         found = [suite for each in files for suite in re.findall(r"^TEST(?:_F|_P)?\((\w+),", each.read_text(), re.M)]
-        return list(dict.fromkeys(found))
+        return tuple(dict.fromkeys(found))
 
 
-# The folder of the sources, and the programs that have to notice a change there.
-ROOMS = {
-    "cds_parser": [Program("cds_parser_tests", "tests/cds_parser"), Program("samples_tests", "tests/samples")],
-    "inventory": [Program("inventory_tests", "tests/inventory", sandbox=True)],
-    "platform/workstation": [
-        Program("platform_tests", "tests/platform"),
-        Program("samples_tests", "tests/samples"),
-        Program("private_places_tests", "tests/platform/private_places", whole=False),
-        Program("inventory_service_tests", "tests/platform/inventory_service", sandbox=True, whole=False),
+class Part:
+    """Rooms whose sources are linked into the same files: `linked` anew, in that order, when an object in one of them is
+    another one. Each room has the programs that have to notice a change there: every change that is not listed, or at
+    least that `share` of a room's. What its headers are compiled with is as for `source`."""
+
+    def __init__(self, name, source, rooms, linked, share=None):
+        self.name, self.source, self.rooms, self.linked, self.share = name, source, rooms, linked, share
+        self.header = FOLDER / f"{name}.h"
+
+    def flags(self):
+        command = next(each["command"] for each in compile_commands() if each["file"] == str(SOURCE / self.source))
+        return re.sub(r" -o \S+ -c \S+| -D\S+_EXPORTS", "", command)
+
+    def header_flags(self):
+        """What includes the header, also in sources that are compiled with fewer folders of other makers."""
+        return " ".join([*re.findall(r"-isystem \S+", self.flags()), "-include", str(self.header)])
+
+    def commands(self):
+        """The compile commands of its sources, by the objects that they make."""
+        return {
+            re.search(r" -o (\S+)", each["command"])[1]: each["command"]
+            for each in compile_commands()
+            if room_of(os.path.relpath(each["file"], SOURCE)) in self.rooms
+        }
+
+
+LIBRARY = Part(
+    "library",
+    source="cds_parser/parser.cpp",
+    rooms={
+        "cds_parser": [Program("cds_parser_tests", "tests/cds_parser"), Program("samples_tests", "tests/samples")],
+        "inventory": [Program("inventory_tests", "tests/inventory", sandbox="singly")],
+        "platform/workstation": [
+            Program("platform_tests", "tests/platform"),
+            Program("samples_tests", "tests/samples"),
+            Program("private_places_tests", "tests/platform/private_places", whole=False),
+            Program("inventory_service_tests", "tests/platform/inventory_service", whole=False, sandbox="singly"),
+        ],
+    },
+    linked=[
+        "libzebdb_cds_parser.so.1.0.0",
+        "platform/libzebdb_platform.so.1.0.0",
+        "libexec/zebdb-cds/private_places.so",
+        "tests/platform_tests",
+        "tests/private_places_tests",
     ],
-}
+)
+
+# What only a shell shows takes longest, so that what it shows of each room is chosen.
+SHELL = Program(
+    "subcommand_tests", "tests/tools/subcommands", whole=False, sandbox="shared",
+    near={
+        "change_detection": ["change_detection", "missing_places"],
+        "console": ["terminal"],
+        "difference": ["diff"],
+        "explanation": ["explain"],
+        "export": ["export"],
+        "listing": ["show", "fields", "terminal"],
+        "report": ["report"],
+        "rows": ["show"],
+        "sources": ["load", "show", "diff", "tree"],
+        "topology": ["tree"],
+        "subcommands": ["usage", "documentation"],
+        **dict.fromkeys(["bmc_address", "check", "refresh", "save_digest"], ["change_detection"]),
+        **dict.fromkeys(["left_out_watch", "loading_options"], ["load", "show", "diff", "tree", "dump", "explain"]),
+        **dict.fromkeys(
+            ["command_line", "main", "options", "run", "subcommand"],
+            ["usage", "documentation", "load", "show", "tree", "dump", "diff", "explain"],
+        ),
+    },
+)  # fmt: skip
+
+
+def rules_of(room):
+    """The rules of a room of the command, called by themselves: but for a test that takes half a minute as it is built
+    here."""
+    return Program(
+        "room_tests", f"tests/tools/{room}", near={room: [""]},  # all in the folder
+        too_long="InputFile.ThatIsPackedMayNotGrowWithoutBound",
+    )  # fmt: skip
+
+
+COMMAND = Part(
+    "command",
+    source="tools/console/output.cpp",
+    share=0.95,
+    rooms={
+        "tools": [SHELL],
+        "tools/subcommands": [SHELL],
+        **{
+            f"tools/{room}": [rules_of(room), SHELL]
+            for room in sorted(path.name for path in (ROOT / "tools").iterdir() if path.is_dir())
+            if room != "subcommands"
+        },
+    },
+    linked=["tools/libzebdb_cds_command.a", "tools/zebdb-cds", "tests/room_tests"],
+)
+PARTS = [LIBRARY, COMMAND]
+ROOMS = {room: programs for part in PARTS for room, programs in part.rooms.items()}
 TARGETS = sorted({program.name for programs in ROOMS.values() for program in programs} | {"refresh"})
+
+# Where a test program finds what it runs is compiled into it, so that each worker has one of its own.
+PLACES_OBJECT = "tests/CMakeFiles/built.dir/support/built.cpp.o"
+WITH_PLACES = ["tests/subcommand_tests"]
 
 
 def sources_of(room):
@@ -78,6 +172,14 @@ def sources_of(room):
 
 def room_of(file):
     return str(Path(file).parent)
+
+
+def part_of_room(room):
+    return next(part for part in PARTS if room in part.rooms)
+
+
+def part_of(file):
+    return part_of_room(room_of(file))
 
 
 def copy_checkout():
@@ -107,35 +209,36 @@ def quietly(log, *command):
 def build(jobs):
     copy_checkout()
     quietly(
-        "configure.log", "cmake", "-S", SOURCE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug",
-        "-DCMAKE_CXX_FLAGS_DEBUG=-O0 -g0", "-DCMAKE_UNITY_BUILD=ON", "-DBUILD_TESTING=ON",
+        "configure.log", "cmake", "-S", SOURCE, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=",
+        "-DCMAKE_CXX_FLAGS=-O0 -g0", "-DCMAKE_UNITY_BUILD=ON", "-DBUILD_TESTING=ON",
         "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON",
+        f"-DCMAKE_PROJECT_zebdb_cds_parser_INCLUDE={SOURCE}/tests/mutation/one_by_one.cmake",
     )  # fmt: skip
-    quietly("build.log", "cmake", "--build", BUILD, "--parallel", str(jobs), "--target", *LINKED, *TARGETS)
-    precompile_headers()
+    linked = [target for part in PARTS for target in part.linked]
+    quietly("build.log", "cmake", "--build", BUILD, "--parallel", str(jobs), "--target", *linked, *TARGETS)
+    for part in PARTS:
+        precompile_header(part)
 
 
 def compile_commands():
     return json.loads((BUILD / "compile_commands.json").read_text())
 
 
-def precompile_headers():
+def precompile_header(part):
     """All that the sources include besides each other, since most of the time of a small source goes into that."""
     included = set()
-    for room in ROOMS:
+    for room in part.rooms:
         for file in sources_of(room):
             included.update(re.findall(r"^#include (<.*>)", (SOURCE / file).read_text(), re.M))
     text = "".join(f"#include {name}\n" for name in sorted(included))
-    compiled = HEADER.with_suffix(".h.gch")
-    if not (compiled.exists() and HEADER.read_text() == text):
-        HEADER.write_text(text)
-        parser = next(each for each in compile_commands() if each["file"] == str(SOURCE / "cds_parser/parser.cpp"))
-        flags = re.sub(r" -o \S+ -c \S+| -D\S+_EXPORTS", "", parser["command"])
-        subprocess.run(f"{flags} -w -x c++-header {HEADER} -o {compiled}", shell=True, check=True, cwd=BUILD)
+    compiled = part.header.with_suffix(".h.gch")
+    if not (compiled.exists() and part.header.read_text() == text):
+        part.header.write_text(text)
+        subprocess.run(f"{part.flags()} -w -x c++-header {part.header} -o {compiled}", shell=True, check=True, cwd=BUILD)
 
 
 def dependents(file):
-    """The compile commands of the objects whose code comes from the file, headers among them."""
+    """The compile commands of the objects of its part whose code comes from the file, headers among them."""
     objects, current = set(), None
     for line in output_of("ninja", "-C", BUILD, "-t", "deps").splitlines():
         if line and not line.startswith(" "):
@@ -143,27 +246,30 @@ def dependents(file):
         elif os.path.normpath(BUILD / line.strip()) == str(SOURCE / file):
             objects.add(current)
     # Tests that include a header are to judge it by what they were compiled with.
-    compiled = {
-        re.search(r" -o (\S+)", each["command"])[1]: each["command"]
-        for each in compile_commands()
-        if room_of(os.path.relpath(each["file"], SOURCE)) in ROOMS
-    }
-    return {output: command for output, command in compiled.items() if output in objects}
+    return {output: command for output, command in part_of(file).commands().items() if output in objects}
 
 
-def link_commands(objects):
-    linker = " -fuse-ld=gold" if shutil.which("ld.gold") else ""  # takes half the time
-    for target in LINKED:
+def link_commands(targets, objects):
+    """Of those targets that are made of the objects or of an archive of these, in their order."""
+    linker = next((f" -fuse-ld={name}" for name in ("lld", "gold") if shutil.which(f"ld.{name}")), "")  # much faster
+    new = set(objects)
+    for target in targets:
         command = output_of("ninja", "-C", BUILD, "-t", "commands", "-s", target).splitlines()[-1]
-        if set(command.split()) & objects:
-            yield target, command.replace(f" -o {target}", f"{linker} -o {target}")
+        if set(command.split()) & new:
+            if target.endswith(".a"):
+                new.add(target)
+            # An archive need not hold the objects themselves here, which saves most of its time.
+            yield target, command.replace(f" -o {target}", f"{linker} -o {target}").replace("ar qc ", "ar qcT ")
 
 
 def steps_of(file):
-    """Test programs with the suites that are run of them: first those that are most likely to notice a change."""
+    """Test programs with the suites that are run of them, none for all: first those that are most likely to notice a
+    change."""
     programs = ROOMS[room_of(file)]
-    likely = [(program, program.suites_of(file)) for program in programs]
-    return [step for step in likely if step[1]] + [(program, []) for program in programs if program.whole]
+    named = [(program, program.named_suites(file)) for program in programs]
+    near = [(program, program.near_suites(file)) for program in programs]
+    whole = [(program, ()) for program in programs if program.whole]
+    return list(dict.fromkeys([step for step in named + near if step[1]] + whole))
 
 
 class Worker:
@@ -172,7 +278,7 @@ class Worker:
         self.source, self.build, self.run = (self.folder / name for name in ("source", "build", "run"))
         shutil.rmtree(self.folder, ignore_errors=True)
         for room in (*ROOMS, "include", "platform/include"):
-            shutil.copytree(SOURCE / room, self.source / room)
+            shutil.copytree(SOURCE / room, self.source / room, dirs_exist_ok=True)
         shutil.copytree(BUILD, self.build, symlinks=True, ignore=shutil.ignore_patterns("*.gch"))
         shutil.copy2(SOURCE / "tests/mutation/each-test", self.build / "tests")
         self.run.mkdir()
@@ -182,6 +288,13 @@ class Worker:
             "CCACHE_DISABLE": "1",
         }
         self.file = None
+        self.make_own_places()
+
+    def make_own_places(self):
+        command = next(each["command"] for each in compile_commands() if f" -o {PLACES_OBJECT} " in each["command"])
+        links = dict(link_commands(WITH_PLACES, [PLACES_OBJECT])).values()
+        if not all(self.succeeds(each) for each in (command.replace(str(BUILD), str(self.build)), *links)):
+            raise RuntimeError("the tests cannot be linked for a worker")
 
     def take(self, file):
         """Makes ready for changes of that file."""
@@ -192,7 +305,8 @@ class Worker:
         self.compile = {
             output: command.replace(str(SOURCE), str(self.source)) for output, command in dependents(file).items()
         }
-        self.links = dict(link_commands(set(self.compile)))
+        self.links = dict(link_commands(part_of(file).linked, self.compile))
+        self.with_header = part_of(file).header_flags()
         self.unchanged, self.unchanged_optimised = {}, {}
         for output in self.compile:
             self.unchanged[output] = self.object(output)
@@ -211,10 +325,10 @@ class Worker:
         )  # fmt: skip
         return done.returncode == 0
 
-    def object(self, output, flags=f"-include {HEADER}"):
+    def object(self, output, flags=None):
         """The bytes of the object as the worker's sources are, or None if they are no C++."""
         (self.build / output).unlink(missing_ok=True)
-        compiles = self.succeeds(f"{self.compile[output]} -w {flags}")
+        compiles = self.succeeds(f"{self.compile[output]} -w {flags or self.with_header}")
         return (self.build / output).read_bytes() if compiles else None
 
     def link(self, target):
