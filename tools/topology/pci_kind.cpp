@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr std::uint64_t largest_class_code = 0xFFFFFF;
-
 struct class_name {
     std::uint64_t number;
     const char* name;
@@ -93,9 +91,6 @@ const char* name_in(const class_name (&names)[Count], std::uint64_t number) {
 }  // namespace
 
 pci_kind kind_of(std::uint64_t class_code) {
-    if (class_code > largest_class_code) {
-        return {nullptr, nullptr};
-    }
     const char* interface = name_in(interfaces, class_code);
     return {name_in(base_classes, class_code >> 16),
             interface != nullptr ? interface : name_in(subclasses, class_code >> 8)};
