@@ -7,11 +7,14 @@
 
 #include <zebdb_cds_parser/version.h>
 
+#include "support/small_server.h"
 #include "tools/subcommands/command_test.h"
 
+using testing::AllOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::IsSupersetOf;
 using testing::MatchesRegex;
 
 class Usage : public command_test {};
@@ -64,6 +67,31 @@ TEST_F(Usage, HelpOfEverySubcommandFitsIntoEightyColumnsAndHasTwoExamples) {
             EXPECT_THAT(help, ContainsRegex("\nExamples:\n  zebdb-cds " + name + ".*\n  zebdb-cds " + name)) << name;
         }
     }
+}
+
+TEST_F(Usage, ExamplesOfTheHelpAreDone) {
+    write("server.xml",
+          cds_file(cds_component("pci_device_info", pci_function("3B", "0", "0", {integer("Location", "1")})) +
+                   cds_component("pci_bridge_info",
+                                 pci_function("0", "1C", "0", {hex("Vendor ID", "1A03"), hex("Device ID", "1150")}))));
+    const command_result result = run(R"(
+        HOME=$PWD; export HOME
+        mkdir -p servers .zfunc .config/fish/completions
+        for copy in one other old servers/server; do cp server.xml $copy.xml; done
+        echo settings >settings.bin
+        zebdb-cds save-digest server.xml settings.bin >shown
+        for name in $(zebdb-cds --help | sed -n '/^Subcommands:/I,/^$/s/^  \([a-z][a-z-]*\)  .*/\1/p'); do
+            zebdb-cds help $name | sed -n '/^Examples:/,$s/^  //p'
+        done >examples
+        while IFS= read -r example; do
+            sh -c "$example" </dev/null >shown 2>errors || { echo "$example: $?"; tail -n 1 errors; }
+        done <examples)");
+    EXPECT_EQ(result.out, "");
+    EXPECT_THAT(read("examples"),
+                AllOf(HasSubstr("zebdb-cds load server.xml\n"), HasSubstr("zebdb-cds completion zsh")));
+    EXPECT_THAT(names(), IsSupersetOf({"observation.jsonl", "observations.jsonl", "server.db", "server.html", "try"}));
+    EXPECT_EQ(read(".zfunc/_zebdb-cds"), run("zebdb-cds completion zsh").out);
+    EXPECT_EQ(read(".config/fish/completions/zebdb-cds.fish"), run("zebdb-cds completion fish").out);
 }
 
 TEST_F(Usage, WithoutArgumentsPrintsTheHelpWhereErrorsGo) {
