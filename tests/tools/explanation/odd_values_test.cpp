@@ -58,6 +58,15 @@ TEST_F(OddValues, AreNumbersThatTheLoaderReplaces) {
     EXPECT_EQ(odd.stored, inventory_value(std::int64_t{0}));
 }
 
+TEST_F(OddValues, AreToldOfWhatHasNoRowToo) {
+    const odd_value odd =
+        only(of(cds_component("pci_device_info", {integer("Bus Number", "1"), integer("Device Number", "0"),
+                                                  integer("Function Number", "0"), text("Device ID", "97")})));
+    EXPECT_EQ(odd.what, oddity::text_for_number);
+    EXPECT_EQ(odd.setting, "Device ID");
+    EXPECT_EQ(odd.stored, inventory_value());
+}
+
 TEST_F(OddValues, AreNoneInColumnsOfText) {
     EXPECT_THAT(of(processor("CPU 1", {integer("Serial Number", "abc")})), IsEmpty());
 }
