@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+
 # shellcheck shell=bash disable=SC2154  # scripts/bench sets what is not set here
 
 # What steps and commands do, in instructions: the same every time.

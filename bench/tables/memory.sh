@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
+
 # shellcheck shell=bash disable=SC2154  # scripts/bench sets what is not set here
 
 # How much memory steps need.
