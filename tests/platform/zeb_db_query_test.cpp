@@ -70,6 +70,13 @@ TEST_F(QueryDatabase, FillsTheArgumentsIntoTheCondition) {
     EXPECT_THAT(numbers(query({"CoreCount"}, "Socket = ? OR CoreCount = ?", {"CPU 1", "4"})), ElementsAre(8, 4));
 }
 
+TEST_F(QueryDatabase, KeepsACopyOfItsArguments) {
+    std::string socket = "CPU 2";
+    const result_ptr result = query({"CoreCount"}, "Socket = ?", {socket.c_str()});
+    socket[4] = '9';
+    EXPECT_THAT(numbers(result), ElementsAre(16));
+}
+
 TEST_F(QueryDatabase, OrdersTheRows) {
     EXPECT_THAT(numbers(query({"CoreCount"}, nullptr, {}, "CoreCount DESC")), ElementsAre(16, 8, 4));
 }

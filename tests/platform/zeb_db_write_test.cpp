@@ -213,6 +213,15 @@ TEST_F(WriteDatabase, RefusesAnUnknownTable) {
     EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: insert into Fan: no such table: Fan"));
 }
 
+TEST_F(WriteDatabase, TellsTablesApartWhoseNamesGoOnInThatOfAColumn) {
+    const content_ptr content = new_content();
+    zeb_db_content_put_text(content.get(), "SerialNo", "1");
+    ASSERT_EQ(zeb_db_insert(handle.get(), "Processor", content.get(), 0, nullptr), 0);
+    zeb_db_content_clear(content.get());
+    zeb_db_content_put_text(content.get(), "No", "1");
+    EXPECT_EQ(zeb_db_insert(handle.get(), "ProcessorSerial", content.get(), 0, nullptr), SQLITE_ERROR);
+}
+
 TEST_F(WriteDatabase, RefusesAnUnknownColumn) {
     zeb_db_content_put_uint(content.get(), "Fan", 8);
     EXPECT_EQ(insert_content(), SQLITE_ERROR);
