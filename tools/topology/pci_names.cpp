@@ -2,6 +2,8 @@
 
 #include "topology/pci_names.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <csetjmp>
 #include <cstddef>
@@ -32,6 +34,15 @@ PCI_NONRET void leave_libpci(char*, ...) {
 
 void ignore(char*, ...) {}
 
+// A list that may be packed and is not stands beside the name of the packed one. libpci looks there, too, but does not
+// look whether it has memory for the other name.
+std::string list_beside(const std::string& path) {
+    const std::string packed = ".gz";
+    const std::size_t length = path.size() < packed.size() ? 0 : path.size() - packed.size();
+    const bool is_missing = path.substr(length) == packed && ::access(path.c_str(), R_OK) != 0;
+    return is_missing ? path.substr(0, length) : path;
+}
+
 // The name in `buffer`, or null. Sets `failed` when the list cannot be used. Holds nothing that would have to be
 // destroyed when libpci is left by a jump.
 const char* look_up_in(pci_access* access, char (&buffer)[longest_name], int what, int vendor, int device,
@@ -56,9 +67,9 @@ pci_names::pci_names() : access_(pci_alloc()) {
     access_->warning = ignore;
     access_->debug = ignore;
     access_->id_lookup_mode = 0;  // else names that were once fetched from the network are taken from a file at home
-    if (char* list = std::getenv("ZEBDB_PCI_IDS"); list != nullptr && *list != '\0') {
-        pci_set_name_list_path(access_.get(), list, 0);
-    }
+    const char* chosen = std::getenv("ZEBDB_PCI_IDS");
+    list_ = list_beside(chosen != nullptr && *chosen != '\0' ? chosen : access_->id_file_name);
+    pci_set_name_list_path(access_.get(), list_.data(), 0);
 }
 
 std::optional<std::string> pci_names::vendor(id vendor) {
@@ -78,7 +89,7 @@ std::optional<std::string> pci_names::look_up(int what, id vendor, id device) {
     errno = 0;
     const char* name =
         look_up_in(access_.get(), buffer, what, static_cast<int>(*vendor), static_cast<int>(*device), failed);
-    if (failed && errno == ENOMEM) {
+    if (errno == ENOMEM) {  // it takes a list that it has no memory to open for one that is not there
         throw std::bad_alloc();
     }
     if (failed) {

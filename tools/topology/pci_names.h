@@ -30,6 +30,7 @@ private:
 
     std::optional<std::string> look_up(int what, id vendor, id device);
 
+    std::string list_;  // its path, which libpci keeps no copy of
     std::unique_ptr<pci_access, closer> access_;
 };
 
