@@ -5,10 +5,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <istream>
+#include <new>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -57,6 +59,16 @@ void refuse_impossible_time(const struct stat& status) {
     }
 }
 
+// A file that there is no memory to open for is not one that cannot be read.
+std::ifstream opened(const std::string& path) {
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    if (!file.is_open() && errno == ENOMEM) {
+        throw std::bad_alloc();
+    }
+    return file;
+}
+
 void note_digest(std::istream& in, source_record& source) {
     const bool is_open = in.good();
     const source_record digest = digest_of(in);
@@ -81,7 +93,7 @@ void read_stream(const input_file& input, cds_parser::document& document, source
 void read_input(const std::string& name, cds_parser::document& document, source_record& source) {
     const input_file input(name);
     if (input.is_on_disk()) {
-        std::ifstream in(input.path());
+        std::ifstream in = opened(input.path());
         read_cds(in, input, document);
     } else {
         read_stream(input, document, source);
@@ -122,7 +134,7 @@ void observer::read(const std::string& name, cds_parser::document& document, obs
     seen.observed_at = options_.at.value_or(time_of(before));
     const bool is_named_file = is_file(before) && !is_standard_input(name);
     if (is_named_file) {
-        std::ifstream file(name, std::ios::binary);
+        std::ifstream file = opened(name);
         note_digest(file, seen.source);
     }
     if (options_.server.empty()) {
