@@ -214,7 +214,6 @@ TEST_F(WriteDatabase, RefusesAnUnknownTable) {
 }
 
 TEST_F(WriteDatabase, TellsTablesApartWhoseNamesGoOnInThatOfAColumn) {
-    const content_ptr content = new_content();
     zeb_db_content_put_text(content.get(), "SerialNo", "1");
     ASSERT_EQ(zeb_db_insert(handle.get(), "Processor", content.get(), 0, nullptr), 0);
     zeb_db_content_clear(content.get());
