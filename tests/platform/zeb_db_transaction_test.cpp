@@ -157,6 +157,11 @@ TEST_F(Transaction, StaysOpenWhenAReaderHoldsUpItsCommit) {
 
 // SQLite gives up the whole transaction when there is no room left for a page. What came after it would be permanent
 // at once, although the caller still counts on taking everything back.
+TEST_F(Transaction, ThatIsNoneCannotBeCommittedAndStopsNoRow) {
+    EXPECT_EQ(commit(), SQLITE_ERROR);
+    EXPECT_EQ(insert("CPU 1", 8), 0);
+}
+
 class LostTransaction : public Transaction {
 protected:
     LostTransaction() {
@@ -194,6 +199,12 @@ TEST_F(LostTransaction, RefusesFurtherRows) {
               "ERROR: inventory database: insert into Processor: the transaction was rolled back by an "
               "earlier error");
     EXPECT_THAT(sockets(), ElementsAre("kept"));
+}
+
+TEST_F(LostTransaction, RefusesFurtherRowsAlsoBehindASecondBeginThatWasRefused) {
+    EXPECT_EQ(begin(), SQLITE_ERROR);
+    fill_up();
+    EXPECT_EQ(insert("later", 8), SQLITE_ABORT);
 }
 
 TEST_F(LostTransaction, RefusesToDelete) {
