@@ -3,19 +3,16 @@
 // Reads the element tree from the node records of an XML document. A node that is not the element asked for is told
 // by false; content that breaks the grammar inside the right element is told by an exception.
 
-#include <cstddef>
 #include <cstring>
 #include <fstream>
 #include <ios>
 #include <istream>
-#include <optional>
 #include <string>
 
 #include <libxml/tree.h>
 #include <sysipc.h>
 #include <sysxml.h>
 
-#include "setting_maker.h"
 #include "value_tags.h"
 #include "xml_document.h"
 #include "zebdb_cds_parser/child_slot_group.h"
@@ -28,26 +25,40 @@
 namespace cds_parser {
 namespace {
 
-constexpr const char* name_tag = "name";
-
-// In the order in which a child's name is compared with them: the frequent ones of a real file first.
-constexpr setting_node::setting_value_type value_elements[] = {
-    setting_node::hex_value,  setting_node::text_value, setting_node::integer_value, setting_node::decimal_value,
-    setting_node::bool_value, setting_node::date_value, setting_node::time_value,    setting_node::guid_value,
-};
-
 // The first letter tells nearly all names of a CDS file apart, which spares the comparison of the rest.
 bool is_named(const xmlNode* record, const char* name) {
     const auto* actual = reinterpret_cast<const char*>(record->name);
     return actual != nullptr && actual[0] == name[0] && std::strcmp(actual, name) == 0;
 }
 
+// A name that elements are asked for again and again. A document keeps each name once as a rule, so that the place
+// where this one was seen last tells without its letters.
+class element_name {
+public:
+    explicit element_name(const char* text) : text_(text) {}
+
+    bool is_of(const xmlNode* record) {
+        if (record->name != seen_ && is_named(record, text_)) {
+            seen_ = record->name;
+        }
+        return seen_ != nullptr && record->name == seen_;
+    }
+
+private:
+    const char* text_;
+    const xmlChar* seen_ = nullptr;
+};
+
+struct value_element {
+    explicit value_element(setting_node::setting_value_type value_type)
+        : type(value_type), name(value_tags[value_type]) {}
+
+    setting_node::setting_value_type type;
+    element_name name;
+};
+
 bool is_element(const xmlNode* record) {
     return record->type == XML_ELEMENT_NODE;
-}
-
-bool is_element(const sysxml::node& node, const char* tag) {
-    return is_element(node.get()) && is_named(node.get(), tag);
 }
 
 // The first child that is no text at or behind `record`, or null: text between elements means nothing.
@@ -82,32 +93,6 @@ bool replace_by_text(std::string& target, const xmlNode* element) {
     return true;
 }
 
-bool read_value(setting_node& setting, const xmlNode* element) {
-    for (const setting_node::setting_value_type type : value_elements) {
-        if (is_named(element, value_tags[type])) {
-            if (replace_by_text(setting.value, element)) {
-                setting.value_type = type;
-            }
-            return true;
-        }
-    }
-    return false;
-}
-
-// Reads `record` into a new child of `parent`; false when it turned out not to be the child's element. A child whose
-// content breaks the grammar is not destroyed: it never was, and nobody owns it yet.
-template <class Parent, class Child>
-bool read_child(Parent& parent, void (Parent::*add)(Child*), xmlNode* record) {
-    auto* child = new Child(parent.level + 1);
-    sysxml::node node(record);
-    if (!child->parse(node)) {
-        delete child;
-        return false;
-    }
-    (parent.*add)(child);
-    return true;
-}
-
 [[noreturn]] void throw_unexpected(xmlNode* record, const char* parent_tag) {
     std::string message = "Unexpected node '";
     if (const char* name = sysxml::node(record).name()) {
@@ -116,32 +101,81 @@ bool read_child(Parent& parent, void (Parent::*add)(Child*), xmlNode* record) {
     throw node_error(message);
 }
 
-// Reads the element of a component or slot group: setting groups and, handed to `add`, children of one other kind.
-template <class Container, class Child>
-bool read_container(Container& container, void (Container::*add)(Child*), const sysxml::node& node) {
-    container.clear();
-    if (!is_element(node, Container::TAG)) {
+// Reads elements of one document. Each read() gives false when the record is not that element.
+class tree_reader {
+public:
+    bool read(setting_node& setting, xmlNode* record);
+    bool read(setting_group& group, xmlNode* record);
+    bool read(child_slot_group& group, xmlNode* record);
+    bool read(component& parent, xmlNode* record);
+
+private:
+    template <class Container, class Child>
+    void read_children(Container& container, void (Container::*add)(Child*), element_name& child_name,
+                       xmlNode* element);
+    template <class Parent, class Child>
+    bool read_child(Parent& parent, void (Parent::*add)(Child*), xmlNode* record);
+    bool read_value(setting_node& setting, const xmlNode* element);
+
+    element_name component_name_{component::TAG};
+    element_name child_slot_group_name_{child_slot_group::TAG};
+    element_name setting_group_name_{setting_group::TAG};
+    element_name setting_name_{setting_node::TAG};
+    element_name name_name_{"name"};
+
+    // In the order in which a child's name is compared with them: the frequent ones of a real file first.
+    value_element values_[8] = {
+        value_element(setting_node::hex_value),     value_element(setting_node::text_value),
+        value_element(setting_node::integer_value), value_element(setting_node::decimal_value),
+        value_element(setting_node::bool_value),    value_element(setting_node::date_value),
+        value_element(setting_node::time_value),    value_element(setting_node::guid_value),
+    };
+};
+
+bool tree_reader::read(component& parent, xmlNode* record) {
+    parent.clear();
+    if (!is_element(record) || !component_name_.is_of(record)) {
         return false;
     }
-    for (xmlNode* child = first_child(node.get()); child != nullptr; child = next_sibling(child)) {
-        bool read = false;
-        if (is_named(child, setting_group::TAG)) {
-            read = read_child(container, &Container::add_setting_group, child);
-        } else if (is_named(child, Child::TAG)) {
-            read = read_child(container, add, child);
-        } else {
-            throw_unexpected(child, Container::TAG);
-        }
-        if (!read) {
+    read_children(parent, &component::add_child_slot_group, child_slot_group_name_, record);
+    return true;
+}
+
+bool tree_reader::read(child_slot_group& group, xmlNode* record) {
+    group.clear();
+    if (!is_element(record) || !child_slot_group_name_.is_of(record)) {
+        return false;
+    }
+    read_children(group, &child_slot_group::add_component, component_name_, record);
+    return true;
+}
+
+bool tree_reader::read(setting_group& group, xmlNode* record) {
+    group.clear();
+    if (!is_element(record) || !setting_group_name_.is_of(record)) {
+        return false;
+    }
+    for (xmlNode* child = first_child(record); child != nullptr; child = next_sibling(child)) {
+        if (name_name_.is_of(child)) {
+            replace_by_text(group.name, child);
+        } else if (!setting_name_.is_of(child)) {
+            throw_unexpected(child, setting_group::TAG);
+        } else if (!read_child(group, &setting_group::add_setting, child)) {
             break;
         }
+    }
+    if (group.name.empty()) {
+        throw name_error("empty setting group name");
     }
     return true;
 }
 
-void read_setting(setting_node& setting, const xmlNode* element) {
-    for (xmlNode* child = first_child(element); child != nullptr; child = next_sibling(child)) {
-        if (is_named(child, name_tag)) {
+bool tree_reader::read(setting_node& setting, xmlNode* record) {
+    if (!is_element(record) || !setting_name_.is_of(record)) {
+        return false;
+    }
+    for (xmlNode* child = first_child(record); child != nullptr; child = next_sibling(child)) {
+        if (name_name_.is_of(child)) {
             replace_by_text(setting.name, child);
         } else if (!read_value(setting, child)) {
             throw_unexpected(child, setting_node::TAG);
@@ -150,68 +184,69 @@ void read_setting(setting_node& setting, const xmlNode* element) {
     if (setting.name.empty()) {
         throw name_error("empty setting name");
     }
+    return true;
 }
 
-// Of `first` and what follows it, without texts.
-std::size_t count_siblings(const xmlNode* first) {
-    std::size_t count = 0;
-    for (const xmlNode* sibling = first; sibling != nullptr; sibling = next_sibling(sibling)) {
-        ++count;
+// What is in a component or slot group: setting groups and, handed to `add`, children of one other kind.
+template <class Container, class Child>
+void tree_reader::read_children(Container& container, void (Container::*add)(Child*), element_name& child_name,
+                                xmlNode* element) {
+    for (xmlNode* child = first_child(element); child != nullptr; child = next_sibling(child)) {
+        bool is_read = false;
+        if (setting_group_name_.is_of(child)) {
+            is_read = read_child(container, &Container::add_setting_group, child);
+        } else if (child_name.is_of(child)) {
+            is_read = read_child(container, add, child);
+        } else {
+            throw_unexpected(child, Container::TAG);
+        }
+        if (!is_read) {
+            break;
+        }
     }
-    return count;
 }
 
-// Reads `element` into a new setting of the group, which stays behind like read_child()'s when its content breaks the
-// grammar. `maker` is made for the first one, with room for all that can follow.
-void read_setting_of(setting_group& group, std::optional<setting_maker>& maker, const xmlNode* element) {
-    if (!maker) {
-        maker.emplace(count_siblings(element));
+// Reads `record` into a new child of `parent`; false when it turned out not to be the child's element. A child whose
+// content breaks the grammar is not destroyed: it never was, and nobody owns it yet.
+template <class Parent, class Child>
+bool tree_reader::read_child(Parent& parent, void (Parent::*add)(Child*), xmlNode* record) {
+    auto* child = new Child(parent.level + 1);
+    if (!read(*child, record)) {
+        delete child;
+        return false;
     }
-    setting_node* setting = maker->make(group.level + 1);
-    read_setting(*setting, element);
-    group.add_setting(setting);
+    (parent.*add)(child);
+    return true;
+}
+
+bool tree_reader::read_value(setting_node& setting, const xmlNode* element) {
+    for (value_element& value : values_) {
+        if (value.name.is_of(element)) {
+            if (replace_by_text(setting.value, element)) {
+                setting.value_type = value.type;
+            }
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace
 
 bool setting_node::parse(sysxml::node& node) {
-    if (!is_element(node, TAG)) {
-        return false;
-    }
-    read_setting(*this, node.get());
-    return true;
+    return tree_reader().read(*this, node.get());
 }
 
 bool setting_group::parse(sysxml::node& node) {
-    clear();
-    if (!is_element(node, TAG)) {
-        return false;
-    }
-    std::optional<setting_maker> maker;
-    for (xmlNode* child = first_child(node.get()); child != nullptr; child = next_sibling(child)) {
-        if (is_named(child, name_tag)) {
-            replace_by_text(name, child);
-        } else if (is_named(child, setting_node::TAG)) {
-            if (!is_element(child)) {
-                break;
-            }
-            read_setting_of(*this, maker, child);
-        } else {
-            throw_unexpected(child, TAG);
-        }
-    }
-    if (name.empty()) {
-        throw name_error("empty setting group name");
-    }
-    return true;
+    return tree_reader().read(*this, node.get());
 }
 
 bool child_slot_group::parse(sysxml::node& node) {
-    return read_container(*this, &child_slot_group::add_component, node);
+    return tree_reader().read(*this, node.get());
 }
 
 bool component::parse(sysxml::node& node) {
-    return read_container(*this, &component::add_child_slot_group, node);
+    return tree_reader().read(*this, node.get());
 }
 
 xml_document::~xml_document() = default;

@@ -349,6 +349,22 @@ TYPED_TEST(ContainerReader, DestroysTheChildThatTurnedOutToBeNoElement) {
     EXPECT_EQ(live_allocations(), before);
 }
 
+TYPED_TEST(ContainerReader, LeavesAGroupAndItsSettingsToWhoeverTakesThemOut) {
+    const std::string xml = this->xml(xml_group("group", xml_setting("a") + xml_setting("b")));
+    const long before = live_allocations();
+    {
+        auto parent = std::make_unique<TypeParam>(1);
+        read(*parent, xml);
+        std::unique_ptr<setting_group> group(parent->setting_groups.extract("group").mapped());
+        parent.reset();
+        const std::unique_ptr<setting_node> setting(group->settings.extract("b").mapped());
+        EXPECT_THAT(setting_names(*group), ElementsAre("a"));
+        group.reset();
+        EXPECT_EQ(setting->name, "b");
+    }
+    EXPECT_EQ(live_allocations(), before);
+}
+
 TYPED_TEST(ContainerReader, LooksAtNoAttribute) {
     EXPECT_TRUE(read(this->container, std::string("<") + TypeParam::TAG + " name='x' setting_group='y'/>"));
     EXPECT_TRUE(this->is_empty());
@@ -542,6 +558,23 @@ TEST(SettingGroupReader, SkipsATextNodeWhateverItsName) {
     setting_group group(1);
     EXPECT_TRUE(read(group, element));
     EXPECT_EQ(group.name, "group");
+}
+
+TEST(SettingGroupReader, KnowsANameWhereverItStandsInMemory) {
+    const std::string setting_tags[] = {"setting", "setting"};
+    const std::string name_tags[] = {"name", "name"};
+    const std::string value_tags[] = {"text_value", "text_value"};
+    node_records records;
+    xmlNode* element = records.add(XML_ELEMENT_NODE, "setting_group");
+    records.add_leaf(element, "name", "group");
+    for (const std::size_t place : {0, 1, 0}) {
+        xmlNode* setting = records.add_below(element, XML_ELEMENT_NODE, setting_tags[place].c_str());
+        records.add_leaf(setting, name_tags[place].c_str(), place == 0 ? "a" : "b");
+        records.add_leaf(setting, value_tags[place].c_str(), "value");
+    }
+    setting_group group(1);
+    EXPECT_TRUE(read(group, element));
+    EXPECT_THAT(setting_names(group), ElementsAre("a", "b"));
 }
 
 TEST(SettingGroupReader, StopsReadingAtANodeThatIsNamedLikeASettingButIsNoElement) {
