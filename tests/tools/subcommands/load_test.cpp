@@ -4,6 +4,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 #include "support/cds_text.h"
 #include "support/comma_locale.h"
 #include "support/quoted.h"
@@ -64,7 +66,8 @@ TEST_F(Load, FillsTheTablesAndPrintsHowManyRowsEachHas) {
 }
 
 TEST_F(Load, LoadsTheSampleServer) {
-    const command_result result = run("zebdb-cds load " + quoted(SAMPLES_DIR "/two-socket-server.xml"));
+    std::filesystem::copy_file(SAMPLES_DIR "/two-socket-server.xml", folder() / "sample.xml");
+    const command_result result = run("zebdb-cds load sample.xml");
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, EndsWith("  processors       2\n"
                                      "  memory          24\n"
@@ -72,8 +75,7 @@ TEST_F(Load, LoadsTheSampleServer) {
                                      "  devices         20\n"
                                      "13 components left no row: 5 have no location, 2 no address, "
                                      "6 belong to a card that is recorded once; "
-                                     "zebdb-cds explain " +
-                                     std::string(SAMPLES_DIR) + "/two-socket-server.xml tells which\n"));
+                                     "zebdb-cds explain sample.xml tells which\n"));
 }
 
 TEST_F(Load, ReadsDecimalsAlikeWhateverLocaleItsEnvironmentNames) {
