@@ -8,7 +8,6 @@
 
 #include "support/cds_text.h"
 #include "support/comma_locale.h"
-#include "support/quoted.h"
 #include "tools/subcommands/command_test.h"
 
 using cds_parser::setting_node;
