@@ -26,6 +26,11 @@ CPU_SECONDS = 20
 SECONDS = 600
 MEMORY = 8 << 30
 FILE_SIZE = 1 << 30
+# With these a program fails at its end when it has lost memory.
+LEAKS_WATCHED = (
+    f"LD_PRELOAD={subprocess.check_output(['g++', '-print-file-name=liblsan.so'], text=True).strip()}",
+    f"LSAN_OPTIONS=suppressions={SOURCE}/tests/support/known_leaks.txt:print_suppressions=0",
+)
 
 
 class Program:
@@ -39,13 +44,15 @@ class Program:
         self.name, self.tests, self.near, self.whole = name, tests, dict(near), whole
         self.sandbox, self.too_long = sandbox, too_long
 
-    def command(self, build, suites):
+    def command(self, build, suites, variables=()):
         chosen = ":".join(f"{suite}.*:*/{suite}.*" for suite in suites) or "*"
         options = [f"--gtest_filter={chosen}" + (f":-{self.too_long}" if self.too_long else "")]
         if self.sandbox == "singly":
-            return [SOURCE / "tests/support/in-sandbox", build, build / "tests/each-test", self.name, *options]
+            each_test = [build / "tests/each-test", *variables, self.name]
+            return [SOURCE / "tests/support/in-sandbox", build, *each_test, *options]
         into_sandbox = [SOURCE / "tests/support/in-sandbox", build] if self.sandbox else []
-        return [*into_sandbox, build / "tests" / self.name, "--gtest_brief=1", "--gtest_fail_fast", *options]
+        program = ["env", *variables, build / "tests" / self.name]
+        return [*into_sandbox, *program, "--gtest_brief=1", "--gtest_fail_fast", *options]
 
     def named_suites(self, file):
         return self.suites_in([Path(file).stem])
@@ -352,7 +359,9 @@ class Worker:
             outcome = self.test(*step)
             if outcome != "passed":
                 return outcome
-        return "equivalent" if self.is_same_optimised() else "survived"
+        if self.is_same_optimised():
+            return "equivalent"
+        return "killed" if self.loses_memory() else "survived"
 
     def is_same_optimised(self):
         if not self.unchanged_optimised:
@@ -362,17 +371,22 @@ class Worker:
             (self.source / self.file).write_text(changed)
         return all(self.object(output, "-O2") == self.unchanged_optimised[output] for output in self.compile)
 
-    def test(self, program, suites):
+    def loses_memory(self):
+        """Whether test programs that pass lose memory, which takes longer to find."""
+        watched = [program for program, suites in self.steps if suites == ()]
+        return any(self.test(program, (), LEAKS_WATCHED) != "passed" for program in watched)
+
+    def test(self, program, suites, variables=()):
         """Runs the tests; what is still running or has eaten more than is due has failed as well."""
 
         def limit():
             resource.setrlimit(resource.RLIMIT_CPU, (CPU_SECONDS, CPU_SECONDS))
-            resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+            resource.setrlimit(resource.RLIMIT_DATA, (MEMORY, MEMORY))
             resource.setrlimit(resource.RLIMIT_FSIZE, (FILE_SIZE, FILE_SIZE))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 
         running = subprocess.Popen(
-            program.command(self.build, suites), cwd=self.run, env=self.environment, stdin=subprocess.DEVNULL,
+            program.command(self.build, suites, variables), cwd=self.run, env=self.environment, stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, preexec_fn=limit, start_new_session=True,
         )  # fmt: skip
         try:
