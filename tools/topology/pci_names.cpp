@@ -43,8 +43,17 @@ std::string list_beside(const std::string& path) {
     return is_missing ? path.substr(0, length) : path;
 }
 
-// The name in `buffer`, or null. Sets `failed` when the list cannot be used. Holds nothing that would have to be
-// destroyed when libpci is left by a jump.
+// False when there is none or it cannot be used; `errno` is ENOMEM when that is for want of memory. This and
+// look_up_in() hold nothing that would have to be destroyed when libpci is left by a jump.
+bool load_list(pci_access* access) {
+    if (setjmp(after_error) != 0) {  // NOLINT(cert-err52-cpp): see above
+        return false;
+    }
+    errno = 0;
+    return pci_load_name_list(access) != 0;
+}
+
+// The name in `buffer`, or null. What can fail once the list is loaded is to get memory.
 const char* look_up_in(pci_access* access, char (&buffer)[longest_name], int what, int vendor, int device,
                        bool& failed) {
     if (setjmp(after_error) != 0) {  // NOLINT(cert-err52-cpp): see above
@@ -81,22 +90,31 @@ std::optional<std::string> pci_names::device(id vendor, id device) {
 }
 
 std::optional<std::string> pci_names::look_up(int what, id vendor, id device) {
-    if (access_ == nullptr || !vendor || *vendor > largest_id || !device || *device > largest_id) {
+    if (!vendor || *vendor > largest_id || !device || *device > largest_id || !has_list()) {
         return std::nullopt;
     }
     char buffer[longest_name];
     bool failed = false;
-    errno = 0;
     const char* name =
         look_up_in(access_.get(), buffer, what, static_cast<int>(*vendor), static_cast<int>(*device), failed);
-    if (errno == ENOMEM) {  // it takes a list that it has no memory to open for one that is not there
-        throw std::bad_alloc();
-    }
     if (failed) {
-        access_.reset();  // the names that were read before the error are not all there are
+        throw std::bad_alloc();
     }
     if (name == nullptr || *name == '\0') {
         return std::nullopt;
     }
     return printable(repaired_utf8(name));
+}
+
+bool pci_names::has_list() {
+    if (access_ != nullptr && !is_loaded_) {
+        is_loaded_ = load_list(access_.get());
+        if (!is_loaded_ && errno == ENOMEM) {
+            throw std::bad_alloc();
+        }
+        if (!is_loaded_) {
+            access_.reset();
+        }
+    }
+    return access_ != nullptr;
 }

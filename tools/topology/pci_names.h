@@ -29,9 +29,11 @@ private:
     };
 
     std::optional<std::string> look_up(int what, id vendor, id device);
+    bool has_list();
 
-    std::string list_;  // its path, which libpci keeps no copy of
-    std::unique_ptr<pci_access, closer> access_;
+    std::string list_;                            // its path, which libpci keeps no copy of
+    std::unique_ptr<pci_access, closer> access_;  // null once there is no list
+    bool is_loaded_ = false;
 };
 
 #endif

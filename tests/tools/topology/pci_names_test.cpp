@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 
 #include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
 
 #include "support/scratch_file.h"
 #include "tools/topology/topology_test.h"
@@ -38,6 +43,23 @@ TEST_F(PciNames, AreNumbersWhereThereIsNoList) {
 TEST_F(PciNames, AreNumbersWhereTheListIsDamaged) {
     expect_named("8086  Chips Inc.\n\t\t\t1572\nnonsense\n", ": [8086:1572]");
     expect_named(std::string(100'000, 'x'), ": [8086:1572]");
+}
+
+// The C library then takes memory elsewhere and leaves in errno that the heap had none.
+TEST_F(PciNames, AreThoseOfTheListWhereTheHeapCannotGrow) {
+    const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const auto end = (reinterpret_cast<std::uintptr_t>(sbrk(0)) + page - 1) / page * page;
+    void* wall =
+        mmap(reinterpret_cast<void*>(end), page, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
+    ASSERT_NE(wall, MAP_FAILED);
+    std::string others;
+    for (unsigned id = 0x2000; id < 0x10000; ++id) {
+        char number[8];
+        std::snprintf(number, sizeof number, "%04x", id);
+        others += std::string("\t") + number + "  Another one of the vendor's many devices\n";
+    }
+    expect_named("8086  Chips Inc.\n\t1572  Ether 710\n" + others, ": Chips Inc. Ether 710");
+    munmap(wall, page);
 }
 
 TEST_F(PciNames, AreMissingWhereThereAreNoNumbers) {
