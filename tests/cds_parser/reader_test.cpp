@@ -15,6 +15,7 @@
 #include <memory>
 #include <sstream>
 #include <type_traits>
+#include <typeinfo>
 
 #include "cds_parser/setting_names.h"
 #include "support/allocations.h"
@@ -361,6 +362,22 @@ TYPED_TEST(ContainerReader, LeavesAGroupAndItsSettingsToWhoeverTakesThemOut) {
         EXPECT_THAT(setting_names(*group), ElementsAre("a"));
         group.reset();
         EXPECT_EQ(setting->name, "b");
+    }
+    EXPECT_EQ(live_allocations(), before);
+}
+
+TYPED_TEST(ContainerReader, MakesElementsAsACallerMakesThem) {
+    const std::string xml = this->xml(xml_group("group", xml_setting("a")));
+    const long before = live_allocations();
+    {
+        TypeParam parent(1);
+        read(parent, xml);
+        setting_group* group = parent.setting_groups.extract("group").mapped();
+        setting_node* setting = group->settings.extract("a").mapped();
+        EXPECT_TRUE(typeid(*group) == typeid(setting_group));
+        EXPECT_TRUE(typeid(*setting) == typeid(setting_node));
+        ::delete group;
+        ::delete setting;
     }
     EXPECT_EQ(live_allocations(), before);
 }
