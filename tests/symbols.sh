@@ -50,7 +50,7 @@ check() {
     found=$("$@")
     if [ "$wanted" != "$found" ]; then
         diff -U 0 --label "$list" --label "$*" <(echo "$wanted" | readable) <(echo "$found" | readable) || true
-        [ "$list" = /dev/null ] || printf '\nIf that is meant: %s %s > %s\n' "$0" "$*" "$list"
+        [ "$list" = /dev/null ] || printf '\nIf that is meant:%s > %q\n' "$(printf ' %q' "$0" "$@")" "$list"
         return 1
     fi
 }

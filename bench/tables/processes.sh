@@ -64,12 +64,13 @@ peers() {
     "$sources/scripts/install-packages" libpugixml-dev libxml2-utils python3 sqlite3
     "${CXX:-g++}" -std=c++17 -O2 -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror "$peers/pugixml_sqlite.cpp" \
         -o pugixml_sqlite -lpugixml -lsqlite3
+    ln -sfn "$zebdb_cds" "$peers" .  # commands are words, and paths may have blanks
     for servers in 1 10; do
         file=$(cds_file $servers)
         cat >commands <<END
-load $zebdb_cds load -q $file --database made.db
-elementtree python3 $peers/elementtree_sqlite.py $peers/columns.tsv $file made.db
-pugixml ./pugixml_sqlite $peers/columns.tsv $file made.db
+load ./zebdb-cds load -q $file --database made.db
+elementtree python3 peers/elementtree_sqlite.py peers/columns.tsv $file made.db
+pugixml ./pugixml_sqlite peers/columns.tsv $file made.db
 xmllint xmllint --noout $file
 END
         require_same_rows commands
@@ -86,9 +87,10 @@ start() {
         ldd "$program" | awk '{ print $1 }' | sort >"$(basename "$program").libraries"
     done
     cmp zebdb-cds.libraries empty_program.libraries >>log
+    ln -sfn "$zebdb_cds" "$programs/empty_program" .
     cat >commands <<END
-empty-program $programs/empty_program
-version $zebdb_cds --version
+empty-program ./empty_program
+version ./zebdb-cds --version
 END
     run_in_turns commands 101
     echo "The start of the command (101 runs each, in turns)"

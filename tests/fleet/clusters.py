@@ -80,7 +80,9 @@ class Cluster:
             self.server.wait()
 
     def url(self, database="postgres"):
-        return f"postgresql:///{database}?" + urllib.parse.urlencode({"host": str(self.folder), "user": USER})
+        return f"postgresql:///{database}?" + urllib.parse.urlencode(
+            {"host": str(self.folder), "user": USER}, quote_via=urllib.parse.quote
+        )
 
 
 class Machines:

@@ -11,6 +11,7 @@ import json
 import os
 import re
 import resource
+import shlex
 import shutil
 import signal
 import subprocess
@@ -29,7 +30,7 @@ FILE_SIZE = 1 << 30
 # With these a program fails at its end when it has lost memory.
 LEAKS_WATCHED = (
     f"LD_PRELOAD={subprocess.check_output(['g++', '-print-file-name=liblsan.so'], text=True).strip()}",
-    f"LSAN_OPTIONS=suppressions={SOURCE}/tests/support/known_leaks.txt:print_suppressions=0",
+    f'LSAN_OPTIONS=suppressions="{SOURCE}/tests/support/known_leaks.txt":print_suppressions=0',
 )
 
 
@@ -78,11 +79,11 @@ class Part:
 
     def flags(self):
         command = next(each["command"] for each in compile_commands() if each["file"] == str(SOURCE / self.source))
-        return re.sub(r" -o \S+ -c \S+| -D\S+_EXPORTS", "", command)
+        return re.sub(r" -o \S+ -c .*| -D\S+_EXPORTS", "", command)
 
     def header_flags(self):
         """What includes the header, also in sources that are compiled with fewer folders of other makers."""
-        return " ".join([*re.findall(r"-isystem \S+", self.flags()), "-include", str(self.header)])
+        return " ".join([*re.findall(r"-isystem \S+", self.flags()), "-include", shlex.quote(str(self.header))])
 
     def commands(self):
         """The compile commands of its sources, by the objects that they make."""
@@ -241,7 +242,9 @@ def precompile_header(part):
     compiled = part.header.with_suffix(".h.gch")
     if not (compiled.exists() and part.header.read_text() == text):
         part.header.write_text(text)
-        subprocess.run(f"{part.flags()} -w -x c++-header {part.header} -o {compiled}", shell=True, check=True, cwd=BUILD)
+        header, output = shlex.quote(str(part.header)), shlex.quote(str(compiled))
+        command = f"{part.flags()} -w -x c++-header {header} -o {output}"
+        subprocess.run(command, shell=True, check=True, cwd=BUILD)
 
 
 def dependents(file):
