@@ -30,7 +30,8 @@ FILE_SIZE = 1 << 30
 # With these a program fails at its end when it has lost memory.
 LEAKS_WATCHED = (
     f"LD_PRELOAD={subprocess.check_output(['g++', '-print-file-name=liblsan.so'], text=True).strip()}",
-    f'LSAN_OPTIONS=suppressions="{SOURCE}/tests/support/known_leaks.txt":print_suppressions=0',
+    f'LSAN_OPTIONS=suppressions="{SOURCE}/tests/support/known_leaks.txt":print_suppressions=0'
+    ":allocator_may_return_null=1",
 )
 
 
