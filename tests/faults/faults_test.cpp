@@ -158,7 +158,7 @@ const std::vector<named_subject>& subjects() {
 
 class Faults : public sandboxed_test, public testing::WithParamInterface<named_subject> {
 protected:
-    // An inventory that is refreshed and unchanged.
+    // An inventory that is refreshed and unchanged, and loaded in the future, so that nobody is told how long ago.
     static void SetUpTestSuite() {
         ASSERT_NE(std::getenv("ZEBDB_SANDBOX"), nullptr) << "run this through ctest or tests/support/in-sandbox";
         fs::create_directory(folder);
@@ -167,7 +167,8 @@ protected:
         write_file(server, small_server);
         ASSERT_EQ(std::system(("exec >out 2>&1; zebdb_cds=" + quoted(built::command) +
                                "; old=" + quoted(SOURCE_DIR "/samples/two-socket-server.xml") +
-                               "; \"$zebdb_cds\" refresh \"$old\" && \"$zebdb_cds\" save-digest server.xml server.xml")
+                               "; \"$zebdb_cds\" refresh \"$old\" && \"$zebdb_cds\" save-digest server.xml server.xml"
+                               " && sqlite3 inventory.db 'UPDATE Source SET LoadedAt = 4102444800'")
                                   .c_str()),
                   0)
             << content_of("out");
