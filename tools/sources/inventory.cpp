@@ -210,9 +210,13 @@ std::int64_t inventory::count(const inventory_kind& kind) const {
 // A database of an earlier version, or of another maker, has no such table.
 std::optional<source_record> inventory::source() const {
     sqlite3_stmt* prepared = nullptr;
-    sqlite3_prepare_v2(connection_.get(), "SELECT Name, Bytes, Sha256, LoadedAt FROM Source", -1, &prepared, nullptr);
+    const int rc = sqlite3_prepare_v2(connection_.get(), "SELECT Name, Bytes, Sha256, LoadedAt FROM Source", -1,
+                                      &prepared, nullptr);
     const statement_ptr row(prepared);
-    if (row == nullptr || !step(row)) {
+    if (rc != SQLITE_OK && rc != SQLITE_ERROR) {
+        fail();
+    }
+    if (rc == SQLITE_ERROR || !step(row)) {
         return std::nullopt;
     }
     return source_record{repaired_utf8(text_at(row.get(), 0)),
