@@ -57,8 +57,8 @@ print_growth() {
             cat "$shape-$n.$name.count"
         done | awk -v name="$name" '{ all[NR] = $1; printf NR == 1 ? sprintf("%-16s", name) : ""; printf "%10.2f", $1 / 1e6 }
             END {
-                before = all[3] - all[2]  # nothing where a process of its own reads the file
-                printf "%8.2f %10s\n", all[4] / all[3], (before > 0 ? sprintf("%.2f", (all[4] - all[3]) / before) : "-")
+                before = all[3] - all[2]  # hardly anything where a process of its own reads the file
+                printf "%8.2f %10s\n", all[4] / all[3], (before > all[4] / 100 ? sprintf("%.2f", (all[4] - all[3]) / before) : "-")
             }'
     done
 }
