@@ -5,8 +5,7 @@
 // the peak of the one that started it.
 
 #include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/time.h>
+#include <sys/resource.h>  // IWYU pragma: keep
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,13 +17,16 @@ namespace {
 
 constexpr int not_started = 127;
 
-long long microseconds(const timeval& time) {
+template <class Time>
+long long microseconds(const Time& time) {
     return 1000000LL * time.tv_sec + time.tv_usec;
 }
 
 [[noreturn]] void become(char** command) {
-    ::dup2(::open("/dev/null", O_WRONLY), STDOUT_FILENO);
-    ::execvp(command[0], command);
+    const int nowhere = ::open("/dev/null", O_WRONLY);
+    if (nowhere != -1 && ::dup2(nowhere, STDOUT_FILENO) != -1) {
+        ::execvp(command[0], command);
+    }
     std::perror(command[0]);
     ::_exit(not_started);
 }

@@ -2,12 +2,14 @@
 
 #include "explanation/counterfactual.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <zebdb_cds_parser.h>
 
+#include "explanation/component_loader.h"
 #include "explanation/known_settings.h"
 
 namespace {

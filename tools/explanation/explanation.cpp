@@ -26,7 +26,6 @@
 #include "rows/pci_address_text.h"
 #include "rows/redaction.h"
 #include "rows/row_text.h"
-#include "rows/table.h"
 
 namespace {
 

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <ios>
 #include <istream>
 #include <new>
 #include <optional>
@@ -50,7 +51,7 @@ void refuse_broken_name(const fs::path& path) {
 // What has no time of its own was seen now.
 moment time_of(const struct stat& status) {
     const auto time = is_file(status) ? moment_of(status.st_mtim) : std::nullopt;
-    return time.value_or(std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now()));
+    return time.value_or(std::chrono::time_point_cast<std::chrono::microseconds>(std::chrono::system_clock::now()));
 }
 
 void refuse_impossible_time(const struct stat& status) {
