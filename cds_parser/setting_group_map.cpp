@@ -2,7 +2,6 @@
 
 #include "setting_group_map.h"
 
-#include <string>
 #include <vector>
 
 #include "zebdb_cds_parser/setting_group.h"
