@@ -110,7 +110,7 @@ std::string copy_statements() {
     for (const char* table : inventory_tables) {
         sql += copy_statements(table);
     }
-    return sql + "RELEASE rebuild;";
+    return sql + "RELEASE rebuild";
 }
 
 }  // namespace
@@ -170,9 +170,12 @@ int rebuild_tables_in_memory(_zeb_db_handle_t* handle) {
 }
 
 int zebdb_get_pldm_firmware_pending_list(zebdb_pldm_firmware_pending_list* list) {
-    _zeb_db_handle_t* handle = get_dmdb_handle();
-    if (list == nullptr || handle == nullptr) {
+    if (list == nullptr) {
         return SQLITE_MISUSE;
+    }
+    _zeb_db_handle_t* handle = get_dmdb_handle();
+    if (handle == nullptr) {
+        return SQLITE_CANTOPEN;
     }
     return guarded([&] { return give_pending(*handle, *list); });
 }

@@ -9,6 +9,7 @@
 #include "platform/database_test.h"
 #include "support/tree_builder.h"
 
+using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::UnorderedElementsAreArray;
@@ -151,6 +152,12 @@ TEST_F(SchemaOfTheDatabase, HasTheTablesOfTheRecordsAndOfTheInventoryService) {
         tables.emplace_back(kind->table);
     }
     EXPECT_THAT(rows("SELECT name FROM sqlite_schema WHERE type = 'table'"), UnorderedElementsAreArray(tables));
+}
+
+TEST_F(SchemaOfTheDatabase, TellsOfTheSourceByItsNameSizeDigestAndTime) {
+    EXPECT_THAT(rows(R"(SELECT name, type, "notnull" FROM pragma_table_info('Source') WHERE name != 'Id')"),
+                ElementsAre("Name|TEXT|1", "Bytes|INTEGER|1", "Sha256|TEXT|1", "LoadedAt|INTEGER|1"));
+    EXPECT_THAT(rows("SELECT name, type FROM pragma_table_info('Source') WHERE pk = 1"), ElementsAre("Id|INTEGER"));
 }
 
 }  // namespace

@@ -23,8 +23,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-namespace {}  // namespace
-
 class InventoryService : public sandboxed_test {
 protected:
     void SetUp() override {
@@ -66,6 +64,16 @@ TEST_F(InventoryService, GivesOneHandleForTheProcess) {
     setenv("ZEBDB_DATABASE", "/tmp/other.db", 1);
     EXPECT_EQ(get_dmdb_handle(), handle);
     EXPECT_FALSE(exists("/tmp/other.db"));
+}
+
+TEST_F(InventoryService, TakesBackAtTheEndOfTheProcessWhatIsNotCommitted) {
+    const auto end_within_a_transaction = [] {
+        zeb_db_begin_transaction(get_dmdb_handle());
+        std::exit(agentless_update_inventory_sequence(0));
+    };
+    EXPECT_EXIT(end_within_a_transaction(), testing::ExitedWithCode(0), "");
+    EXPECT_FALSE(exists(named_database + std::string("-journal")));
+    EXPECT_THAT(sqlite_database(named_database).run("SELECT * FROM InventorySequence"), IsEmpty());
 }
 
 TEST_F(InventoryService, GivesNullAndTheReasonForADirectory) {
@@ -170,12 +178,12 @@ TEST_F(ParseAim, IsTakenBackWithTheCallersTransaction) {
 
 TEST_F(ParseAim, FailsWithALoggedReasonWithoutTheFunctionTable) {
     seen->run("DROP TABLE PCIs");
-    EXPECT_NE(parse_aim(handle, 3), 0);
+    EXPECT_EQ(parse_aim(handle, 3), SQLITE_ERROR);
     EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: fill PCIAdapter: no such table: PCIs"));
 }
 
 TEST_F(ParseAim, RefusesANullHandle) {
-    EXPECT_NE(parse_aim(nullptr, 3), 0);
+    EXPECT_EQ(parse_aim(nullptr, 3), SQLITE_MISUSE);
 }
 
 class InventorySequence : public OpenInventoryService {
@@ -203,9 +211,16 @@ TEST_F(InventorySequence, IsNotRaisedWithoutMemory) {
     EXPECT_THAT(sequences(), ElementsAre("0|1"));
 }
 
+TEST_F(InventorySequence, FailsWithALoggedReasonWithoutItsTable) {
+    seen->run("DROP TABLE InventorySequence");
+    EXPECT_EQ(agentless_update_inventory_sequence(0), SQLITE_ERROR);
+    EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory database: raise the inventory sequence: no such table: "
+                                       "InventorySequence"));
+}
+
 TEST_F(InventorySequence, HasNoOtherKinds) {
-    EXPECT_NE(agentless_update_inventory_sequence(2), 0);
-    EXPECT_NE(agentless_update_inventory_sequence(-1), 0);
+    EXPECT_EQ(agentless_update_inventory_sequence(2), SQLITE_MISUSE);
+    EXPECT_EQ(agentless_update_inventory_sequence(-1), SQLITE_MISUSE);
     EXPECT_THAT(sequences(), IsEmpty());
     EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory service: there is no inventory of kind 2",
                                        "ERROR: inventory service: there is no inventory of kind -1"));
@@ -213,7 +228,7 @@ TEST_F(InventorySequence, HasNoOtherKinds) {
 
 TEST_F(InventoryService, TakesNoNoticeWithoutADatabase) {
     setenv("ZEBDB_DATABASE", "/missing/inventory.db", 1);
-    EXPECT_NE(agentless_update_inventory_sequence(0), 0);
+    EXPECT_EQ(agentless_update_inventory_sequence(0), SQLITE_CANTOPEN);
     EXPECT_THAT(log.lines, ElementsAre(HasSubstr("/missing/inventory.db")));
 }
 
@@ -264,7 +279,7 @@ TEST_F(MemoryTables, AreKeptWhenTheyCannotBeRebuilt) {
     ASSERT_EQ(rebuild_tables_in_memory(handle), 0);
     const auto before = in_memory("Processor");
     seen->run("DELETE FROM Processor; DROP TABLE PCIAdapter");
-    EXPECT_NE(rebuild_tables_in_memory(handle), 0);
+    EXPECT_EQ(rebuild_tables_in_memory(handle), SQLITE_ERROR);
     EXPECT_EQ(in_memory("Processor"), before);
     EXPECT_THAT(in_memory("PCIAdapter"), IsEmpty());
     EXPECT_THAT(log.lines,
@@ -294,7 +309,7 @@ TEST_F(MemoryTables, AreNotRebuiltWhereThereIsNoPlaceForThem) {
 }
 
 TEST_F(MemoryTables, AreNotRebuiltForANullHandle) {
-    EXPECT_NE(rebuild_tables_in_memory(nullptr), 0);
+    EXPECT_EQ(rebuild_tables_in_memory(nullptr), SQLITE_MISUSE);
 }
 
 class PendingFirmware : public OpenInventoryService {
@@ -327,6 +342,13 @@ TEST_F(PendingFirmware, ListsEveryRowInTheOrderOfItsIds) {
     EXPECT_STREQ(entry(2).version, "2.0");
 }
 
+TEST_F(PendingFirmware, HasPercentSignsAsTheyAre) {
+    seen->run("INSERT INTO PendingFirmware (Component, Version) VALUES ('NIC %s', '100%%')");
+    ASSERT_EQ(zebdb_get_pldm_firmware_pending_list(&list), 0);
+    EXPECT_STREQ(entry(0).component, "NIC %s");
+    EXPECT_STREQ(entry(0).version, "100%%");
+}
+
 TEST_F(PendingFirmware, CutsTextsToFit) {
     seen->run("INSERT INTO PendingFirmware (Component, Version) VALUES ('" + std::string(64, 'c') + "', '" +
               std::string(32, 'v') + "')");
@@ -339,7 +361,7 @@ TEST_F(PendingFirmware, CutsTextsToFit) {
 TEST_F(PendingFirmware, LeavesTheListAloneWhenItCannotBeRead) {
     list.count = 77;
     seen->run("DROP TABLE PendingFirmware");
-    EXPECT_NE(zebdb_get_pldm_firmware_pending_list(&list), 0);
+    EXPECT_EQ(zebdb_get_pldm_firmware_pending_list(&list), SQLITE_ERROR);
     EXPECT_EQ(list.count, 77u);
     EXPECT_EQ(list.entries, nullptr);
     EXPECT_THAT(log.lines, ElementsAre("ERROR: inventory service: cannot read the pending firmware: no such table: "
@@ -350,13 +372,13 @@ TEST_F(PendingFirmware, LeavesTheListAloneWhenItCannotBeRead) {
 }
 
 TEST_F(PendingFirmware, RefusesANullList) {
-    EXPECT_NE(zebdb_get_pldm_firmware_pending_list(nullptr), 0);
+    EXPECT_EQ(zebdb_get_pldm_firmware_pending_list(nullptr), SQLITE_MISUSE);
 }
 
 TEST_F(InventoryService, ListsNoPendingFirmwareWithoutADatabase) {
     setenv("ZEBDB_DATABASE", "/missing/inventory.db", 1);
     zebdb_pldm_firmware_pending_list list = {77, nullptr};
-    EXPECT_NE(zebdb_get_pldm_firmware_pending_list(&list), 0);
+    EXPECT_EQ(zebdb_get_pldm_firmware_pending_list(&list), SQLITE_CANTOPEN);
     EXPECT_EQ(list.count, 77u);
 }
 
@@ -418,5 +440,9 @@ TEST_P(PendingFirmwareInUtf16, IsListedWholeOrNotAtAll) {
         EXPECT_EQ(list.count, code == SQLITE_OK ? 1u : 77u) << bytes;
     }
     EXPECT_GT(refusals, 1);
+    const auto* entry = static_cast<const zebdb_pldm_firmware_pending_entry*>(list.entries);
+    const std::string texts = "SELECT substr(Component, 1, 63), substr(Version, 1, 31) FROM PendingFirmware";
+    EXPECT_THAT(sqlite_database(named_database).run(texts),
+                ElementsAre(std::string(entry->component) + '|' + entry->version));
     std::free(list.entries);
 }
