@@ -2,8 +2,8 @@
 
 // Preloaded, gives a program and its children other places for some paths: where no file system can be mounted, this is
 // how scripts/sandbox makes its view. ZEBDB_PRIVATE_PLACES holds a line for each path that changes hands, the path and
-// its place with a tab between them; what stands below a path goes with it, and of two paths that fit the longer holds.
-// A program that is linked statically or calls the kernel by itself is not reached.
+// its place with a tab between them; what stands below a path goes with it, and of two paths that fit the longer holds,
+// of two lines for one path the first. A program that is linked statically or calls the kernel itself is not reached.
 
 #include <dlfcn.h>
 
@@ -58,7 +58,7 @@ public:
         const std::string_view path = path_;
         const private_place found = place_for(path);
         const std::size_t rest = path.size() - found.path.size();
-        if (!found.path.empty() && found.place.size() + rest < sizeof buffer_) {
+        if (found.place.size() + rest < sizeof buffer_) {
             std::memcpy(buffer_, found.place.data(), found.place.size());
             std::memcpy(buffer_ + found.place.size(), path.data() + found.path.size(), rest + 1);
             path_ = buffer_;
@@ -83,10 +83,10 @@ word name_and_make(const char* name, word named, word b, word c) {
     const kernel_path path(named);
     word place = path;
     word result = next(name)(place, b, c, nullptr, nullptr, nullptr);
-    char* given = std::strrchr(static_cast<char*>(named), '/');
     const char* made = std::strrchr(static_cast<char*>(place), '/');
-    if (given != nullptr && made != nullptr && given != made) {
-        std::memcpy(given, made, std::strlen(given));
+    if (made != nullptr) {
+        char* given = std::strrchr(static_cast<char*>(named), '/');
+        std::memmove(given, made, std::strlen(given));
     }
     return result == place ? named : result;  // mkdtemp() returns the path
 }

@@ -383,6 +383,11 @@ TEST_F(PrivatePlaces, DoNotHoldForANameThatBeginsAlike) {
     EXPECT_NE(access("/private-placement/file", F_OK), 0);
 }
 
+TEST_F(PrivatePlaces, DoNotHoldForANameOfTheSameLength) {
+    EXPECT_NE(access("/another-place/file", F_OK), 0);
+    EXPECT_NE(access("/another-place", F_OK), 0);
+}
+
 TEST_F(PrivatePlaces, HoldForTheLongerPathOfTwo) {
     write(place("folder/other"), "longer");
     const std::string shorter = line(top, place());
@@ -391,6 +396,11 @@ TEST_F(PrivatePlaces, HoldForTheLongerPathOfTwo) {
     EXPECT_EQ(text_at(file), "longer");
     give(longer + shorter);
     EXPECT_EQ(text_at(file), "longer");
+}
+
+TEST_F(PrivatePlaces, AreTheFirstOfTwoForAPath) {
+    give(line(top, place()) + line(top, "/missing"));
+    EXPECT_EQ(text_at(file), "private");
 }
 
 TEST_F(PrivatePlaces, HoldWithoutALineEndBehindTheLast) {
@@ -409,6 +419,7 @@ TEST_F(PrivatePlaces, HoldForAPathOfSeveralSlashesAtItsBegin) {
 
 TEST_F(PrivatePlaces, DoNotHoldForARelativePath) {
     EXPECT_NE(access("private-place/file", F_OK), 0);
+    EXPECT_NE(access("x/private-place/file", F_OK), 0);
 }
 
 TEST_F(PrivatePlaces, LeaveOtherPathsAsTheyAre) {
@@ -421,8 +432,11 @@ TEST_F(PrivatePlaces, LeaveNullToTheCLibrary) {
 }
 
 TEST_F(PrivatePlaces, DoNotHoldForAPathThatGrowsTooLong) {
-    const std::string path = top + std::string(4090 - std::strlen(top), '/');
-    EXPECT_EQ(access(path.c_str(), F_OK), -1);
+    const auto path_that_grows_to = [this](std::size_t length) {
+        return top + std::string(length - place().size(), '/');
+    };
+    EXPECT_EQ(access(path_that_grows_to(PATH_MAX - 1).c_str(), F_OK), 0);
+    EXPECT_EQ(access(path_that_grows_to(PATH_MAX).c_str(), F_OK), -1);
     EXPECT_EQ(errno, ENOENT);
 }
 
