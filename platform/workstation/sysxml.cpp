@@ -56,11 +56,10 @@ struct reading {
     bool lacked_memory = false;         // for something that the document would have
     bool is_stopped = false;            // before its end, for what stands in it
     int declared_attributes = 0;
-    std::string text;         // what was read last, as long as no tag tells that it is whole
-    int text_line = 0;        // where its first part ends
-    std::string problem;      // the first one, or the first one that a document is refused for
-    bool is_refused = false;  // for that problem
-    place where;              // of the problem
+    std::string text;     // what was read last, as long as no tag tells that it is whole
+    int text_line = 0;    // where its first part ends
+    std::string problem;  // the first one that the document is refused for
+    place where;          // of the problem
 };
 
 struct context_deleter {
@@ -89,23 +88,16 @@ place current_place(const reading& state) {
     return {input.line, input.col};
 }
 
-void keep_first_problem(reading& state, const std::string& problem, bool is_refused) {
-    if (state.problem.empty() || (is_refused && !state.is_refused)) {
+void keep_first_problem(reading& state, const std::string& problem) {
+    if (state.problem.empty()) {
         state.problem = problem;
-        state.is_refused = is_refused;
         state.where = current_place(state);
     }
 }
 
-// A document may have other errors, in its namespaces say, and be accepted.
-bool refuses_document(const xmlError& error) {
-    return error.level == XML_ERR_FATAL || error.code == XML_ERR_NO_MEMORY || error.domain == XML_FROM_IO ||
-           error.domain == XML_FROM_I18N;
-}
-
 // Reads no further.
 void stop(reading& state, const std::string& problem) {
-    keep_first_problem(state, problem, true);
+    keep_first_problem(state, problem);
     state.is_stopped = true;
 }
 
@@ -150,15 +142,17 @@ void leave_advice_for_programmers_away(std::string& text) {
     }
 }
 
+// A document may have errors that are not fatal, in its namespaces say, and be accepted.
 void take_error(void* context, xmlErrorPtr error) {
     guarded(context, [error](xmlParserCtxtPtr parser) {
         reading& state = reading_of(parser);
-        state.lacked_memory = state.lacked_memory || error->code == XML_ERR_NO_MEMORY;
-        if (error->level >= XML_ERR_ERROR) {
-            std::string text = error->message == nullptr ? "unknown error" : error->message;
-            text.erase(text.find_last_not_of("\r\n") + 1);
+        const bool lacks_memory = error->code == XML_ERR_NO_MEMORY || error->message == nullptr;
+        state.lacked_memory = state.lacked_memory || lacks_memory;
+        if (error->message != nullptr && (lacks_memory || error->level == XML_ERR_FATAL)) {
+            std::string text = error->message;
+            text.erase(text.find_last_not_of('\n') + 1);
             leave_advice_for_programmers_away(text);
-            keep_first_problem(state, text, refuses_document(*error));
+            keep_first_problem(state, text);
         }
     });
 }
@@ -187,15 +181,13 @@ void declare_entity(void* context, const xmlChar* name, int type, const xmlChar*
                     xmlChar* content) {
     if (has_tag_of_too_many_attributes(content)) {
         guarded(context, [](xmlParserCtxtPtr parser) { stop(parser, too_many_attributes()); });
-        return;
-    }
-    if (type != XML_EXTERNAL_GENERAL_PARSED_ENTITY && type != XML_EXTERNAL_PARAMETER_ENTITY) {
+    } else if (type == XML_EXTERNAL_GENERAL_PARSED_ENTITY || type == XML_EXTERNAL_PARAMETER_ENTITY) {
+        guarded(context, [name](xmlParserCtxtPtr parser) {
+            stop(parser, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused");
+        });
+    } else {
         xmlSAX2EntityDecl(context, name, type, public_id, system_id, content);
-        return;
     }
-    guarded(context, [name](xmlParserCtxtPtr parser) {
-        stop(parser, std::string("External entity '") + reinterpret_cast<const char*>(name) + "' is refused");
-    });
 }
 
 void declare_attribute(void* context, const xmlChar* element, const xmlChar* name, int type, int default_type,
@@ -306,7 +298,6 @@ bool is_plain(const xmlChar* prefix, const xmlChar* uri, int namespace_count, in
 void start_plain_element(xmlParserCtxtPtr parser, const xmlChar* name) {
     xmlNode* parent = parser->node;
     xmlNode* element = reading_of(parser).records.make_element(parser->myDoc, name, parser->input->line);
-    parser->nodemem = -1;  // the text that was read last is whole
     if (nodePush(parser, element) < 0) {
         return;
     }
@@ -330,8 +321,7 @@ void start_element(void* context, const xmlChar* name, const xmlChar* prefix, co
         } else {
             xmlSAX2StartElementNs(parser, name, prefix, uri, namespace_count, namespaces, attribute_count,
                                   defaulted_count, attributes);
-            if (parser->disableSAX == 0 && parser->node != nullptr &&
-                lost_a_prefix(*parser->node, prefix, uri, attribute_count, attributes)) {
+            if (parser->disableSAX == 0 && lost_a_prefix(*parser->node, prefix, uri, attribute_count, attributes)) {
                 state.lacked_memory = true;
             }
         }
@@ -377,7 +367,7 @@ int read_block(void* opaque, char* buffer, int size) {
     return static_cast<int>(state.in.gcount());
 }
 
-// libxml2 reports what it meets outside the parser, in a character encoding say, to one handler a thread.
+// libxml2 reports what it meets to one handler a thread, where the parser has none of its own.
 class thread_errors_to {
 public:
     explicit thread_errors_to(xmlParserCtxtPtr context)
@@ -400,7 +390,6 @@ context_ptr make_context(reading& state) {
     }
     context->_private = &state;
     state.parser = context.get();
-    context->sax->serror = take_error;
     context->sax->entityDecl = declare_entity;
     context->sax->attributeDecl = declare_attribute;
     context->sax->startElementNs = start_element;
@@ -435,32 +424,24 @@ template <class Error>
     throw Error(prefix(state.where) + problem, state.where.line, state.where.column);
 }
 
-// False when there is no memory for the input.
-bool push_input(xmlParserCtxtPtr parser, reading& state) {
+// Without memory for the input there is none, of which libxml2 reads nothing.
+void push_input(xmlParserCtxtPtr parser, reading& state) {
     xmlParserInputBufferPtr buffer = xmlParserInputBufferCreateIO(read_block, nullptr, &state, XML_CHAR_ENCODING_NONE);
-    if (buffer == nullptr) {
-        return false;
-    }
     xmlParserInputPtr input = xmlNewIOInputStream(parser, buffer, XML_CHAR_ENCODING_NONE);
     if (input == nullptr) {
         xmlFreeParserInputBuffer(buffer);
-        return false;
     }
-    return inputPush(parser, input) >= 0;
+    inputPush(parser, input);
 }
 
 // libxml2's own functions that read a document free one that is not well-formed, with the records that are not theirs.
 doc_ptr parse(xmlParserCtxtPtr parser, reading& state, bool recover) {
     xmlCtxtUseOptions(parser,
                       XML_PARSE_NONET | XML_PARSE_NOENT | XML_PARSE_COMPACT | (recover ? XML_PARSE_RECOVER : 0));
-    if (push_input(parser, state)) {
-        xmlParseDocument(parser);
-    }
-    if (recover && parser->node != nullptr) {
-        keep_text(state);  // of an element that has no end
-    }
+    push_input(parser, state);
+    xmlParseDocument(parser);
+    keep_text(state);  // of an element that has no end
     doc_ptr doc(parser->myDoc);
-    parser->myDoc = nullptr;
     return parser->wellFormed != 0 || recover ? std::move(doc) : nullptr;
 }
 
@@ -476,10 +457,10 @@ doc_ptr read_document(std::istream& in, bool recover, node_records& records) {
         throw_unreadable(state.stream_error);
     }
     in.clear(in.rdstate() & ~std::ios::failbit);  // the last block is shorter than what was asked for
-    if (state.lacked_memory || context->errNo == XML_ERR_NO_MEMORY) {  // then it may lack a part
-        throw_problem<memory_error>(state, "out of memory");
+    if (state.lacked_memory) {
+        throw_problem<memory_error>(state, "out of memory");  // the document may lack a part
     }
-    if (state.is_stopped || doc == nullptr || xmlDocGetRootElement(doc.get()) == nullptr) {
+    if (state.is_stopped || xmlDocGetRootElement(doc.get()) == nullptr) {
         throw_problem<read_error>(state, "the input is no XML document");
     }
     return doc;

@@ -105,7 +105,10 @@ LIBRARY = Part(
             Program("platform_tests", "tests/platform"),
             Program("samples_tests", "tests/samples"),
             Program("private_places_tests", "tests/platform/private_places", whole=False),
-            Program("inventory_service_tests", "tests/platform/inventory_service", whole=False, sandbox="singly"),
+            Program(
+                "inventory_service_tests", "tests/platform/inventory_service", whole=False, sandbox="singly",
+                near={"inventory_service_workstation": ["inventory_service"]},
+            ),  # fmt: skip
         ],
     },
     linked=[

@@ -13,6 +13,8 @@
 #include <sstream>
 #include <string>
 
+using namespace std::string_literals;
+
 namespace {
 
 std::string text_of(const xmlChar* text) {
@@ -33,6 +35,20 @@ bool is_between_elements(const xmlNode& node) {
            (node.prev != nullptr || text[0] == '\n');
 }
 
+/// The URI and the prefix of what is in a namespace, and nothing for what is in none.
+std::string namespace_of(const xmlNs* scope) {
+    return scope == nullptr ? "" : " in " + text_of(scope->href) + " as " + text_of(scope->prefix);
+}
+
+std::string attributes_of(const xmlNode& element) {
+    std::string text;
+    for (const xmlAttr* attribute = element.properties; attribute != nullptr; attribute = attribute->next) {
+        text +=
+            ' ' + text_of(attribute->name) + '=' + text_of(attribute->children->content) + namespace_of(attribute->ns);
+    }
+    return text;
+}
+
 /// The records below `node`, one a line, each with its number of the line; what is between elements only on demand.
 void describe(const xmlNode* node, bool with_blanks, std::ostream& out) {
     for (const xmlNode* child = node->children; child != nullptr; child = child->next) {
@@ -43,7 +59,11 @@ void describe(const xmlNode* node, bool with_blanks, std::ostream& out) {
             continue;
         }
         out << child->line << ' ' << child->type << ' ' << text_of(child->name) << " [" << text_of(child->content)
-            << "]\n";
+            << ']';
+        if (child->type == XML_ELEMENT_NODE) {
+            out << namespace_of(child->ns) << attributes_of(*child);
+        }
+        out << '\n';
         if (child->type == XML_ELEMENT_NODE) {
             describe(child, with_blanks, out);
         }
@@ -109,7 +129,7 @@ const xml_sample xml_samples[] = {
     {"WithEntitiesOfElements", entities + "<a>\n&e;\n<b>&e;</b><b> &e; </b><b>x&e;y&e;</b></a>"},
     {"WithAttributes", "<a b='1'>\n<c d='2'> <e/>\n</c>\n<c>\n<e f='3'>x</e></c></a>"},
     {"WithDeclaredAttributes", "<!DOCTYPE a [<!ATTLIST b c CDATA 'd'>]><a>\n<b>\n<c>x</c></b> <c/></a>"},
-    {"WithNamespaces", "<a xmlns='u' xmlns:n='v'>\n<n:b>x</n:b>\n<b>\n<c xmlns=''/></b></a>"},
+    {"WithNamespaces", "<a xmlns='u' xmlns:n='v'>\n<n:b>x</n:b>\n<b n:d='1'>\n<c xmlns=''/></b><c xmlns:m='w'/></a>"},
     {"WithAnUndeclaredNamespace", "<a>\n<n:b>x</n:b> <c n:d='1'/></a>"},
     {"OfAnotherEncoding", "<?xml version='1.0' encoding='ISO-8859-1'?><a>\n<b>\xE9t\xE9</b></a>"},
     {"OfSeveralBlocks", "<a>\n" + times(3000, "  <b>some text</b>\n\t<c>&amp;</c>\n") + "</a>"},
@@ -128,7 +148,8 @@ TEST_P(XmlRecords, AreThoseOfLibxml2) {
 }
 
 TEST(XmlRecords, AreThoseOfLibxml2WhenItRecovers) {
-    for (const std::string xml : {"<a>\n<b> <c>text\n", "<a>\n<b>x</c> </b> y", "<a>x&e;y<b/> z"}) {
+    for (const std::string& xml :
+         {"<a>\n<b> <c>text\n"s, "<a>\n<b>x</c> </b> y"s, "<a>x&e;y<b/> z"s, times(300, "<a>")}) {
         EXPECT_EQ(records_of_ours(xml, false, true), records_of_libxml2(xml, true)) << xml;
     }
 }
@@ -139,6 +160,10 @@ TEST(XmlRecords, LackWhiteSpaceBetweenElements) {
 
 TEST(XmlRecords, HaveWhiteSpaceThatAnElementBeginsWith) {
     EXPECT_EQ(records_of_ours("<a> <b/></a>", true), "1 3 text [ ]\n1 1 b []\n");
+}
+
+TEST(XmlRecords, LackWhiteSpaceBehindAnElementOnItsLine) {
+    EXPECT_EQ(records_of_ours("<a><b/> <b/> </a>", true), "1 1 b []\n1 1 b []\n");
 }
 
 }  // namespace
