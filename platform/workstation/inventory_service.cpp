@@ -158,15 +158,18 @@ int rebuild_tables_in_memory(_zeb_db_handle_t* handle) {
     if (handle == nullptr) {
         return SQLITE_MISUSE;
     }
-    int rc = attach_memory(*handle);
-    if (rc != SQLITE_OK) {
+    return guarded([&] {
+        const std::string statements = copy_statements();
+        int rc = attach_memory(*handle);
+        if (rc != SQLITE_OK) {
+            return rc;
+        }
+        rc = execute(*handle, statements.c_str(), "rebuild the in-memory tables");
+        if (rc != SQLITE_OK) {
+            execute(*handle, "ROLLBACK TO rebuild; RELEASE rebuild", "keep the in-memory tables");
+        }
         return rc;
-    }
-    rc = guarded([&] { return execute(*handle, copy_statements().c_str(), "rebuild the in-memory tables"); });
-    if (rc != SQLITE_OK) {
-        execute(*handle, "ROLLBACK TO rebuild; RELEASE rebuild", "keep the in-memory tables");
-    }
-    return rc;
+    });
 }
 
 int zebdb_get_pldm_firmware_pending_list(zebdb_pldm_firmware_pending_list* list) {

@@ -286,6 +286,26 @@ TEST_F(MemoryTables, AreKeptWhenTheyCannotBeRebuilt) {
                 ElementsAre("ERROR: inventory database: rebuild the in-memory tables: no such table: main.PCIAdapter"));
 }
 
+TEST_F(MemoryTables, TellWhyTheyCannotBeKept) {
+    seen->run("DROP TABLE PCIAdapter");
+    sqlite3_set_authorizer(
+        connection,
+        [](void*, int action, const char* operation, const char*, const char*, const char*) {
+            return action == SQLITE_SAVEPOINT && operation == std::string("ROLLBACK") ? SQLITE_DENY : SQLITE_OK;
+        },
+        nullptr);
+    EXPECT_EQ(rebuild_tables_in_memory(handle), SQLITE_ERROR);
+    EXPECT_THAT(log.lines,
+                ElementsAre("ERROR: inventory database: rebuild the in-memory tables: no such table: main.PCIAdapter",
+                            "ERROR: inventory database: keep the in-memory tables: not authorized"));
+}
+
+TEST_F(MemoryTables, AreNotRebuiltWithoutMemory) {
+    ASSERT_EQ(rebuild_tables_in_memory(handle), SQLITE_OK);
+    expect_lack_of_memory_told(SQLITE_OK, [this] { return rebuild_tables_in_memory(handle); });
+    EXPECT_THAT(log.lines, testing::Each("ERROR: inventory database: out of memory"));
+}
+
 TEST_F(MemoryTables, TellWhyTheyCannotBeRebuilt) {
     seen->run("DROP TABLE PCIAdapter");
     ASSERT_NE(rebuild_tables_in_memory(handle), 0);
