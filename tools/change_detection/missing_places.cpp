@@ -21,8 +21,8 @@ struct place {
 
 constexpr place places[] = {
     {"/bin/pci_digest.sh", X_OK, "no digests were made"},
-    {"/var/vonk", W_OK, "no digests were kept"},
-    {"/var/DS", W_OK, "no function keys were saved"},
+    {"/var/vonk", W_OK | X_OK, "no digests were kept"},
+    {"/var/DS", W_OK | X_OK, "no function keys were saved"},
 };
 
 std::string user_name(uid_t user) {

@@ -102,7 +102,6 @@ void enter_private_view(const std::string& folder, const std::vector<std::string
     words.insert(words.end(), options.begin() + 1, options.end());
 
     std::vector<char*> arguments;
-    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

@@ -207,7 +207,9 @@ TEST_F(ChangeDetection, BmcAddressFailsWhenTheRecordCannotBeWritten) {
     std::filesystem::create_directory(folder() / "r/var/log/bmc_bdf.bin");
     const command_result result = zebdb_cds("bmc-address");
     EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("cannot write /var/log/bmc_bdf.bin"));
+    EXPECT_EQ(result.last_error_line(), "zebdb-cds: cannot write /var/log/bmc_bdf.bin (with --root that is '" +
+                                            (folder() / "r/var/log/bmc_bdf.bin").string() +
+                                            "'); see that its folder is there and writable");
 
     std::filesystem::remove(folder() / "r/var/log/bmc_bdf.bin");
     EXPECT_EQ(zebdb_cds("bmc-address").out, "05:06.7\n");
@@ -239,6 +241,13 @@ TEST_F(ChangeDetection, RootKeepsTheFolderVisibleThatReplacesNothingButIsThePlac
             "root -name '.dmdb*'");
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_THAT(result.out, EndsWith("inventory.db\nroot\nserver.xml\nroot/tmp/.dmdb_memory_deleted_flag\n"));
+}
+
+TEST_F(ChangeDetection, RootMayStandBehindAnEqualsSign) {
+    const command_result result = run("zebdb-cds refresh --root=r server.xml");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(query("inventory.db", "SELECT count(*) FROM PCIs"), "3");
+    EXPECT_TRUE(std::filesystem::exists(folder() / "r/var/DS/pci_inventory.fkey"));
 }
 
 TEST_F(ChangeDetection, RootThatCannotBeMadeIsAFailure) {

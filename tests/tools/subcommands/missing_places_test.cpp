@@ -42,6 +42,11 @@ TEST_F(MissingPlaces, OfWhichSeveralAreMissingAreNamedInOneLine) {
               "(no function keys were saved); try 'zebdb-cds refresh server.xml --root DIR'");
 }
 
+TEST_F(MissingPlaces, AreFoldersThatMayBeWrittenAndNotSearched) {
+    EXPECT_THAT(refresh_without("x", "/var/vonk /var/DS").last_error_line(),
+                HasSubstr("denied: /var/vonk (no digests were kept), /var/DS (no function keys were saved);"));
+}
+
 TEST_F(MissingPlaces, ThatAreMissingAreNamedWithACommandForAnyFileName) {
     write("my server.xml", read("server.xml"));
     EXPECT_THAT(refresh_without("w", "/var/vonk", "'my server.xml'").err,
