@@ -124,7 +124,7 @@ LIBRARY = Part(
 SHELL = Program(
     "subcommand_tests", "tests/tools/subcommands", whole=False, sandbox="shared",
     near={
-        "change_detection": ["change_detection", "missing_places"],
+        "change_detection": ["change_detection", "missing_places", "whole_day"],
         "console": ["terminal"],
         "difference": ["diff"],
         "explanation": ["explain"],

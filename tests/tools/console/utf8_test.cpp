@@ -83,3 +83,7 @@ TEST(HarmlessJson, EscapesWhatJsonLeaves) {
 TEST(HarmlessJson, KeepsItsLines) {
     EXPECT_EQ(harmless_json("{\n  \"a\": 1\n}"), "{\n  \"a\": 1\n}");
 }
+
+TEST(HarmlessJson, LeavesWhatJsonEscapesOrRefuses) {
+    EXPECT_EQ(harmless_json("\x1f\n\xff\xc3"), "\x1f\n\xff\xc3");
+}
