@@ -29,6 +29,10 @@ inline setting hex(const std::string& name, const std::string& value) {
     return {name, value, cds_parser::setting_node::hex_value};
 }
 
+inline setting boolean(const std::string& name, const std::string& value) {
+    return {name, value, cds_parser::setting_node::bool_value};
+}
+
 /// A new setting; the caller owns it until it is added.
 inline cds_parser::setting_node* make_setting(const setting& given, std::uint32_t level = 2) {
     auto* made = new cds_parser::setting_node(level);

@@ -26,6 +26,25 @@ protected:
     comparison without_serials() const { return compare(old_tables, new_tables, ignored_columns("serials")); }
 };
 
+TEST_F(TwoServers, HaveTheColumnsOfTheOldOneFirst) {
+    write_both(module("A1", "S1"), module("A1", "S1"));
+    const auto add = [](std::vector<inventory_table>& tables, const std::string& column) {
+        for (inventory_table& table : tables) {
+            table.columns.push_back(column);
+            for (std::vector<inventory_value>& row : table.rows) {
+                row.emplace_back(std::int64_t{1});
+            }
+        }
+    };
+    add(old_tables, "OfTheOld");
+    add(new_tables, "OfTheNew");
+    expect_different(
+        "Memory: 1 changed\n"
+        "~ A1: serial number S1\n"
+        "    OfTheOld  1 -> -\n"
+        "    OfTheNew  - -> 1\n");
+}
+
 TEST_F(TwoServers, AtOtherNodesAreComparedWithoutThem) {
     write_both(machine("1", "S1"), machine("2", "S1"));
     expect_same(note + std::string("No difference.\n"));

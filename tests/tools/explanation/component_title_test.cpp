@@ -35,6 +35,14 @@ TEST_F(ComponentTitle, ShortensALongName) {
                 StartsWith("component '" + std::string(64, 'x') + "...'\n"));
 }
 
+TEST(ComponentName, IsNoneWhereTheComponentHasNone) {
+    explanation told;
+    told.path = path_of(1);
+    EXPECT_TRUE(is_named(told, path_of(1)));
+    EXPECT_FALSE(is_named(told, ""));
+    EXPECT_FALSE(is_named(told, " "));
+}
+
 TEST(ComponentTitleOfAKind, IsThereForEveryOne) {
     const cds_parser::component nothing(0);
     for (const known_group& group : known_groups()) {

@@ -64,6 +64,11 @@ TEST(SimilarSetting, NeedNotBeAsNearWhereTheGroupLacksIt) {
     EXPECT_EQ(similar_in("cpu_info", {integer("Voltage", "1")}, "Voltaxx"), nullptr);
 }
 
+TEST(SimilarSetting, OfAnotherThatTheGroupHasMayDifferInOneOfFiveCharacters) {
+    EXPECT_STREQ(similar_in("cpu_info", {integer("Thread Count", "1")}, "Thxead Coxnt"), "Thread Count");
+    EXPECT_EQ(similar_in("cpu_info", {integer("Thread Count", "1")}, "Txxead Coxnt"), nullptr);
+}
+
 TEST(SimilarGroup, IsTheOneThatMayBeMeant) {
     EXPECT_STREQ(similar_group("Memory-Info"), "memory_info");
     EXPECT_STREQ(similar_group("pci_birdge_info"), "pci_bridge_info");

@@ -27,6 +27,15 @@ TEST_F(OddValues, AreNoneThatConvert) {
                 IsEmpty());
 }
 
+TEST_F(OddValues, AreNoTruthsButFour) {
+    for (const char* value : {"true", "false", "1", "0"}) {
+        EXPECT_THAT(of(processor("CPU 1", {boolean("Status", value)})), IsEmpty()) << value;
+    }
+    for (const char* value : {"yes", "TRUE", "10"}) {
+        EXPECT_EQ(only(of(processor("CPU 1", {boolean("Status", value)}))).what, oddity::no_number) << value;
+    }
+}
+
 TEST_F(OddValues, AreTextsWhereANumberIsTaken) {
     const odd_value odd = only(of(processor("CPU 1", {text("Core Count", "8")})));
     EXPECT_EQ(odd.what, oddity::text_for_number);

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -42,6 +43,11 @@ TEST(FieldsText, TellsOfEveryColumnAndOfWhatItsNumbersStandFor) {
     EXPECT_THAT(shown, Not(HasSubstr("link speed")));
 }
 
+TEST(FieldsText, TellsOfTheFieldsOfANumberWithoutNumbersOfTheirOwn) {
+    EXPECT_THAT(fields_text({&kinds::processors}, {}),
+                HasSubstr("\n\nprocessor status (SMBIOS 7.5, offset 18h)\n  bits 2-0: 0 unknown, "));
+}
+
 TEST(FieldsText, NamesTheValueThatStandsForAnAbsentOne) {
     EXPECT_THAT(fields_text({&kinds::bridges}, {}), HasSubstr("; stored as -1\n"));
     EXPECT_THAT(fields_text({&kinds::bridges}, {}), HasSubstr("; stored as 4294967295\n"));
@@ -56,4 +62,17 @@ TEST(FieldsJson, HoldsTheSameForPrograms) {
     EXPECT_EQ(node["absent_value"], 4294967295);
     EXPECT_EQ(node["unit"], nullptr);
     EXPECT_EQ(shown["memory"][10]["values"]["section"], "SMBIOS 7.18.2");
+}
+
+TEST(FieldsJson, TellsWhatTheNumbersOfAnEnumerationAre) {
+    const auto shown = nlohmann::json::parse(fields_json({&kinds::processors, &kinds::memory}));
+    const auto role_of = [&shown](const char* kind, const std::string& column) {
+        const auto& fields = shown[kind];
+        const auto found = std::find_if(fields.begin(), fields.end(),
+                                        [&column](const auto& each) { return each["column"] == column; });
+        return (*found)["values"]["role"];
+    };
+    EXPECT_EQ(role_of("memory", "MemType"), "value");
+    EXPECT_EQ(role_of("memory", "TypeDetail"), "bit");
+    EXPECT_EQ(role_of("processors", "Voltage"), "field");
 }
