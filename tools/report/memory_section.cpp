@@ -70,7 +70,8 @@ std::string processor_in(const inventory_table& processors, const inventory_valu
         const inventory_row processor(processors, place);
         const std::string name = text_of(processor, "Socket");
         if (processor["NodeIndex"] == node && (socket.empty() || bare(name) == bare(socket))) {
-            here.push_back(name + ", " + text_of(processor, "Version"));
+            const std::string version = text_of(processor, "Version");
+            here.push_back(version.empty() ? name : name + ", " + version);
         }
     }
     return here.size() == 1 ? here.front() : "";

@@ -32,7 +32,8 @@ TEST_F(Report, OfADatabaseSaysThatWhatWasLeftOutIsNotKnown) {
         run("zebdb-cds load -q " + sample_server + " 2>log >out && zebdb-cds report inventory.db" + at);
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.out, HasSubstr("64 parts recorded; what was left out is not known"));
-    EXPECT_THAT(result.out, HasSubstr("Loaded from"));
+    EXPECT_THAT(result.out, HasSubstr("<dt>Loaded from</dt><dd><span class=\"value\">" SAMPLES_DIR
+                                      "/two-socket-server.xml</span>, "));
 }
 
 TEST_F(Report, OfStandardInputIsTheSameButForTheName) {
