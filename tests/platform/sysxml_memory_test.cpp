@@ -189,6 +189,7 @@ const named_document documents[] = {
     {"WithManyElementsOfAnUndeclaredNamespace", "<a>" + repeated(40, "<prefix:b", "/>") + "</a>"},
     {"WithAttributesOfAnUndeclaredNamespace", "<a" + repeated(most_attributes, " prefix:b", "='c'") + "/>"},
     {"ThatEndsEarly", "<element><another>text</element>"},
+    {"WithOneProblem", "<element>"},
     {"WithAnExternalEntity", "<!DOCTYPE a [<!ENTITY e SYSTEM 'file'>]><a/>"},
     {"WithManyDeclaredAttributes", "<!DOCTYPE a [<!ATTLIST a" + repeated(21, " b", " CDATA #IMPLIED") + ">]><a/>"},
 };
