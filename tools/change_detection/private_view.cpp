@@ -101,11 +101,8 @@ void enter_private_view(const std::string& folder, const std::vector<std::string
     const std::vector<std::string> options = without_root_option(own_words);
     words.insert(words.end(), options.begin() + 1, options.end());
 
-    std::vector<char*> arguments;
-    for (std::string& word : words) {
-        arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
+    std::vector<char*> arguments(words.size() + 1);  // a null ends them
+    std::transform(words.begin(), words.end(), arguments.begin(), [](std::string& word) { return word.data(); });
     ::execv(script.c_str(), arguments.data());
     throw failure("cannot run '" + script + "': " + std::strerror(errno));
 }

@@ -71,7 +71,8 @@ std::string processor_in(const inventory_table& processors, const inventory_valu
         const std::string name = text_of(processor, "Socket");
         if (processor["NodeIndex"] == node && (socket.empty() || bare(name) == bare(socket))) {
             const std::string version = text_of(processor, "Version");
-            here.push_back(version.empty() ? name : name + ", " + version);
+            here.push_back(name);
+            here.back() += version.empty() ? "" : ", " + version;
         }
     }
     return here.size() == 1 ? here.front() : "";
