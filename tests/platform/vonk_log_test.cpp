@@ -5,8 +5,8 @@
 #include <syslog.h>
 
 #include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -28,8 +28,10 @@ std::vector<std::pair<int, std::string>> lines_of_syslog;
 void syslog(int priority, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    lines_of_syslog.emplace_back(priority, std::strcmp(format, "%s") == 0 ? va_arg(arguments, const char*) : format);
+    char line[64];
+    std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
+    lines_of_syslog.emplace_back(priority, line);
 }
 
 namespace {
@@ -151,10 +153,10 @@ TEST_F(VonkLog, GivesSyslogEachLineWithItsPriority) {
     lines_of_syslog.clear();
     vonk_log::logErr("no %s", "memory");
     vonk_log::logWarn("little memory");
-    vonk_log::logInfo("100%% of memory");
+    vonk_log::logInfo("100%%%% of memory");
     EXPECT_THAT(lines_of_syslog,
                 ElementsAre(Pair(LOG_USER | LOG_ERR, "no memory"), Pair(LOG_USER | LOG_WARNING, "little memory"),
-                            Pair(LOG_USER | LOG_INFO, "100% of memory")));
+                            Pair(LOG_USER | LOG_INFO, "100%% of memory")));
 }
 
 TEST_F(VonkLog, WritesToStandardErrorForAnyOtherTarget) {

@@ -80,7 +80,7 @@ TEST_F(OpenDatabase, TellsThatTheFolderIsMissing) {
 }
 
 TEST_F(OpenDatabase, TellsAPathWithPercentSignsAsItIs) {
-    const std::string missing = folder.file("50%s/inventory.db");
+    const std::string missing = folder.file("50%%/inventory.db");
     _zeb_db_handle_t* opened = nullptr;
     EXPECT_EQ(zeb_db_open(missing.c_str(), &opened), SQLITE_CANTOPEN);
     EXPECT_THAT(log.lines, ElementsAre(testing::HasSubstr(missing)));
