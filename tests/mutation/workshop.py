@@ -319,6 +319,8 @@ class Worker:
         self.compile = {
             output: command.replace(str(SOURCE), str(self.source)) for output, command in dependents(file).items()
         }
+        if not self.compile:
+            raise RuntimeError(f"nothing is compiled of {file} alone")
         self.links = dict(link_commands(part_of(file).linked, self.compile))
         self.with_header = part_of(file).header_flags()
         self.unchanged, self.unchanged_optimised = {}, {}

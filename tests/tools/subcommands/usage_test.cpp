@@ -7,6 +7,7 @@
 
 #include <zebdb_cds_parser/version.h>
 
+#include "support/quoted.h"
 #include "support/small_server.h"
 #include "tools/subcommands/command_test.h"
 
@@ -92,6 +93,18 @@ TEST_F(Usage, ExamplesOfTheHelpAreDone) {
     EXPECT_THAT(names(), IsSupersetOf({"observation.jsonl", "observations.jsonl", "server.db", "server.html", "try"}));
     EXPECT_EQ(read(".zfunc/_zebdb-cds"), run("zebdb-cds completion zsh").out);
     EXPECT_EQ(read(".config/fish/completions/zebdb-cds.fish"), run("zebdb-cds completion fish").out);
+}
+
+// But for blanks in a row and for how the version of CLI11 writes a default value.
+TEST_F(Usage, HelpIsWhatItsPagesSay) {
+    const command_result result = run(R"(
+        zebdb-cds --help >help
+        for name in $(sed -n '/^Subcommands:/I,/^$/s/^  \([a-z][a-z-]*\)  .*/\1/p' help); do
+            printf '\n--- %s\n' $name
+            zebdb-cds help $name
+        done >>help
+        sed -E -e '/^  -/s/ \[([^]]*)\] +/=\1 /' -e 's/([^ ])  +/\1 /' help)");
+    EXPECT_EQ(result.out, run("cat " + quoted(SOURCE_DIR "/tests/tools/subcommands/help.txt")).out);
 }
 
 TEST_F(Usage, WithoutArgumentsPrintsTheHelpWhereErrorsGo) {
