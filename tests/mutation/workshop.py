@@ -135,7 +135,10 @@ SHELL = Program(
         "sources": ["load", "show", "diff", "tree"],
         "topology": ["tree"],
         "subcommands": ["usage", "documentation"],
-        **dict.fromkeys(["bmc_address", "check", "refresh", "save_digest"], ["change_detection"]),
+        **dict.fromkeys(
+            ["bmc_address", "check", "refresh", "save_digest"],
+            ["change_detection", "missing_places", "whole_day"],
+        ),
         **dict.fromkeys(["left_out_watch", "loading_options"], ["load", "show", "diff", "tree", "dump", "explain"]),
         **dict.fromkeys(
             ["command_line", "main", "options", "run", "subcommand"],

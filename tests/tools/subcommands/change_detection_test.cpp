@@ -8,6 +8,7 @@
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
@@ -153,6 +154,20 @@ TEST_F(ChangeDetection, SaveDigestOfALongPathOffersToGoToItsFolder) {
                        "/other.bin': it is 60 bytes long, and beyond 43 the library cuts the command that it stands "
                        "in; go to its folder with 'cd " +
                        folder_name + "' and name it 'other.bin'");
+}
+
+TEST_F(ChangeDetection, SaveDigestNamesWhatItHasSaved) {
+    const command_result result = zebdb_cds("save-digest server.xml other.bin");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "Saved 'server.xml.digest' and 'other.bin.digest'\n");
+}
+
+TEST_F(ChangeDetection, SaveDigestThatCannotWriteSaysWhatToDo) {
+    std::filesystem::create_directory(folder() / "server.xml.digest");
+    const command_result result = zebdb_cds("save-digest server.xml other.bin");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.last_error_line(), StartsWith("zebdb-cds: cannot save the digests: "));
+    EXPECT_THAT(result.last_error_line(), EndsWith("; make their folders writable"));
 }
 
 TEST_F(ChangeDetection, SaveDigestNamesTheFileThatIsMissing) {

@@ -19,6 +19,15 @@ TEST_F(Diff, OfEqualInventoriesSaysSo) {
     expect_diff(0, "No difference.\n");
 }
 
+TEST_F(Diff, CountsInNoJson) {
+    write_both("", "");
+    const command_result result = diff("old.xml new.xml --stat --format json");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_EQ(result.err,
+              "zebdb-cds: --stat counts for people, and --format json holds everything; see 'zebdb-cds diff --help'\n");
+}
+
 TEST_F(Diff, OfAServerWithItsDatabaseSaysSo) {
     ASSERT_EQ(run("cp " + quoted(SAMPLES_DIR "/two-socket-server.xml") + " old.xml").status, 0);
     load("old.xml", "old.db");

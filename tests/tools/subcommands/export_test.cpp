@@ -132,7 +132,9 @@ TEST_F(Export, RefusesAServerNameForSeveralFiles) {
         const command_result result = run("zebdb-cds export --server web-17 " + files);
         EXPECT_EQ(result.status, 2) << files;
         EXPECT_THAT(result.out, IsEmpty());
-        EXPECT_THAT(result.err, HasSubstr("--server names the server of one file"));
+        EXPECT_EQ(result.err,
+                  "zebdb-cds: --server names the server of one file, not of several; leave it out, or name one file "
+                  "alone\n");
     }
 }
 

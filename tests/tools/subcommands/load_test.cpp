@@ -11,6 +11,7 @@
 #include "tools/subcommands/command_test.h"
 
 using cds_parser::setting_node;
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
@@ -49,6 +50,13 @@ protected:
         return query(database, "SELECT count(*) FROM Processor");
     }
 };
+
+TEST_F(Load, TellsHowLongItTookInTheUnitThatFits) {
+    EXPECT_THAT(run("zebdb-cds load server.xml").out,
+                ContainsRegex("^Loaded 'server.xml' into 'inventory.db' in [0-9]{1,3} ms:\n"));
+    EXPECT_THAT(run("{ sleep 1.01; cat server.xml; } | zebdb-cds load -").out,
+                ContainsRegex("^Loaded standard input into 'inventory.db' in [1-9][0-9]?\\.[0-9][0-9] s:\n"));
+}
 
 TEST_F(Load, FillsTheTablesAndPrintsHowManyRowsEachHas) {
     const command_result result = run("zebdb-cds load server.xml");

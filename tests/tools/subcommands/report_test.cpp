@@ -64,6 +64,7 @@ TEST_F(Report, RefusesTwoInventoriesOfStandardInput) {
     const command_result result = run("zebdb-cds report - --against - <" + sample_server);
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_EQ(result.err, "zebdb-cds: only one of the two inventories can be standard input\n");
 }
 
 TEST_F(Report, RefusesWhatIsNoInventory) {
