@@ -88,6 +88,21 @@ TEST_F(NewDatabase, IsMadeWhereALinkLeads) {
     EXPECT_TRUE(fs::is_symlink(path_));
 }
 
+TEST_F(NewDatabase, IsNotToBeMadeWhereALinkLeadsIntoNoFolder) {
+    fs::create_symlink("none/target.db", path_);
+    EXPECT_THROW(is_to_be_made(path_), failure);
+}
+
+TEST_F(NewDatabase, IsMadeWhereLinksLeadFromFolderToFolder) {
+    fs::create_directories(folder_.file("one"));
+    fs::create_directories(folder_.file("two"));
+    fs::create_symlink("one/next.db", path_);
+    fs::create_symlink("../two/target.db", folder_.file("one/next.db"));
+    EXPECT_TRUE(make_database(path_, source_));
+    EXPECT_EQ(modules_in(folder_.file("two/target.db")), std::vector<std::string>{"DIMM 1"});
+    EXPECT_TRUE(fs::is_symlink(folder_.file("one/next.db")));
+}
+
 namespace {
 
 std::string content_of(const std::string& path) {
@@ -116,7 +131,7 @@ TEST(ForeignDatabase, IsRefusedAlsoWhereItsTableHasTheNameOfOurSource) {
 TEST(ForeignDatabase, IsRefusedWithoutRollingBackWhatWasInterruptedInIt) {
     const scratch_folder folder;
     const std::string path = folder.file("fans.db");
-    const std::string crashed = folder.file("crashed 100%?.db");
+    const std::string crashed = folder.file("crashed\t100%?.db");
     std::ofstream(path).flush();
     sqlite_database(path).run(
         "CREATE TABLE Fans (Name TEXT); INSERT INTO Fans WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM "

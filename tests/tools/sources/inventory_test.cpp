@@ -5,12 +5,15 @@
 #include <gmock/gmock.h>
 #include <zeb_db_workstation.h>
 
+#include <fstream>
+
 #include "console/failure.h"
 #include "support/scratch_folder.h"
 #include "support/sqlite_database.h"
 #include "tools/memory_rows.h"
 
 using testing::ElementsAre;
+using testing::StartsWith;
 using testing::ThrowsMessage;
 
 class Inventory : public testing::Test {
@@ -92,6 +95,23 @@ TEST_F(Inventory, OfANewerVersionIsRefused) {
                   "1000000, this one knows " +
                       std::to_string(zeb_db_schema_version()) + " and earlier); use that version or another database");
     }
+}
+
+TEST(InventoryFile, OfANewerVersionIsRefused) {
+    const scratch_folder folder;
+    const std::string path = folder.file("x.db");
+    std::ofstream(path).flush();
+    sqlite_database(path).run("CREATE TABLE Memory (DevLocator TEXT); PRAGMA user_version = 1000000");
+    EXPECT_THAT([&] { inventory(path, database_naming::argument); },
+                ThrowsMessage<failure>(StartsWith("cannot read '" + path + "': it was made by a newer version")));
+}
+
+TEST(InventoryFile, ThatIsNoDatabaseIsRefusedWhenItIsOpened) {
+    const scratch_folder folder;
+    const std::string path = folder.file("x.db");
+    std::ofstream(path) << std::string(4096, 'x');
+    EXPECT_THAT([&] { inventory(path, database_naming::argument); },
+                ThrowsMessage<failure>("cannot read '" + path + "': file is not a database"));
 }
 
 TEST_F(Inventory, WithAComputedColumnIsRefused) {

@@ -58,6 +58,15 @@ TEST(PciTopology, IsInTheOrderOfAddresses) {
                 ElementsAre("f2 0", "b1 0", "f3 1", "f1 0"));
 }
 
+TEST(PciTopology, HasTheNodesOneAfterTheOther) {
+    const inventory_table of_two_nodes = {&kinds::devices,
+                                          {"Id", "NodeIndex", "BusNo", "DeviceNo"},
+                                          {{number(1), number(1), number(1), number(0)},
+                                           {number(2), number(0), number(2), number(0)},
+                                           {number(3), number(1), number(0), number(0)}}};
+    EXPECT_THAT(shape(bridges({}), of_two_nodes), ElementsAre("f2 0", "f3 0", "f1 0"));
+}
+
 TEST(PciTopology, HasABridgeBeforeAFunctionOfItsAddress) {
     EXPECT_THAT(
         shape(bridges({{number(1), none, number(0), number(1)}}), functions({{number(2), none, number(0), number(1)}})),
