@@ -15,7 +15,11 @@ INSTANTIATE_TEST_SUITE_P(Of, Placeholder,
                                          "----", "00-00-00-00", "Not Specified", "NOT SPECIFIED", "NO DIMM", "NoDimm",
                                          "Unknown", "[Unknown]", "N/A", "To Be Filled By O.E.M.", "To be filled by OEM",
                                          "Default string", "None", "NULL", "Empty", "Not Available", "0123456789",
-                                         "<OUT OF SPEC>"));
+                                         "<OUT OF SPEC>", "123456789", "1234567890", "12345678", "DIMM missing",
+                                         "Fill by OEM", "Invalid", "Module Missing", "No", "No Asset", "No CPU",
+                                         "No Module", "No Serial", "No Serial Number", "Not Applicable",
+                                         "Not Installed", "Not Present", "Not Provided", "Not Set", "Serial Number",
+                                         "System Serial Number", "Undefined", "Unspecified"));
 
 class SerialNumber : public testing::TestWithParam<const char*> {};
 
