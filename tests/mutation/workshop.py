@@ -135,6 +135,7 @@ SHELL = Program(
         "sources": ["load", "show", "diff", "tree"],
         "topology": ["tree"],
         "subcommands": ["usage", "documentation"],
+        "dump": ["terminal"],
         **dict.fromkeys(
             ["bmc_address", "check", "refresh", "save_digest"],
             ["change_detection", "missing_places", "whole_day"],
