@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+
+#include <gtest/gtest.h>
+
+#include "tools/subcommands/command_test.h"
+
+class Process : public command_test {
+protected:
+    /// What stands behind the first three descriptors of a command that was started with these redirections, and how
+    /// it is open: 0 for reading, 1 for writing.
+    std::string standard_descriptors(const std::string& redirections) const {
+        return run("mkfifo pipe; echo >file; zebdb-cds dump pipe " + redirections + R"( &
+            exec 9>pipe  # goes on when the command has opened it
+            for descriptor in 0 1 2; do
+                echo $(basename $(readlink /proc/$!/fd/$descriptor)) \
+                    $(sed -n 's/^flags:.*\(.\)$/\1/p' /proc/$!/fdinfo/$descriptor)
+            done
+            exec 9>&-
+            wait
+            rm pipe)")
+            .out;
+    }
+};
+
+TEST_F(Process, KeepsTheDescriptorsThatItIsGiven) {
+    EXPECT_EQ(standard_descriptors("<file >file 2>file"), "file 0\nfile 1\nfile 1\n");
+}
+
+TEST_F(Process, LetsNoFileTakeTheDescriptorThatItsCallerClosed) {
+    EXPECT_EQ(standard_descriptors("<&- >file 2>file"), "null 1\nfile 1\nfile 1\n");
+    EXPECT_EQ(standard_descriptors("<file >&- 2>file"), "file 0\nnull 0\nfile 1\n");
+    EXPECT_EQ(standard_descriptors("<file >file 2>&-"), "file 0\nfile 1\nnull 0\n");
+    EXPECT_EQ(standard_descriptors("<&- >&- 2>&-"), "null 1\nnull 0\nnull 0\n");
+}
