@@ -148,6 +148,9 @@ SHELL = Program(
     },
 )  # fmt: skip
 
+# What the process does when there is no memory.
+FAULTS = Program("fault_tests", "tests/faults", near={"main": ["faults"]}, whole=False, sandbox="shared")
+
 
 def rules_of(room):
     """The rules of a room of the command, called by themselves: but for a test that takes half a minute as it is built
@@ -163,7 +166,7 @@ COMMAND = Part(
     source="tools/console/output.cpp",
     share=0.95,
     rooms={
-        "tools": [SHELL],
+        "tools": [SHELL, FAULTS],
         "tools/subcommands": [SHELL],
         **{
             f"tools/{room}": [rules_of(room), SHELL]
@@ -179,7 +182,7 @@ TARGETS = sorted({program.name for programs in ROOMS.values() for program in pro
 
 # Where a test program finds what it runs is compiled into it, so that each worker has one of its own.
 PLACES_OBJECT = "tests/CMakeFiles/built.dir/support/built.cpp.o"
-WITH_PLACES = ["tests/subcommand_tests"]
+WITH_PLACES = ["tests/subcommand_tests", "tests/fault_tests"]
 
 
 def sources_of(room):
