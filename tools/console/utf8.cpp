@@ -35,7 +35,7 @@ struct decoded {
 };
 
 std::uint32_t byte_at(const std::string& text, std::size_t place) {
-    return place < text.size() ? static_cast<unsigned char>(text[place]) : 0;
+    return static_cast<unsigned char>(text[place]);  // at the end a zero, which continues no character
 }
 
 bool is_continuation(std::uint32_t byte) {
@@ -86,11 +86,11 @@ std::string escaped(std::uint32_t control) {
     }
 }
 
-// Those that turn the direction of writing make a text look like another one.
+// Of what is not printable ASCII. What turns the direction of writing makes a text look like another one.
 bool is_control(std::uint32_t character) {
     const bool turns_direction =
         (character >= 0x202A && character <= 0x202E) || (character >= 0x2066 && character <= 0x2069);
-    return character < 0x20 || (character >= 0x7F && character < 0xA0) || turns_direction;
+    return character < 0xA0 || turns_direction;
 }
 
 // Adds the printable ASCII characters that stand at `place` to `result`, since most of any text are such, and gives the
