@@ -14,6 +14,15 @@ TEST(RepairedUtf8, OfTheFirstAndTheLastCharacterOfEachLengthIsTheText) {
     EXPECT_EQ(repaired_utf8(text), text);
 }
 
+TEST(RepairedUtf8, OfAZeroIsTheText) {
+    const std::string text("a\0b", 3);
+    EXPECT_EQ(repaired_utf8(text), text);
+}
+
+TEST(RepairedUtf8, HasNoCharactersOfFiveBytes) {
+    EXPECT_EQ(repaired_utf8("\xF8\x88\x80\x80\x80"), "\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD");
+}
+
 TEST(RepairedUtf8, HasAReplacementCharacterForEveryStrayByte) {
     EXPECT_EQ(repaired_utf8("a\xFF\x80z"), "a\uFFFD\uFFFDz");
 }
@@ -31,20 +40,22 @@ TEST(RepairedUtf8, ReplacesACharacterThatIsWrittenLongerThanItHasToBe) {
 
 TEST(RepairedUtf8, ReplacesNumbersThatAreNoCharacters) {
     EXPECT_EQ(repaired_utf8("\xED\xA0\x80"), "\uFFFD\uFFFD\uFFFD");
+    EXPECT_EQ(repaired_utf8("\xED\xBF\xBF"), "\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(repaired_utf8("\xF4\x90\x80\x80"), "\uFFFD\uFFFD\uFFFD\uFFFD");
 }
 
 TEST(Printable, WritesControlCharactersAsEscapes) {
     EXPECT_EQ(printable("a\tb\nc\rd\x1b[2J\x7F"), "a\\tb\\nc\\rd\\x1b[2J\\x7f");
-    EXPECT_EQ(printable(std::string("\0", 1)), "\\x00");
+    EXPECT_EQ(printable(std::string("\0\x1f", 2)), "\\x00\\x1f");
 }
 
 TEST(Printable, WritesTheControlCharactersOfTheUpperHalfAsEscapes) {
-    EXPECT_EQ(printable("a\u0085b\u009bc"), "a\\x85b\\x9bc");
+    EXPECT_EQ(printable("a\u0080b\u009bc\u009fd"), "a\\x80b\\x9bc\\x9fd");
 }
 
 TEST(Printable, WritesWhatTurnsTheDirectionOfWritingAsEscapes) {
     EXPECT_EQ(printable("a\u202ab\u202ec\u2066d\u2069e"), "a\\u202ab\\u202ec\\u2066d\\u2069e");
+    EXPECT_EQ(printable("\u202c\u2067"), "\\u202c\\u2067");
     EXPECT_EQ(printable("\u2029\u202f\u2065\u206a"), "\u2029\u202f\u2065\u206a");
 }
 
@@ -74,6 +85,11 @@ TEST(FirstCharacters, TakesAStrayByteForACharacter) {
 
 TEST(PrintableLines, AreThoseOfTheText) {
     EXPECT_EQ(printable_lines("a\x1b\n\nb\r\n"), "a\\x1b\n\nb\\r\n");
+    EXPECT_EQ(printable_lines(""), "");
+}
+
+TEST(PrintableLines, AllEnd) {
+    EXPECT_EQ(printable_lines("a\nbc"), "a\nbc\n");
 }
 
 TEST(HarmlessJson, EscapesWhatJsonLeaves) {
