@@ -26,7 +26,7 @@ constexpr std::time_t last_second = 253'402'300'799;
 
 std::string formatted(std::time_t time, const char* format) {
     std::tm parts = {};
-    char text[64] = "";
+    char text[64];
     if (::gmtime_r(&time, &parts) == nullptr || std::strftime(text, sizeof text, format, &parts) == 0) {
         return "";
     }
@@ -85,9 +85,9 @@ std::optional<moment> rfc3339_time(const std::string& text) {
     parts.tm_sec = number(found[6]);
     const std::tm written = parts;
     const std::time_t local = ::timegm(&parts);
-    const bool is_in_calendar = parts.tm_mon == written.tm_mon && parts.tm_mday == written.tm_mday &&
-                                parts.tm_hour == written.tm_hour && parts.tm_min == written.tm_min &&
-                                parts.tm_sec == written.tm_sec;
+    // A day that the month does not have is one of another month.
+    const bool is_in_calendar = parts.tm_mon == written.tm_mon && parts.tm_hour == written.tm_hour &&
+                                parts.tm_min == written.tm_min && parts.tm_sec == written.tm_sec;
     const std::time_t hours = number(found[9]);
     const std::time_t minutes = number(found[10]);
     if (!is_in_calendar || hours > 23 || minutes > 59) {
