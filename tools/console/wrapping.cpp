@@ -90,7 +90,7 @@ std::string fitted_lines(const std::string& text, std::size_t width) {
     std::string fitted;
     std::istringstream in(text);
     for (std::string line; std::getline(in, line);) {
-        fitted += (shown_length(line) <= width ? line : fitted_line(line, width)) + '\n';
+        fitted += fitted_line(line, width) + '\n';
     }
     return fitted;
 }

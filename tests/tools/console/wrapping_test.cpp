@@ -29,9 +29,45 @@ TEST(Wrapping, KeepsTheBlanksInFront) {
     EXPECT_THAT(wrapped("  one two", 6), ElementsAre("  one", "two"));
 }
 
+TEST(Wrapping, BreaksALongWordBehindBlanksWithinItself) {
+    EXPECT_THAT(wrapped("  abcdef", 4), ElementsAre("  ab", "cdef"));
+}
+
+TEST(Wrapping, DropsTheBlanksBehind) {
+    EXPECT_THAT(wrapped("one  ", 10), ElementsAre("one"));
+    EXPECT_THAT(wrapped("one  ", 3), ElementsAre("one"));
+    EXPECT_THAT(wrapped("   ", 2), ElementsAre(""));
+}
+
 TEST(FittedLines, AreBrokenAtBlanksAndGoOnIndented) {
     EXPECT_EQ(fitted_lines("  one two three\nfour\n", 12), "  one two\n      three\nfour\n");
     EXPECT_EQ(fitted_lines("one two three\n", 13), "one two three\n");
+}
+
+TEST(FittedLines, AreFilledWhereverTheyBegin) {
+    EXPECT_EQ(fitted_lines("aa bb cc dd ee ff gg hh\n", 11), "aa bb cc dd\n    ee ff\n    gg hh\n");
+}
+
+TEST(FittedLines, AreBrokenBeforeAWordThatIsOneCharacterTooLong) {
+    EXPECT_EQ(fitted_lines("one two three\n", 12), "one two\n    three\n");
+}
+
+TEST(FittedLines, AreBrokenBeforeAWordThatJustFitsBelow) {
+    EXPECT_EQ(fitted_lines("one two three\n", 9), "one two\n    three\n");
+    EXPECT_EQ(fitted_lines("one two three\n", 8), "one two three\n");
+}
+
+TEST(FittedLines, AreNotBrokenBeforeAWordThatJustFits) {
+    EXPECT_EQ(fitted_lines("one two three\n", 7), "one two three\n");
+}
+
+TEST(FittedLines, OfBlanksStayAsTheyAre) {
+    EXPECT_EQ(fitted_lines("     \none  \n", 3), "     \none  \n");
+}
+
+TEST(FittedLines, AllEnd) {
+    EXPECT_EQ(fitted_lines("one\ntwo", 3), "one\ntwo\n");
+    EXPECT_EQ(fitted_lines("a", 1), "a\n");
 }
 
 TEST(FittedLines, AreLeftAloneWhereThereIsNoWidth) {
@@ -48,4 +84,8 @@ TEST(FittedLines, KeepSeveralBlanksTogether) {
 
 TEST(FittedLines, CountCharactersWithoutControlSequences) {
     EXPECT_EQ(fitted_lines("\033[1m\u00e9\u00e9\u00e9 two\033[0m\n", 7), "\033[1m\u00e9\u00e9\u00e9 two\033[0m\n");
+}
+
+TEST(FittedLines, CountWhatStandsBehindControlSequences) {
+    EXPECT_EQ(fitted_lines("\033[1mone\033[0m two three\n", 12), "\033[1mone\033[0m two\n    three\n");
 }
