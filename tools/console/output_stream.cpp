@@ -6,10 +6,6 @@
 
 #include "console/output.h"
 
-output_buffer::output_buffer() : block_() {
-    setp(block_.data(), block_.data() + block_.size());
-}
-
 void output_buffer::finish() {
     print(std::string(pbase(), pptr()));
     setp(block_.data(), block_.data() + block_.size());

@@ -11,8 +11,6 @@
 /// Gathers what is written into large blocks, also when it is told to flush, and prints them, see print().
 class output_buffer : public std::streambuf {
 public:
-    output_buffer();
-
     /// Prints what is left. Throws failure.
     void finish();
 
@@ -20,7 +18,7 @@ protected:
     int_type overflow(int_type next) override;
 
 private:
-    std::array<char, 1 << 16> block_;
+    std::array<char, 1 << 16> block_ = {};  // used from the first overflow on
 };
 
 #endif
