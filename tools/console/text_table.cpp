@@ -144,8 +144,7 @@ std::string blocks(const std::vector<text_column>& columns, std::size_t availabl
 
 std::size_t width_in_environment() {
     const char* columns = std::getenv("COLUMNS");
-    const bool is_number =
-        columns != nullptr && *columns != '\0' && std::strspn(columns, "0123456789") == std::strlen(columns);
+    const bool is_number = columns != nullptr && std::strspn(columns, "0123456789") == std::strlen(columns);
     return is_number ? std::strtoul(columns, nullptr, 10) : 0;
 }
 
