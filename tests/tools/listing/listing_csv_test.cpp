@@ -24,6 +24,19 @@ TEST_F(ListingCsv, QuotesWhatWouldEndAField) {
                 HasSubstr("\r\n1,1,\"a,b\",,,\"c\"\"d\",2259465255255039,\"e\r\nf\",,,,2100,,,\"\", g ,,16,"));
 }
 
+TEST_F(ListingCsv, QuotesATextWithOneOfTheCharactersThatEndAFieldOrALine) {
+    for (const std::string character : {",", "\r", "\n"}) {
+        EXPECT_EQ(listing_csv({{&kinds::memory, {"Id", "DevLocator"}, {{std::int64_t{1}, "a" + character + "b"}}}}),
+                  "Id,DevLocator\r\n1,\"a" + character + "b\"\r\n");
+    }
+    EXPECT_EQ(listing_csv({{&kinds::memory, {"Id", "DevLocator"}, {{std::int64_t{1}, "a\"b"}}}}),
+              "Id,DevLocator\r\n1,\"a\"\"b\"\r\n");
+}
+
+TEST_F(ListingCsv, QuotesTheNameOfAColumnLikeAText) {
+    EXPECT_EQ(listing_csv({{&kinds::memory, {"a,b", "c"}, {}}}), "\"a,b\",c\r\n");
+}
+
 TEST_F(ListingCsv, WritesAReplacementCharacterForTextThatIsNotUtf8) {
     execute("UPDATE Processor SET Version = CAST(x'61FF62C3' AS TEXT)");
     EXPECT_THAT(listing_csv(only(kinds::processors)), HasSubstr(",a\uFFFDb\uFFFD,"));

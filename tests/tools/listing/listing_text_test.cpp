@@ -4,6 +4,7 @@
 
 #include "rows/pci_label_columns.h"
 #include "rows/redaction.h"
+#include "tools/listing/fans.h"
 #include "tools/listing/listing_test.h"
 
 using testing::HasSubstr;
@@ -128,6 +129,54 @@ TEST_F(ListingText, WrapsFreeTextsWhereTheLineIsTooLong) {
               " 1     1  CPU 1   vvvvvvvvvvvvvvvv  12/16       24  2100 MHz  24.8 MiB  0x000806f8bfebfbff  "
               "sssssssssssssssss  CPU-TAG\n"
               "                  vvvvvvvvvvvvvv                                                            sss\n");
+}
+
+TEST_F(ListingText, HasNoHeadingsOfColumnsWithoutRows) {
+    load(cds_file(""));
+    listing_view wide;
+    wide.wide = true;
+    EXPECT_EQ(listing_text(only(kinds::bridges), wide, {}), "Bridges (0)\n");
+    listing_view chosen;
+    chosen.columns = {"Id"};
+    EXPECT_EQ(listing_text(only(kinds::bridges), chosen, {}), "Bridges (0)\n");
+}
+
+TEST_F(ListingText, HasBoldHeadingsWhereControlSequencesAreUnderstood) {
+    load(cds_file(cds_component("cpu_info", {text("Socket Designation", "CPU 1")})));
+    text_style style;
+    style.has_control_sequences = true;
+    EXPECT_EQ(listing_text(only(kinds::processors), {}, style),
+              "\033[1mProcessors (1)\033[0m\n"
+              "\033[1mId  Socket\033[0m\n"
+              " 1  CPU 1\n");
+}
+
+class ListingTextOfFans : public testing::Test {
+protected:
+    static std::string of_width(std::size_t width) {
+        text_style style;
+        style.width = width;
+        return listing_text({{&fans,
+                              {"Name", "Speed", "Serial"},
+                              {{"nnnnnnnn nnn", std::int64_t{123456789012}, std::int64_t{12345678901}}}}},
+                            {}, style);
+    }
+};
+
+TEST_F(ListingTextOfFans, WrapsFreeTexts) {
+    EXPECT_EQ(of_width(39),
+              "Fans (1)\n"
+              "Name      Speed                  Serial\n"
+              "nnnnnnnn  123456789012 MHz  12345678901\n"
+              "nnn\n");
+}
+
+TEST_F(ListingTextOfFans, WrapsNeitherNumbersNorWhatHasAUnit) {
+    EXPECT_EQ(of_width(38),
+              "Fans (1)\n"
+              "Name    nnnnnnnn nnn\n"
+              "Speed   123456789012 MHz\n"
+              "Serial  12345678901\n");
 }
 
 TEST(ListingTextOfAKind, IsThereForEveryOne) {
