@@ -35,8 +35,8 @@ std::string named(char character) {
 // How the same file may be named by a path that is short enough.
 std::string shorter_path(const std::string& path, std::size_t longest) {
     const std::size_t slash = path.rfind('/');
-    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
-    if (slash == std::string::npos || slash == 0 || name.empty() || name.size() > longest) {
+    const std::string name = path.substr(slash + 1);  // all of it where there is no slash
+    if (slash == 0 || name.empty() || name.size() > longest) {
         return "name the file by a shorter path";
     }
     return "go to its folder with 'cd " + path.substr(0, slash) + "' and name it '" + name + "'";

@@ -10,6 +10,7 @@
 #include "support/scratch_folder.h"
 
 using testing::EndsWith;
+using testing::StartsWith;
 
 namespace {
 
@@ -26,7 +27,7 @@ std::string refusal_of(const std::string& path, std::size_t longest = 1000) {
 
 TEST(ShellPath, MayHoldLettersDigitsAndWhatMeansNothingToAShell) {
     const scratch_folder folder;
-    const std::string path = folder.file("aZ09._-+,:@%=\u00e9");
+    const std::string path = folder.file("azAZ09._-+,:@%=\u00c0\u00e9");
     std::ofstream{path};
     EXPECT_EQ(refusal_of(path), "none");
 }
@@ -47,12 +48,16 @@ TEST(ShellPath, HoldsNoCharacterThatMeansSomethingToAShell) {
 }
 
 TEST(ShellPath, HoldsNoControlCharacter) {
-    for (const std::string special : {"\n", "\t", "\x7F"}) {
+    for (const std::string special : {"\x01", "\n", "\t", "\x1F", "\x7F"}) {
         EXPECT_EQ(refusal_of("a" + special + "b"),
                   "refused path 'a" + special +
                       "b': it goes to a shell as it is and holds a control character; rename "
                       "the file or name it by another path");
     }
+}
+
+TEST(ShellPath, HoldsNoZero) {
+    EXPECT_THAT(refusal_of(std::string("a\0b", 3)), StartsWith("refused path 'a"));
 }
 
 TEST(ShellPath, LooksLikeNoOption) {
@@ -73,12 +78,20 @@ TEST(ShellPath, IsNoLongerThanTheLibraryTakes) {
 }
 
 TEST(ShellPath, ThatIsTooLongEvenInItsFolderNeedsAnotherName) {
-    const std::string advice = "name the file by a shorter path";
+    const std::string advice = "in; name the file by a shorter path";
     EXPECT_THAT(refusal_of("longer", 5), EndsWith(advice));
     EXPECT_THAT(refusal_of("in/longer", 5), EndsWith(advice));
     EXPECT_THAT(refusal_of("/longer", 5), EndsWith(advice));
     EXPECT_THAT(refusal_of("in/a/folder/", 5), EndsWith(advice));
-    EXPECT_THAT(refusal_of("in/short", 5), EndsWith("go to its folder with 'cd in' and name it 'short'"));
+}
+
+TEST(ShellPath, ThatIsTooLongInTheTopmostFolderNeedsAnotherName) {
+    EXPECT_THAT(refusal_of("/short", 5), EndsWith("in; name the file by a shorter path"));
+}
+
+TEST(ShellPath, ThatIsTooLongWithItsFolderIsOfferedFromThere) {
+    EXPECT_THAT(refusal_of("in/short", 5), EndsWith("in; go to its folder with 'cd in' and name it 'short'"));
+    EXPECT_THAT(refusal_of("i/short", 5), EndsWith("in; go to its folder with 'cd i' and name it 'short'"));
 }
 
 TEST(ShellPath, NamesAFile) {
