@@ -62,7 +62,7 @@ std::string own_path() {
 // The file that holds the function at `address`.
 std::string file_of(const void* address) {
     Dl_info info = {};
-    return ::dladdr(address, &info) != 0 && info.dli_fname != nullptr ? info.dli_fname : "";
+    return ::dladdr(address, &info) != 0 ? info.dli_fname : "";
 }
 
 // The script that makes the view stands where an installed program has it, and a build likewise.
