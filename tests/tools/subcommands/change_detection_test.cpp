@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdint>
+
 #include "support/cds_text.h"
 #include "tools/subcommands/command_test.h"
 
@@ -35,6 +37,24 @@ protected:
     void refresh_and_save() const {
         ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
         ASSERT_EQ(zebdb_cds("save-digest server.xml other.bin").status, 0);
+    }
+
+    // Runs a copy of the program in a folder of its own, without the script unless `prepare` makes one.
+    command_result run_copy(const std::string& prepare) const {
+        return run(R"sh(
+            mkdir -p bin libexec/zebdb-cds
+            program=$(command -v zebdb-cds)
+            cp "$program" bin
+            export LD_LIBRARY_PATH=$(dirname "$program")/..:$(dirname "$program")/../platform:$LD_LIBRARY_PATH
+        )sh" + prepare +
+                   "\nbin/zebdb-cds refresh server.xml --root r");
+    }
+
+    void expect_refused_behind_dashes(const std::string& files, const std::string& refused) const {
+        const command_result result = run("zebdb-cds save-digest --root r -- " + files);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.last_error_line(),
+                  "zebdb-cds: refused path '" + refused + "': sha384sum would not take it for a file; put ./ in front");
     }
 
     void expect_refused(const std::string& arguments, const std::string& message) const {
@@ -84,20 +104,59 @@ TEST_F(ChangeDetection, CheckCountsThePendingFirmware) {
     EXPECT_EQ(result.out, "changed\n  firmware is pending: 2 updates\n");
 }
 
-TEST_F(ChangeDetection, CheckCannotTellWithoutASavedDigest) {
-    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
-    expect_refused("check server.xml other.bin",
-                   "cannot tell whether the inventory changed: a file has no saved digest; save it with 'zebdb-cds "
-                   "save-digest'");
+TEST_F(ChangeDetection, CheckSaysOfOnePendingUpdateThatItIsOne) {
+    refresh_and_save();
+    execute("inventory.db", "INSERT INTO PendingFirmware (Component, Version) VALUES ('NIC', '1.2')");
+    EXPECT_EQ(zebdb_cds("check server.xml other.bin").out, "changed\n  firmware is pending: 1 update\n");
+}
+
+TEST_F(ChangeDetection, CheckNamesEveryReasonOfTheInventoryInALineOfItsOwn) {
+    refresh_and_save();
+    execute("inventory.db",
+            "INSERT INTO PendingFirmware (Component, Version) VALUES ('NIC', '1.2');"
+            "DELETE FROM PCIs WHERE BusNo = 2; UPDATE PCIAdapter SET PCIFuncKey = 0 WHERE PCIFuncKey = 0x10000");
+    EXPECT_EQ(zebdb_cds("check server.xml other.bin").out,
+              "changed\n"
+              "  firmware is pending: 1 update\n"
+              "  function key 0x00020000 (0000:02:00.0) of /var/DS/pci_inventory.fkey has vanished from PCIs\n"
+              "  function key 0x00010000 (0000:01:00.0) of /var/DS/inventory.fkey has vanished from PCIAdapter\n");
+}
+
+TEST_F(ChangeDetection, CheckWritesEveryByteOfAKeyAsAPartOfAnAddress) {
+    refresh_and_save();
+    const std::uint32_t saved[] = {2, 0xA1B3C5D7, 0};
+    write("r/var/DS/pci_inventory.fkey", {reinterpret_cast<const char*>(saved), sizeof saved});
+    EXPECT_EQ(zebdb_cds("check server.xml other.bin").out,
+              "changed\n  function key 0xa1b3c5d7 (00a1:b3:c5.d7) of /var/DS/pci_inventory.fkey has vanished from "
+              "PCIs\n");
+}
+
+TEST_F(ChangeDetection, CheckLogsOnceThatAFileDiffers) {
+    refresh_and_save();
+    write("other.bin", "changed");
+    const std::string log = zebdb_cds("check server.xml other.bin").err;
+    const std::string difference = "other.bin digest [";
+    EXPECT_NE(log.find(difference), std::string::npos);
+    EXPECT_EQ(log.find(difference), log.rfind(difference));
+}
+
+TEST_F(ChangeDetection, CheckCannotTellWithoutASavedDigestOfEither) {
+    for (const std::string file : {"server.xml", "other.bin"}) {
+        refresh_and_save();
+        std::filesystem::remove(folder() / (file + ".digest"));
+        expect_refused("check server.xml other.bin",
+                       "cannot tell whether the inventory changed: a file has no saved digest; save it with "
+                       "'zebdb-cds save-digest'");
+    }
 }
 
 TEST_F(ChangeDetection, CheckCannotTellWithoutTheAdapterKeys) {
     refresh_and_save();
     std::filesystem::remove(folder() / "r/var/DS/inventory.fkey");
-    const command_result result = zebdb_cds("check server.xml other.bin");
-    EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("cannot tell whether the inventory changed: /var/DS/inventory.fkey"));
-    EXPECT_THAT(result.err, EndsWith("cannot be read; write it with 'zebdb-cds refresh'\n"));
+    expect_refused("check server.xml other.bin",
+                   "cannot tell whether the inventory changed: /var/DS/inventory.fkey (with --root that is '" +
+                       (folder() / "r/var/DS/inventory.fkey").string() +
+                       "') cannot be read; write it with 'zebdb-cds refresh'");
 }
 
 TEST_F(ChangeDetection, CheckWithoutADatabaseMakesNone) {
@@ -215,6 +274,12 @@ TEST_F(ChangeDetection, BmcAddressIsNoAnswerWithoutTheControllersBridge) {
               "zebdb-cds: 'inventory.db' holds no bridge 1a03:1150, which is the controller's own");
 }
 
+TEST_F(ChangeDetection, BmcAddressFailsWhenTheBridgesCannotBeRead) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    execute("inventory.db", "DROP TABLE PCIBridge");
+    expect_refused("bmc-address", "query PCIBridge: no such table: PCIBridge");
+}
+
 TEST_F(ChangeDetection, BmcAddressFailsWhenTheRecordCannotBeWritten) {
     ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
     execute("inventory.db",
@@ -263,6 +328,71 @@ TEST_F(ChangeDetection, RootMayStandBehindAnEqualsSign) {
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(query("inventory.db", "SELECT count(*) FROM PCIs"), "3");
     EXPECT_TRUE(std::filesystem::exists(folder() / "r/var/DS/pci_inventory.fkey"));
+}
+
+TEST_F(ChangeDetection, RootIsNoOptionBehindTwoDashes) {
+    expect_refused_behind_dashes("--root server.xml", "--root");
+    expect_refused_behind_dashes("server.xml --root=x", "--root=x");
+}
+
+TEST_F(ChangeDetection, RootFindsTheProgramAndItsLibrariesBelowTmp) {
+    const command_result result = run(R"sh(
+        program=$(command -v zebdb-cds)
+        build=$(dirname "$program")/..
+        mkdir -p /tmp/bin /tmp/libexec /tmp/parser /tmp/platform
+        cp "$program" /tmp/bin
+        cp -RL "$build/libexec/zebdb-cds" /tmp/libexec
+        cp "$build"/libzebdb_cds_parser.so* /tmp/parser
+        cp "$build"/platform/libzebdb_platform.so* /tmp/platform
+        LD_LIBRARY_PATH=/tmp/parser:/tmp/platform:$LD_LIBRARY_PATH /tmp/bin/zebdb-cds refresh server.xml --root root
+    )sh");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(query("inventory.db", "SELECT count(*) FROM PCIs"), "3");
+}
+
+TEST_F(ChangeDetection, RootNeedsTheScriptBesideTheProgram) {
+    const std::string script = (folder() / "bin/../libexec/zebdb-cds/sandbox").string();
+    const std::string refusal =
+        "zebdb-cds: --root needs the script '" + script + "', which is not there; install the command again\n";
+    EXPECT_EQ(run_copy("").err, refusal);
+    EXPECT_EQ(run_copy("touch libexec/zebdb-cds/sandbox").err, refusal);
+}
+
+TEST_F(ChangeDetection, RootFailsWhenTheScriptCannotBeRun) {
+    const command_result result =
+        run_copy("echo '#!/missing/shell' >libexec/zebdb-cds/sandbox && chmod +x libexec/zebdb-cds/sandbox");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zebdb-cds: cannot run '" + (folder() / "bin/../libexec/zebdb-cds/sandbox").string() +
+                              "': No such file or directory\n");
+}
+
+TEST_F(ChangeDetection, RootFailsWhenTheProgramIsGone) {
+    const command_result result = run(R"sh(
+        cp "$(command -v zebdb-cds)" program
+        exec 9<program
+        rm program
+        build=$(dirname "$(command -v zebdb-cds)")/..
+        export LD_LIBRARY_PATH=$build:$build/platform:$LD_LIBRARY_PATH
+        /proc/self/fd/9 refresh server.xml --root r
+    )sh");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zebdb-cds: cannot find the program itself: No such file or directory\n");
+}
+
+TEST_F(ChangeDetection, WorksOnTheDatabaseThatTheOptionNamesWhateverTheEnvironmentSays) {
+    const command_result result =
+        run("ZEBDB_DATABASE=other.db zebdb-cds refresh server.xml --database named.db --root r");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(query("named.db", "SELECT count(*) FROM PCIs"), "3");
+    EXPECT_FALSE(std::filesystem::exists(folder() / "other.db"));
+}
+
+TEST_F(ChangeDetection, RefreshFailsWhenTheSequencesCannotBeRead) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    execute("inventory.db", "DROP TABLE InventorySequence");
+    expect_refused("refresh server.xml",
+                   "cannot refresh 'inventory.db' from 'server.xml': query InventorySequence: no such table: "
+                   "InventorySequence");
 }
 
 TEST_F(ChangeDetection, RootThatCannotBeMadeIsAFailure) {

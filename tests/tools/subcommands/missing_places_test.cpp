@@ -81,6 +81,13 @@ protected:
             $as_modes_tell zebdb-cds )sh" +
                    arguments);
     }
+
+    // The same beside the marker of a user of that number, which others may use as `mode` says.
+    command_result beside_the_marker_of(int user, const std::string& mode) const {
+        const std::string marker = "/tmp/.dmdb_memory_deleted_flag";
+        return run("touch " + marker + "; chmod " + mode + ' ' + marker + "; chown " + std::to_string(user) + ' ' +
+                   marker + " || exit 77\nsetpriv --bounding-set=-all --inh-caps=-all zebdb-cds load server.xml");
+    }
 };
 
 constexpr const char* not_renewed =
@@ -108,4 +115,31 @@ TEST_F(ForeignMarker, IsNamedByARefresh) {
 
 TEST_F(ForeignMarker, IsNoneWhenItIsOnesOwn) {
     EXPECT_THAT(run("zebdb-cds load server.xml && zebdb-cds load server.xml").err, Not(HasSubstr("zebdb-cds:")));
+}
+
+TEST_F(ForeignMarker, IsNoneWhenItIsOnesOwnAndMayNotBeWritten) {
+    EXPECT_THAT(
+        run("touch /tmp/.dmdb_memory_deleted_flag; chmod 400 /tmp/.dmdb_memory_deleted_flag; zebdb-cds load server.xml")
+            .err,
+        Not(HasSubstr("zebdb-cds:")));
+}
+
+TEST_F(ForeignMarker, IsNamedByTheNumberOfAUserWithoutAName) {
+    const command_result result = beside_the_marker_of(54321, "600");
+    if (result.status == no_other_user) {
+        GTEST_SKIP() << "nobody can give a file to another user here";
+    }
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.last_error_line(),
+              "zebdb-cds: /tmp/.dmdb_memory_deleted_flag, the mark that a load has deleted the memory rows, belongs to "
+              "user 54321 and was not renewed; the rows are loaded all the same");
+}
+
+TEST_F(ForeignMarker, IsNoMatterWhenItMayBeWritten) {
+    const command_result result = beside_the_marker_of(65534, "666");
+    if (result.status == no_other_user) {
+        GTEST_SKIP() << "nobody can give a file to another user here";
+    }
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.err, Not(HasSubstr("zebdb-cds:")));
 }
