@@ -30,5 +30,6 @@ TEST_F(Process, LetsNoFileTakeTheDescriptorThatItsCallerClosed) {
     EXPECT_EQ(standard_descriptors("<&- >file 2>file"), "null 1\nfile 1\nfile 1\n");
     EXPECT_EQ(standard_descriptors("<file >&- 2>file"), "file 0\nnull 0\nfile 1\n");
     EXPECT_EQ(standard_descriptors("<file >file 2>&-"), "file 0\nfile 1\nnull 0\n");
+    EXPECT_EQ(standard_descriptors("<file >file 2>&- 3<file"), "file 0\nfile 1\nnull 0\n");
     EXPECT_EQ(standard_descriptors("<&- >&- 2>&-"), "null 1\nnull 0\nnull 0\n");
 }
