@@ -154,10 +154,16 @@ struct reference {
     std::string out;
 };
 
+// The command, which alone ends with 2, says whose message it is; the library's log may stand before it.
+bool is_whole_message(const run_result& result) {
+    const bool is_named = result.status != 2 || result.err.find("zebdb-cds: ") != std::string::npos;
+    return is_named && result.err.back() == '\n';
+}
+
 std::string outcome(const subject& tried, const run_result& result, const reference& undisturbed) {
     std::string text = std::to_string(result.status);
     if (result.status == 2 || (result.status == 1 && !tried.database.empty())) {
-        text += result.err.empty() ? ", silent" : ", message";
+        text += result.err.empty() ? ", silent" : is_whole_message(result) ? ", message" : ", PART OF A MESSAGE";
     }
     if (tried.database.empty()) {
         return text + (result.status > 1 ? "" : result.out == undisturbed.out ? ", whole" : ", NOT WHOLE");
