@@ -55,6 +55,16 @@ TEST_F(ExplainedRows, AreThoseOfALoadWhateverLiesBetweenThem) {
 
 class ExplainedSample : public ExplainedRows, public testing::WithParamInterface<const char*> {};
 
+TEST_F(ExplainedRows, AreBehindTheNearestBridgeAboveThem) {
+    std::vector<std::int64_t> above;
+    for (const explanation& told :
+         explanations(cds_file(bridge("1", {}, bridge("2", {}, function("3")) + function("4")) + function("5")))) {
+        above.push_back(told.bridge);
+    }
+    const std::int64_t none = component_loader::no_parent;
+    EXPECT_THAT(above, testing::ElementsAre(none, 1, 2, 1, none));
+}
+
 TEST_P(ExplainedSample, HasTheRowsOfALoad) {
     std::ifstream file(SAMPLES_DIR + std::string("/") + GetParam() + ".xml");
     const std::string content{std::istreambuf_iterator<char>(file), {}};

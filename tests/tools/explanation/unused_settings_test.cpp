@@ -52,6 +52,11 @@ TEST_F(UnusedSettings, AreCountedInAll) {
               2);
 }
 
+TEST_F(UnusedSettings, AreListedWhereEveryComponentIsToldAbout) {
+    const json all = told(processor("CPU 1", {text("Color", "red")}), told_about::everything);
+    EXPECT_THAT(all.back()["unused_settings"], ElementsAre(unknown("cpu_info", "Color")));
+}
+
 TEST_F(UnusedSettings, AreListedOfAComponentWithoutARow) {
     EXPECT_THAT(unused(cds_component("pci_device_info", {integer("Bus-Number", "1"), integer("Location", "1")})),
                 ElementsAre(unknown("pci_device_info", "Bus-Number", "Bus Number")));

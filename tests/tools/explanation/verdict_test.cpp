@@ -209,6 +209,15 @@ TEST_F(Verdict, OfASecondFunctionOfAGpuCardAreTheCardAndItsFirstFunction) {
     EXPECT_EQ(all[2]["row"]["Id"], 2);
 }
 
+TEST_F(Verdict, OfASecondFunctionWithoutASlotIsOfTheCardAtSlotMinusOne) {
+    const json all = told(function("1", {hex("Vendor ID", "8086"), hex("Device ID", "56C1")}) +
+                          function("2", {hex("Vendor ID", "8086"), hex("Device ID", "56C1")}));
+    EXPECT_EQ(all[0]["result"], "recorded");
+    EXPECT_EQ(all[1]["reasons"].at(0),
+              "the card at slot -1 is recorded once, by its first function 0000:01:00.0; at a slot of its own it would "
+              "have made a row");
+}
+
 TEST_F(Verdict, AreNoneOfTheSameGpuCardInAnotherNode) {
     const json all = told(server(gpu("1", "5"), "1") + server(gpu("1", "5"), "2"));
     EXPECT_EQ(all[0]["result"], "recorded");
