@@ -29,8 +29,7 @@ constexpr std::string_view opening = "{{";
 constexpr std::string_view closing = "}}";
 
 bool is_alone_on_its_line(std::string_view line) {
-    return line.size() > opening.size() + closing.size() && line.substr(0, opening.size()) == opening &&
-           line.find(closing) == line.size() - closing.size() &&
+    return line.substr(0, opening.size()) == opening && line.find(closing) == line.size() - closing.size() &&
            std::string_view("#^/>").find(line[opening.size()]) != std::string_view::npos;
 }
 
@@ -57,11 +56,9 @@ const json* find_value(const std::vector<const json*>& scopes, const std::string
         return scopes.back();
     }
     for (auto scope = scopes.rbegin(); scope != scopes.rend(); ++scope) {
-        if ((*scope)->is_object()) {
-            const auto found = (*scope)->find(name);
-            if (found != (*scope)->end()) {
-                return &*found;
-            }
+        const auto found = (*scope)->find(name);  // none in what is no object
+        if (found != (*scope)->end()) {
+            return &*found;
         }
     }
     return nullptr;
@@ -118,10 +115,8 @@ public:
         nodes all;
         while (!rest_.empty()) {
             const std::size_t start = std::min(rest_.find(opening), rest_.size());
-            if (start != 0) {
-                all.push_back({node_type::text, std::string(rest_.substr(0, start)), {}});
-                rest_.remove_prefix(start);
-            }
+            all.push_back({node_type::text, std::string(rest_.substr(0, start)), {}});
+            rest_.remove_prefix(start);
             if (rest_.empty()) {
                 break;
             }
