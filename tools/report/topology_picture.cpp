@@ -110,7 +110,7 @@ private:
     json node_json(std::size_t place) {
         const tree_node& node = group_.nodes[place];
         json drawn = node.part ? part_node(parts_[*node.part]) : left_out_node(node.explanation);
-        const bool has_label = node.below.empty() || !drawn["bridge"];
+        const std::string label = node.below.empty() ? shortened(drawn["text"]) : "";
         const std::size_t left = left_of(node);
         const std::size_t middle_y = middle(lines_[place]);
         drawn["short"] = short_address(node.address);
@@ -119,18 +119,13 @@ private:
         drawn["text_x"] = left + box_width / 2;
         drawn["text_y"] = middle_y + 4;
         drawn["label_x"] = left + box_width + 8;
-        drawn["label"] = has_label ? json(shortened(drawn["text"])) : json();
-        const std::size_t label_width = has_label ? (most_characters + 4) * character_width : 0;
-        width_ = std::max(width_, left + box_width +
-                                      std::min(label_width, length_of(shortened(drawn["text"])) * character_width) +
-                                      4 * margin);
+        drawn["label"] = label;
+        width_ = std::max(width_, left + box_width + length_of(label) * character_width + 4 * margin);
         return drawn;
     }
 
     json part_node(const pci_part& part) const {
-        json drawn = {{"change", nullptr},
-                      {"bridge", part.is_bridge},
-                      {"family", part.is_bridge ? "bridge" : family_of(part)},
+        json drawn = {{"family", part.is_bridge ? "bridge" : family_of(part)},
                       {"href", fragment_of(reported_.names.of(part.row).id)},
                       {"text", part.is_bridge ? "nothing behind it" : description_text(part)},
                       {"full", address_text(part) + ' ' + shortened(description_text(part))}};
@@ -143,9 +138,10 @@ private:
 
     json left_out_node(std::size_t place) const {
         const explanation& told = reported_.explanations[place];
-        return {{"change", nullptr},      {"bridge", false},
-                {"family", "left-out"},   {"href", fragment_of(reported_.names.of_explanation(place).id)},
-                {"text", why_text(told)}, {"full", shortened(told.title) + ", " + why_text(told)}};
+        return {{"family", "left-out"},
+                {"href", fragment_of(reported_.names.of_explanation(place).id)},
+                {"text", why_text(told)},
+                {"full", shortened(told.title) + ", " + why_text(told)}};
     }
 
     void add_edges(json& edges, std::size_t place) const {

@@ -41,8 +41,9 @@ json node_json(const reported_inventory& reported, const std::vector<pci_part>& 
     json told = node.part ? recorded_json(reported, parts[*node.part]) : left_out_json(reported, node.explanation);
     told["left_out"] = !node.part.has_value();
     told["leads_on"] = !node.below.empty();
-    told["depth"] = node.depth > deepest_nested ? json(node.depth) : json();
-    told["nodes"] = json::array();
+    if (node.depth > deepest_nested) {
+        told["depth"] = node.depth;
+    }
     return told;
 }
 
