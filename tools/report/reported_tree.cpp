@@ -42,9 +42,7 @@ public:
                 group_of(node_text(parts_[i].row), group_text(parts_[i])).roots.push_back(i);
             }
         }
-        if (reported_.is_explained) {
-            add_left_out();
-        }
+        add_left_out();
         for (const pending_group& group : groups_) {
             finished_.push_back({group.server, group.segment, {}, {}});
             for (const std::size_t root : group.roots) {

@@ -43,7 +43,7 @@ json cell_json(const listed_column& shown, const inventory_row& row) {
     const std::string text =
         column == nullptr ? text_of(shown.text, row) : decoded_text(row.kind(), column, row[column]);
     if (stripped(text).empty()) {
-        return {{"text", ""}, {"raw", ""}, {"number", false}};
+        return {{"text", ""}};
     }
     const std::string raw = column == nullptr ? text : column_units::plain(row[column]);
     return {{"text", text}, {"raw", raw == text ? "" : raw}, {"number", shown.aligned == alignment::right}};
@@ -62,8 +62,9 @@ json table_json(const reported_inventory& reported, const inventory_table& table
         const anchor& named = reported.names.of(row);
         json& told =
             rows.emplace_back(json{{"place", named.place}, {"href", fragment_of(named.id)}, {"cells", json::array()}});
-        const change_mark* mark = reported.marks.of(row);
-        told["change"] = mark == nullptr ? json() : mark_json(*mark);
+        if (const change_mark* mark = reported.marks.of(row)) {
+            told["change"] = mark_json(*mark);
+        }
     }
     for (const listed_column& shown : table.kind->description().listed) {
         std::vector<json> cells;
@@ -79,8 +80,11 @@ json table_json(const reported_inventory& reported, const inventory_table& table
             rows[place]["cells"].push_back(std::move(cells[place]));
         }
     }
-    return {{"title", table.kind->title}, {"kind", table.kind->name},        {"count", table.rows.size()},
-            {"any", !table.rows.empty()}, {"headings", std::move(headings)}, {"rows", std::move(rows)}};
+    return {{"title", table.kind->title},
+            {"count", table.rows.size()},
+            {"any", !table.rows.empty()},
+            {"headings", std::move(headings)},
+            {"rows", std::move(rows)}};
 }
 
 }  // namespace
