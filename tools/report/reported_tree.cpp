@@ -13,6 +13,7 @@
 
 #include "explanation/explanation.h"
 #include "report/reported_inventory.h"
+#include "rows/fields.h"
 #include "rows/kinds.h"
 #include "rows/table.h"
 #include "topology/pci_topology.h"
@@ -74,7 +75,9 @@ private:
         for (std::size_t i = 0; i < explanations.size(); ++i) {
             const explanation& told = explanations[i];
             if (told.row) {
-                server = node_text(inventory_row(*told.row, 0));
+                inventory_table row = *told.row;
+                forget_absent_values(row);
+                server = node_text(inventory_row(row, 0));
             }
             if (!is_in_tree(told)) {
                 continue;
