@@ -68,6 +68,35 @@ TEST(Anchors, OfWhatWasLeftOutComeBehindTheRows) {
     EXPECT_EQ(names.of_explanation(0).id, "A1~2");
 }
 
+TEST(Anchors, OfRowsAreNoneOfWhatWasExplained) {
+    const std::vector<inventory_table> tables = {modules({"A1"})};
+    explanation recorded = {};
+    recorded.name = "A1";
+    recorded.row = tables[0];
+    explanation left_out = {};
+    left_out.name = "A1";
+    const anchors names(tables, {recorded, left_out}, {});
+    EXPECT_EQ(names.of_explanation(0).id, "");
+    EXPECT_EQ(names.of_explanation(1).id, "A1~2");
+    EXPECT_EQ(names.of_explanation(1).place, "A1");
+}
+
+TEST(Anchors, OfProcessorsAreSockets) {
+    const std::vector<inventory_table> tables = {{&kinds::processors, {"DevLocator", "Socket"}, {{"x", "CPU 1"}}}};
+    EXPECT_EQ(anchors(tables, {}, {}).of(inventory_row(tables[0], 0)).id, "CPU_1");
+}
+
+TEST(Anchors, SkipNamesThatArePlaces) {
+    EXPECT_EQ(id_of({"A1", "A1~2", "A1~3", "A1", "A1"}, 3), "A1~4");
+    EXPECT_EQ(id_of({"A1", "A1~2", "A1~3", "A1", "A1"}, 4), "A1~5");
+}
+
+TEST(FragmentOfAnId, IsAsItIsWhereNothingEndsIt) {
+    const std::string plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~:@!$&'()*+,;=/?";
+    EXPECT_EQ(fragment_of(plain), plain);
+    EXPECT_EQ(fragment_of(std::string("\0\x0f #", 4)), "%00%0F%20%23");
+}
+
 TEST(FragmentOfAnId, StandsInAnAddress) {
     EXPECT_EQ(fragment_of("0000:3a:02.0~2"), "0000:3a:02.0~2");
     EXPECT_EQ(fragment_of("a%\"<\xc3\xa4"), "a%25%22%3C%C3%A4");
