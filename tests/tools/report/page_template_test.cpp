@@ -60,6 +60,26 @@ TEST(PageTemplate, LeavesItsOwnLayoutOut) {
               "<ul>\n<li>1</li>\n<li>2</li>\n</ul>\n");
 }
 
+TEST(PageTemplate, LooksForNamesInsideOnlyThere) {
+    const json values = {{"a", "1"}, {"in", {{"a", "2"}}}, {"all", {{{"a", "3"}}, {{"b", "4"}}}}};
+    EXPECT_EQ(filled_text("{{#in}}{{a}}{{/in}}{{a}}", values), "21");
+    EXPECT_EQ(filled_text("{{#all}}{{a}}{{b}};{{/all}}{{a}}{{b}}", values), "3;14;1");
+}
+
+TEST(PageTemplate, LooksForNamesAroundATextToo) {
+    EXPECT_EQ(filled_text("{{#in}}{{.}}{{a}}{{/in}}", {{"a", "1"}, {"in", "text"}}), "text1");
+}
+
+TEST(PageTemplate, KeepsLinesThatHoldMoreThanATag) {
+    EXPECT_EQ(filled_text("{{#a}}x{{/a}}\n{{a}}\n{{{a}}}\n{{^b}}\n   \n{{/b}}\nend", {{"a", "1"}}), "x\n1\n1\nend");
+    EXPECT_EQ(filled_text("{{#a}}x\ny{{/a}}\n", {{"a", "1"}}), "x\ny\n");
+    EXPECT_EQ(filled_text("  {{>values.html}}\nend", {}), "<dl class=\"values\"></dl>\nend");
+}
+
+TEST(PageTemplate, LeavesEmptySectionsOfWhatIsNotThere) {
+    EXPECT_EQ(filled_text("[{{#none}}x{{/none}}{{^none}}y{{/none}}]", json::object()), "[y]");
+}
+
 TEST(PageTemplate, TakesOtherFilesIn) {
     const json values = {{"all", {{{"column", "MemSize"}, {"text", "32 GiB"}, {"raw", "32768"}}}}};
     EXPECT_EQ(filled_text("{{>values.html}}", values), filled("values.html", values));
