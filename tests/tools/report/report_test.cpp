@@ -4,19 +4,32 @@
 
 #include <gmock/gmock.h>
 
+#include <bitset>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <regex>
+#include <sstream>
 
+#include <zebdb_cds_parser/version.h>
+
+#include "difference/difference.h"
+#include "difference/difference_formats.h"
+#include "explanation/explanation.h"
+#include "explanation/explanation_formats.h"
+#include "report/embedded_files.h"
 #include "report/sections.h"
+#include "sources/source_record.h"
 #include "support/cds_hardware.h"
 #include "support/scratch_folder.h"
+#include "tools/report/reported.h"
 
 using nlohmann::json;
 using testing::AllOf;
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::Not;
 
 namespace {
@@ -60,6 +73,23 @@ std::vector<std::string> all_in(const std::string& page, const char* pattern) {
     return found;
 }
 
+// As a policy has it: the digest that people see in hexadecimal digits.
+std::string base64_digest_of(const std::string& text) {
+    constexpr const char* digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::istringstream in(text);
+    std::string bits;
+    for (const char digit : digest_of(in).sha256) {
+        bits += std::bitset<4>(std::stoul(std::string(1, digit), nullptr, 16)).to_string();
+    }
+    std::string encoded;
+    for (std::size_t i = 0; i < bits.size(); i += 6) {
+        std::string six = bits.substr(i, 6);
+        six.resize(6, '0');
+        encoded += digits[std::bitset<6>(six).to_ulong()];
+    }
+    return encoded + '=';
+}
+
 }  // namespace
 
 /// A page about the server of the samples, or one that differs from it.
@@ -70,6 +100,8 @@ protected:
         std::ofstream(folder_.file(name)) << cds_file(components);
         return folder_.file(name);
     }
+
+    std::string file_in_folder(const std::string& name) const { return folder_.file(name); }
 
     std::string changed_server(const std::string& before, const std::string& after) const {
         const std::string changed = std::regex_replace(text_of(sample_server), std::regex(before), after);
@@ -234,4 +266,88 @@ TEST_F(Report, LetsTheBrowserTakeNothingFromOutside) {
 
 TEST_F(Report, IsAPageAlsoWithoutHardware) {
     EXPECT_THAT(page_of(SAMPLES_DIR "/no-hardware.xml"), HasSubstr("0 of 0 components recorded, none left out"));
+}
+
+TEST_F(Report, HasAFrameOfLinksToItsSections) {
+    const std::string page = page_of(changed_server("Gold 6248 CPU", "Gold 6252 CPU"), sample_server);
+    EXPECT_THAT(all_in(page, "<li><a href=\"#([^\"]*\">[^<]*)</a></li>"),
+                ElementsAre("section-changes\">Changes", "section-memory\">Memory", "section-processors\">Processors",
+                            "section-pci\">PCI", "section-tables\">Tables", "section-left-out\">Left out",
+                            "section-settings\">Settings"));
+    EXPECT_THAT(all_in(page_of(sample_server), "<li><a href=\"#section-changes\">(Changes)</a></li>"), IsEmpty());
+}
+
+TEST_F(Report, IsCalledAfterItsFile) {
+    const std::string title = "<title>([^<]*) \u2013 server inventory</title>";
+    EXPECT_THAT(all_in(page_of(sample_server), title.c_str()), ElementsAre("two-socket-server.xml"));
+    opened_source input = opened_components(processor("CPU 1"), "-");
+    EXPECT_THAT(all_in(report_page(input, nullptr, {at, false}), title.c_str()), ElementsAre("standard input"));
+    opened_source here = opened_components(processor("CPU 1"), "here.xml");
+    const std::string page = report_page(here, nullptr, {at, false});
+    EXPECT_THAT(all_in(page, title.c_str()), ElementsAre("here.xml"));
+    EXPECT_THAT(page,
+                HasSubstr("<h1><span class=\"over\">Server inventory</span> <span class=\"value\">here.xml</span>"));
+}
+
+TEST_F(Report, NamesTheProgramThatMadeIt) {
+    const std::string page = page_of(sample_server);
+    EXPECT_THAT(
+        page, AllOf(HasSubstr("<meta name=\"generator\" content=\"zebdb-cds " ZEBDB_CDS_PARSER_VERSION_STRING "\">\n"),
+                    HasSubstr("<p>Made by zebdb-cds " ZEBDB_CDS_PARSER_VERSION_STRING ". ")));
+    EXPECT_EQ(document_in(page)["made_by"], "zebdb-cds " ZEBDB_CDS_PARSER_VERSION_STRING);
+}
+
+TEST_F(Report, AllowsTheStyleAndTheScriptThatItHas) {
+    const std::string page = page_of(sample_server);
+    const std::string style(embedded_file("page.css"));
+    const std::string script(embedded_file("page.js"));
+    EXPECT_THAT(page, AllOf(HasSubstr("<style>" + style + "</style>"), HasSubstr("<script>" + script + "</script>")));
+    EXPECT_THAT(all_in(page, "style-src 'sha256-([^']*)'"), ElementsAre(base64_digest_of(style)));
+    EXPECT_THAT(all_in(page, "script-src 'sha256-([^']*)'"), ElementsAre(base64_digest_of(script)));
+}
+
+TEST_F(Report, HasADocumentOfItself) {
+    json document = document_in(page_about(processor("CPU 1")));
+    EXPECT_EQ(document["made_at"], "2026-11-19T10:00:00Z");
+    EXPECT_EQ(document["redacted"], false);
+    EXPECT_EQ(document["source"], json({{"name", "shown.xml"}, {"bytes", 7}, {"sha256", "f0f0"}, {"loaded", nullptr}}));
+    EXPECT_EQ(document["left_out"], json::array());
+    EXPECT_EQ(document["against"], nullptr);
+    EXPECT_FALSE(document.contains("difference"));
+    EXPECT_EQ(document_in(page_about(processor("CPU 1"), true))["redacted"], true);
+}
+
+TEST_F(Report, HasADocumentOfWhatADatabaseWasLoadedFrom) {
+    const std::string path = file_in_folder("rows.db");
+    _zeb_db_handle_t* handle = nullptr;
+    ASSERT_EQ(zeb_db_open(path.c_str(), &handle), 0);
+    EXPECT_TRUE(write_source(handle, {"server.xml", 3000, "c0c0", 1795000000}));
+    zeb_db_close(handle);
+    const json document = document_in(page_of(path));
+    EXPECT_EQ(document["source"]["name"], path);
+    EXPECT_EQ(document["source"]["loaded"],
+              json({{"name", "server.xml"}, {"bytes", 3000}, {"sha256", "c0c0"}, {"at", "2026-11-18T11:06:40Z"}}));
+    EXPECT_EQ(document["left_out"], nullptr);
+    EXPECT_FALSE(document.contains("explanation"));
+}
+
+TEST_F(Report, HasADocumentOfWhatExplainAndDiffTell) {
+    opened_source shown = opened_components(processor("CPU 1") + cds_component("cpu_info", {}), "shown.xml");
+    opened_source old = opened_components(processor("CPU 2"), "older.xml");
+    const json document = document_in(report_page(shown, &old, {at, false}));
+    EXPECT_EQ(document["explanation"], json(explanation_document(explanations_of(*shown.document, false))));
+    EXPECT_EQ(document["difference"], json(difference_document(compare(old.rows.read_all(), shown.rows.read_all()))));
+    EXPECT_EQ(document["against"],
+              json({{"name", "older.xml"}, {"bytes", 7}, {"sha256", "f0f0"}, {"loaded", nullptr}}));
+}
+
+TEST_F(Report, HidesSerialNumbersOfEachInventoryInItsDocument) {
+    const auto with_serial = [](const std::string& serial, const std::string& cores) {
+        return processor("CPU 1", {text("Serial Number", serial), integer("Core Count", cores)});
+    };
+    const std::string older = with_serial("OLD-1", "1") + module("A1", "OLD-2");
+    const std::string newer = with_serial("NEW-1", "2") + module("A2", "NEW-2");
+    EXPECT_THAT(page_about_changes(older, newer),
+                AllOf(HasSubstr("OLD-1"), HasSubstr("OLD-2"), HasSubstr("NEW-1"), HasSubstr("NEW-2")));
+    EXPECT_THAT(page_about_changes(older, newer, true), AllOf(Not(HasSubstr("OLD-")), Not(HasSubstr("NEW-"))));
 }
