@@ -95,7 +95,7 @@ private:
 
     std::string raw_text(const std::string& name, const inventory_value& value) const {
         const std::string raw = column_units::plain(value);
-        return !is_put(value) || raw == decoded_text(kind_, name, value) ? "" : raw;
+        return raw == decoded_text(kind_, name, value) ? "" : raw;
     }
 
     const reported_inventory& reported_;

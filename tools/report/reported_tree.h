@@ -18,7 +18,7 @@ struct tree_node {
     std::optional<std::size_t> part;  ///< by its place among the parts; nothing when it was left out
     std::size_t explanation;          ///< by its place among the explanations when it was left out
     std::string address;
-    std::size_t depth = 0;  ///< below the root
+    std::size_t depth;  ///< below the root
     std::vector<std::size_t> below;
 };
 

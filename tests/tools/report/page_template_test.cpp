@@ -76,6 +76,14 @@ TEST(PageTemplate, KeepsLinesThatHoldMoreThanATag) {
     EXPECT_EQ(filled_text("  {{>values.html}}\nend", {}), "<dl class=\"values\"></dl>\nend");
 }
 
+TEST(PageTemplate, KeepsLinesThatEndWithATag) {
+    EXPECT_EQ(filled_text("<b>{{a}}\nend", {{"a", "1"}}), "<b>1\nend");
+}
+
+TEST(PageTemplate, TakesNoNameFromItsText) {
+    EXPECT_EQ(filled_text("a{{b}}", {{"a", "1"}, {"b", "2"}}), "a2");
+}
+
 TEST(PageTemplate, LeavesEmptySectionsOfWhatIsNotThere) {
     EXPECT_EQ(filled_text("[{{#none}}x{{/none}}{{^none}}y{{/none}}]", json::object()), "[y]");
 }
