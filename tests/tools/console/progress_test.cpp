@@ -18,8 +18,11 @@
 #include "support/pseudo_terminal.h"
 #include "support/scratch_folder.h"
 
+using testing::AnyOf;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -204,6 +207,20 @@ TEST_F(Progress, StandsAsideForOtherLines) {
     }
     EXPECT_THAT(texts_of_line(terminal.text()),
                 ElementsAre("", "reading 8 MiB: 50 %", "a line\n", "reading 8 MiB: 50 %", ""));
+}
+
+TEST_F(Progress, IsTakenAwayOnceForSeveralLines) {
+    pseudo_terminal terminal(STDERR_FILENO);
+    {
+        progress line(status_of(path_));
+        terminal.await("0 %");
+        for (const char* text : {"one\n", "two\n", "three\n"}) {
+            line.stand_aside([text] { write_error(text); });
+        }
+    }
+    const std::string written = terminal.text();
+    EXPECT_THAT(written, HasSubstr("0 %\r\033[Kone\n"));
+    EXPECT_THAT(written, Not(AnyOf(HasSubstr("one\n\r\033[Ktwo"), HasSubstr("two\n\r\033[Kthree"))));
 }
 
 TEST_F(Progress, ThatIsNotShownLeavesOtherLinesAlone) {
