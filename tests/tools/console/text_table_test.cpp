@@ -163,7 +163,7 @@ TEST(TextTable, HasCellsBesideTheirHeadingsInBlocksWhereEightCharactersFit) {
 
 TEST(TextTable, HasOneCharacterALineWhereThereIsNoRoomForMore) {
     const std::vector<text_column> columns = {{"A", left, false, {"ab"}}, {"B", right, false, {"1"}}};
-    for (const std::size_t width : {1, 2, 3}) {
+    for (std::size_t width = 1; width <= 3; ++width) {
         EXPECT_EQ(table_text(columns, of_width(width)), "A\n  a\n  b\nB\n  1\n") << width;
     }
     EXPECT_EQ(table_text(columns, of_width(4)), "A\n  ab\nB\n  1\n");
