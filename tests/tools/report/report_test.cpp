@@ -177,6 +177,12 @@ TEST_F(Report, HasADocumentOfWhatWasLeftOut) {
               }])"));
 }
 
+TEST_F(Report, HasADocumentOfWhatWasLeftOutFirst) {
+    const json left_out = document_in(page_about(cds_component("cpu_info", {}) + processor("CPU 1")))["left_out"];
+    ASSERT_EQ(left_out.size(), 1u);
+    EXPECT_EQ(left_out[0]["path"], "/component/child_slot_group[1]/component[1]");
+}
+
 TEST_F(Report, HasADocumentOfTheOlderInventory) {
     EXPECT_EQ(document_in(page_of(sample_server, sample_server))["against"]["name"], sample_server);
 }
