@@ -9,7 +9,6 @@
 
 using testing::ElementsAre;
 using testing::EndsWith;
-using testing::HasSubstr;
 using testing::StartsWith;
 
 namespace {
@@ -393,6 +392,16 @@ TEST_F(ChangeDetection, RefreshFailsWhenTheSequencesCannotBeRead) {
     expect_refused("refresh server.xml",
                    "cannot refresh 'inventory.db' from 'server.xml': query InventorySequence: no such table: "
                    "InventorySequence");
+}
+
+TEST_F(ChangeDetection, RefreshFailsWhenTheDatabaseIsANewerVersions) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    execute("inventory.db", "PRAGMA user_version = 9000");
+    const command_result result = zebdb_cds("refresh server.xml");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.last_error_line(),
+                StartsWith("zebdb-cds: cannot refresh 'inventory.db' from 'server.xml': cannot open inventory database "
+                           "'inventory.db': it was made by a newer version (its schema is version 9000, "));
 }
 
 TEST_F(ChangeDetection, RootThatCannotBeMadeIsAFailure) {
