@@ -148,8 +148,11 @@ SHELL = Program(
     },
 )  # fmt: skip
 
-# What the process does when there is no memory.
-FAULTS = Program("fault_tests", "tests/faults", near={"main": ["faults"]}, whole=False, sandbox="shared")
+# What is done when there is no memory.
+FAULTS = Program(
+    "fault_tests", "tests/faults", whole=False, sandbox="shared",
+    near={"main": ["faults"], "observation": ["faults"]},
+)  # fmt: skip
 
 
 def rules_of(room):
@@ -169,7 +172,7 @@ COMMAND = Part(
         "tools": [SHELL, FAULTS],
         "tools/subcommands": [SHELL],
         **{
-            f"tools/{room}": [rules_of(room), SHELL]
+            f"tools/{room}": [rules_of(room), SHELL, FAULTS]
             for room in sorted(path.name for path in (ROOT / "tools").iterdir() if path.is_dir())
             if room != "subcommands"
         },

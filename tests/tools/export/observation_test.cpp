@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <chrono>
 #include <ctime>
 #include <filesystem>
@@ -166,6 +167,22 @@ TEST_F(Observation, OfARefusedFileHasEveryKeyAndNoRows) {
     }
     EXPECT_EQ(seen["source"]["bytes"], 157);
     EXPECT_EQ(seen["source"]["sha256"].get<std::string>().size(), 64u);
+}
+
+TEST_F(Observation, OfAFileThatIsWrittenMeanwhileIsRefused) {
+    const std::string file = make("a.xml", small_server + std::string(1'000'000, ' '));
+    std::atomic<bool> is_done(false);
+    std::thread writer([&] {
+        for (std::ofstream out(file, std::ios::app); !is_done; out << std::endl) {
+        }
+    });
+    json seen;
+    for (int attempts = 0; attempts < 100 && seen["status"] != "refused"; ++attempts) {
+        seen = observed(file);
+    }
+    is_done = true;
+    writer.join();
+    EXPECT_EQ(seen["reason"], "it was changed while it was read; try again");
 }
 
 TEST_F(Observation, OfAnEmptyFileIsRefusedWithItsDigest) {

@@ -54,6 +54,26 @@ TEST_F(Export, PrintsALineForEachFileInTheirOrder) {
     EXPECT_THAT(result.err, IsEmpty());
 }
 
+TEST_F(Export, OfAPackedFileHasTheDigestOfTheFileAsItIs) {
+    const command_result result =
+        run("gzip -c " + exported_server + " >a.xml.gz; sha256sum a.xml.gz | cut -d ' ' -f 1 >digest; " +
+            "zebdb-cds export a.xml.gz");
+    EXPECT_EQ(lines_of(result.out).at(0)["source"]["sha256"].get<std::string>() + '\n', read("digest"));
+    EXPECT_THAT(values(result.out, "status"), ElementsAre("loaded"));
+}
+
+TEST_F(Export, RefusesAFileWhoseTimeHasNoText) {
+    const command_result result =
+        run_with_disk(1'000'000, "cp " + exported_server +
+                                     " disk/a.xml; touch -d @300000000000 disk/a.xml; zebdb-cds export disk/a.xml");
+    if (result.status == no_disk) {
+        GTEST_SKIP() << "no file system can be mounted here";
+    }
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(values(result.out, "reason"),
+                ElementsAre("its time is not between the years 0 and 9999; set another, or give one by --at"));
+}
+
 TEST_F(Export, TakesAFolderForTheFilesInIt) {
     run("mkdir -p day/below");
     for (const char* name : {"day/b.xml", "day/a.xml", "day/c.txt", "day/below/d.xml"}) {
