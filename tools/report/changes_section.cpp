@@ -146,7 +146,7 @@ std::string changes_section(const reported_inventory& reported) {
             list.push_back({{"title", difference.new_table.kind->title}, {"entries", std::move(entries)}});
         }
     }
-    return filled(
-        "changes.html",
-        {{"kinds", list}, {"notes", notes(reported.older->compared)}, {"old", reported.older->source.file.name}});
+    return filled("changes.html", {{"kinds", list},
+                                   {"notes", notes(reported.older->compared)},
+                                   {"old", source_title(reported.older->source.file)}});
 }

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "difference/difference.h"
@@ -21,6 +22,9 @@ struct reported_source {
     source_record file;
     std::optional<source_record> loaded;
 };
+
+/// The name of a file, or what standard input is called.
+std::string source_title(const source_record& file);
 
 /// An older inventory, and what differs from it.
 struct older_inventory {

@@ -11,7 +11,6 @@
 #include "report/page_template.h"
 #include "report/reported_inventory.h"
 #include "report/sections.h"
-#include "sources/input_file.h"
 #include "sources/source_record.h"
 
 using nlohmann::json;
@@ -19,9 +18,7 @@ using nlohmann::json;
 namespace {
 
 json file_json(const source_record& file) {
-    return {{"name", file.name == "-" ? input_title(file.name) : file.name},
-            {"bytes", file.bytes},
-            {"sha256", file.sha256}};
+    return {{"name", source_title(file)}, {"bytes", file.bytes}, {"sha256", file.sha256}};
 }
 
 json source_json(const reported_source& source) {

@@ -25,7 +25,6 @@
 #include "rows/pci_label_columns.h"
 #include "rows/row_text.h"
 #include "rows/table.h"
-#include "sources/input_file.h"
 
 using nlohmann::json;
 
@@ -105,9 +104,13 @@ json topology_tile(const inventory_table& bridges, const inventory_table& device
         const std::string* kind = text_in(inventory_row(devices, place)[pci_label_columns::kind]);
         kinds_of_device.add(kind == nullptr ? "other" : kind->substr(0, kind->find(" (")));
     }
-    std::vector<std::string> lines = {std::string()};
+    std::string kinds;
     for (const std::string& line : kinds_of_device.lines(" ")) {
-        lines[0] += (lines[0].empty() ? "" : ", ") + line;
+        kinds += (kinds.empty() ? "" : ", ") + line;
+    }
+    std::vector<std::string> lines;
+    if (!kinds.empty()) {
+        lines.push_back(kinds);
     }
     lines.push_back("behind " + counted(bridges.rows.size(), "bridge", "bridges"));
     return {{"title", "PCI functions"}, {"href", "section-pci"}, {"value", devices.rows.size()}, {"lines", lines}};
@@ -194,9 +197,8 @@ std::string changes_text(const reported_inventory& reported) {
         return "";
     }
     const std::size_t changes = count_changes(reported.older->compared);
-    const std::string& name = reported.older->source.file.name;
     return ", " + (changes == 0 ? "no change" : counted(changes, "change", "changes")) + " since " +
-           (name == "-" ? input_title(name) : name);
+           source_title(reported.older->source.file);
 }
 
 }  // namespace

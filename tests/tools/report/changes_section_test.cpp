@@ -7,6 +7,7 @@
 #include "tools/values.h"
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 
 namespace {
 
@@ -40,6 +41,12 @@ TEST(ChangesSection, SaysThatNothingHasChanged) {
               "<section id=\"section-changes\" aria-label=\"Changes\">\n"
               "<h2>Changes <span class=\"since\">since <span class=\"value\">older.db</span></span></h2>\n"
               "<p class=\"none\">Nothing has changed.</p>\n</section>\n");
+}
+
+TEST(ChangesSection, NamesStandardInput) {
+    const reported_inventory reported = reported_rows_since({}, {});
+    reported.older->source.file.name = "-";
+    EXPECT_THAT(changes_section(reported), HasSubstr("since <span class=\"value\">standard input</span>"));
 }
 
 TEST(ChangesSection, TellsOfAPartThatOnlyMoved) {

@@ -77,6 +77,7 @@ TEST(SummarySection, CountsFunctionsByBaseClass) {
               "<strong>6</strong></a>\n<ul>\n"
               "<li>2 storage, 2 signal processing, 1 other, 1 accelerator</li>\n<li>behind 1 bridge</li>");
     EXPECT_THAT(lines_of(reported_rows({functions}), "PCI functions").back(), "behind 0 bridges");
+    EXPECT_THAT(lines_of(reported_rows({}), "PCI functions"), ElementsAre("behind 0 bridges"));
 }
 
 TEST(SummarySection, CountsWhatWasLeftOutByReason) {
