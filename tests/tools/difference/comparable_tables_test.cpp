@@ -61,3 +61,16 @@ TEST(AlignColumns, GivesBothTablesTheColumnsOfEither) {
     EXPECT_THAT(first.rows[0], ElementsAre(number(1), number(2), absent));
     EXPECT_THAT(second.rows[0], ElementsAre(absent, number(4), number(3)));
 }
+
+TEST(RemoveColumns, OfTheNodeKeepsTheRestOfTheKeysOfCards) {
+    std::vector<inventory_table> tables = {
+        {&kinds::devices, {"NodeIndex", "DevKey"}, {{number(2), number(0x02FFFFFF)}, {number(2), absent}}}};
+    remove_columns(tables, {"NodeIndex"});
+    EXPECT_THAT(tables[0].columns, ElementsAre("DevKey"));
+    EXPECT_THAT(tables[0].rows, ElementsAre(ElementsAre(number(0xFFFFFF)), ElementsAre(absent)));
+}
+
+TEST(IgnoredColumns, OfSerialsAreAllThatIdentifyAPart) {
+    EXPECT_THAT(ignored_columns("serials"), testing::Contains("SerialNo"));
+    EXPECT_THAT(ignored_columns("Speed"), ElementsAre("Speed"));
+}
