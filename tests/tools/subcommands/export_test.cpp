@@ -74,6 +74,17 @@ TEST_F(Export, RefusesAFileWhoseTimeHasNoText) {
                 ElementsAre("its time is not between the years 0 and 9999; set another, or give one by --at"));
 }
 
+TEST_F(Export, OfAPipeAsksForNoTimeOfIt) {
+    const command_result result =
+        run_with_disk(1'000'000, "mkfifo disk/a.xml; touch -d @300000000000 disk/a.xml; cat " + exported_server +
+                                     " >disk/a.xml & zebdb-cds export disk/a.xml");
+    if (result.status == no_disk) {
+        GTEST_SKIP() << "no file system can be mounted here";
+    }
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(values(result.out, "status"), ElementsAre("loaded"));
+}
+
 TEST_F(Export, TakesAFolderForTheFilesInIt) {
     run("mkdir -p day/below");
     for (const char* name : {"day/b.xml", "day/a.xml", "day/c.txt", "day/below/d.xml"}) {
