@@ -335,6 +335,9 @@ TEST_F(ChangeDetection, RootIsNoOptionBehindTwoDashes) {
 }
 
 TEST_F(ChangeDetection, RootFindsTheProgramAndItsLibrariesBelowTmp) {
+    if (run_with_disk(100'000, "true").status == no_disk) {
+        GTEST_SKIP() << "no /tmp can be mounted here that the dynamic loader sees, too";
+    }
     const command_result result = run(R"sh(
         program=$(command -v zebdb-cds)
         build=$(dirname "$program")/..
