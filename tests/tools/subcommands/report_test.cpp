@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <string>
+
 #include "support/quoted.h"
 #include "tools/subcommands/command_test.h"
 
@@ -65,6 +68,18 @@ TEST_F(Report, RefusesTwoInventoriesOfStandardInput) {
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.out, IsEmpty());
     EXPECT_EQ(result.err, "zebdb-cds: only one of the two inventories can be standard input\n");
+}
+
+TEST_F(Report, OfAVeryLongTextSaysWhoWillNotTakeIt) {
+    ASSERT_EQ(run("zebdb-cds load " + sample_server).status, 0);
+    execute("inventory.db", "UPDATE Memory SET PartNo = hex(zeroblob(3700000)) WHERE Id = 1");
+    const command_result result = run("zebdb-cds report inventory.db" + at + " >page.html");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(
+        result.err,
+        "zebdb-cds: the page has " + std::to_string(std::filesystem::file_size(folder() / "page.html") / 1000000) +
+            " MB, which browsers open slowly and mail servers may refuse; a file of fewer servers makes a smaller "
+            "one\n");
 }
 
 TEST_F(Report, RefusesWhatIsNoInventory) {
