@@ -135,12 +135,15 @@ SHELL = Program(
         "sources": ["load", "show", "diff", "tree"],
         "topology": ["tree"],
         "subcommands": ["usage", "documentation"],
-        "dump": ["terminal"],
+        **dict.fromkeys(["dump", "show"], ["terminal"]),
         **dict.fromkeys(
             ["bmc_address", "check", "refresh", "save_digest"],
             ["change_detection", "missing_places", "whole_day"],
         ),
-        **dict.fromkeys(["left_out_watch", "loading_options"], ["load", "show", "diff", "tree", "dump", "explain"]),
+        **dict.fromkeys(
+            ["left_out_watch", "loading_options"],
+            ["load", "show", "diff", "tree", "dump", "explain", "terminal"],
+        ),
         **dict.fromkeys(
             ["command_line", "main", "options", "run", "subcommand"],
             ["usage", "documentation", "load", "show", "tree", "dump", "diff", "explain"],
