@@ -2,7 +2,7 @@
 
 #include "sources/database_file.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sqlite3.h>
 
 #include <zeb_db_workstation.h>
@@ -119,6 +119,25 @@ void copy_of_interrupted_write(const std::string& path, const std::string& copy)
 }
 
 }  // namespace
+
+TEST(RequiredInventory, IsAFileThatHoldsOne) {
+    const scratch_folder folder;
+    const std::string path = folder.file("inventory.db");
+    EXPECT_THAT([&] { require_inventory(path); },
+                testing::ThrowsMessage<failure>("cannot read database '" + path +
+                                                "': No such file or directory; make it with 'zebdb-cds load' or name "
+                                                "another with --database"));
+    std::ofstream(path).flush();
+    EXPECT_THAT([&] { require_inventory(path); },
+                testing::ThrowsMessage<failure>("database '" + path +
+                                                "' holds no inventory; load one with 'zebdb-cds load' or name another "
+                                                "with --database"));
+    sqlite_database(path).run("CREATE TABLE Fans (Name TEXT)");
+    EXPECT_THAT([&] { require_inventory(path); },
+                testing::ThrowsMessage<failure>("database '" + path +
+                                                "' is another program's: it has tables, but no inventory; name another "
+                                                "with --database"));
+}
 
 TEST(ForeignDatabase, IsRefusedAlsoWhereItsTableHasTheNameOfOurSource) {
     const scratch_folder folder;
