@@ -52,10 +52,11 @@ protected:
 };
 
 TEST_F(Load, TellsHowLongItTookInTheUnitThatFits) {
-    EXPECT_THAT(run("zebdb-cds load server.xml").out,
-                ContainsRegex("^Loaded 'server.xml' into 'inventory.db' in [0-9]{1,3} ms:\n"));
+    const std::string seconds = "[1-9][0-9]*\\.[0-9][0-9] s:\n";
+    EXPECT_THAT(run("zebdb-cds load server.xml").out,  // on a busy machine it may take long
+                ContainsRegex("^Loaded 'server.xml' into 'inventory.db' in ([0-9]{1,3} ms:\n|" + seconds + ")"));
     EXPECT_THAT(run("{ sleep 1.01; cat server.xml; } | zebdb-cds load -").out,
-                ContainsRegex("^Loaded standard input into 'inventory.db' in [1-9][0-9]?\\.[0-9][0-9] s:\n"));
+                ContainsRegex("^Loaded standard input into 'inventory.db' in " + seconds));
 }
 
 TEST_F(Load, FillsTheTablesAndPrintsHowManyRowsEachHas) {
