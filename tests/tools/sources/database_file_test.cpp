@@ -103,6 +103,11 @@ TEST_F(NewDatabase, IsMadeWhereLinksLeadFromFolderToFolder) {
     EXPECT_TRUE(fs::is_symlink(folder_.file("one/next.db")));
 }
 
+TEST_F(NewDatabase, IsNotMadeWhereItCannotBeOpened) {
+    EXPECT_THAT([&] { make_database(folder_.file("none/inventory.db"), source_); },
+                testing::ThrowsMessage<failure>(testing::StartsWith("open: unable to open database file")));
+}
+
 namespace {
 
 std::string content_of(const std::string& path) {
@@ -137,6 +142,16 @@ TEST(RequiredInventory, IsAFileThatHoldsOne) {
                 testing::ThrowsMessage<failure>("database '" + path +
                                                 "' is another program's: it has tables, but no inventory; name another "
                                                 "with --database"));
+}
+
+TEST(RequiredInventory, IsAlsoWhatTheServiceKeepsBesideTheRecords) {
+    for (const std::string table : {"PCIAdapter", "InventorySequence", "PendingFirmware"}) {
+        const scratch_folder folder;
+        const std::string path = folder.file("inventory.db");
+        std::ofstream(path).flush();
+        sqlite_database(path).run("CREATE TABLE " + table + " (Node INTEGER)");
+        EXPECT_NO_THROW(require_inventory(path)) << table;
+    }
 }
 
 TEST(ForeignDatabase, IsRefusedAlsoWhereItsTableHasTheNameOfOurSource) {
