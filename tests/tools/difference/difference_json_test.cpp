@@ -162,6 +162,12 @@ TEST_F(DifferenceJson, CountsTheRecordsOfACollision) {
               json::parse(R"([{"identity": {"NodeIndex": null, "FunKey": 65536}, "old": 2, "new": 1}])"));
 }
 
+TEST_F(DifferenceJson, CountsTheRecordsOfACollisionThatOnlyTheNewInventoryHas) {
+    write_both("", function("1") + function("1"));
+    EXPECT_EQ(different_json()["devices"]["collisions"],
+              json::parse(R"([{"identity": {"NodeIndex": null, "FunKey": 65536}, "old": 0, "new": 2}])"));
+}
+
 TEST_F(DifferenceJson, NamesTheRecordsOfASharedSerialNumber) {
     write_both(processor("1", {text("Serial Number", "S1")}) + processor("2", {text("Serial Number", "S1")}),
                processor("3", {text("Serial Number", "S1")}));

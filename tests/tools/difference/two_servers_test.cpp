@@ -85,6 +85,13 @@ TEST_F(TwoServers, AreTheSameButForTheColumnsThatAreNamed) {
     EXPECT_EQ(difference_text(compare(old_tables, new_tables, {"CoreCount"}), {}), "Same but for CoreCount.\n");
 }
 
+TEST_F(TwoServers, AreTheSameButForEveryColumnThatIsNamed) {
+    write_both(server(processor("CPU 1", {integer("Core Count", "8")})),
+               server(processor("CPU 1", {integer("Core Count", "9")})));
+    EXPECT_EQ(difference_text(compare(old_tables, new_tables, {"CoreCount", "SlotNo", "Size"}), {}),
+              "Same but for CoreCount, SlotNo, Size.\n");
+}
+
 TEST_F(TwoServers, AreComparedWithoutTheirNodesWhereOneHasNone) {
     const std::string parts = processor("CPU 1") + module("A1", "S1") + bridge("1", {}, function("2"));
     write_both(parts, machine("2", "S1"));

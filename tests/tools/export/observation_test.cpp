@@ -122,6 +122,7 @@ TEST_F(Observation, IsOfTheServerThatTheFileIsNamedAfter) {
     EXPECT_EQ(observed(make("web-17.xml"))["server"], "web-17");
     EXPECT_EQ(observed(make("web-17.lab.xml"))["server"], "web-17.lab");
     EXPECT_EQ(observed(make("web-17"))["server"], "web-17");
+    EXPECT_EQ(observed(make("web-17.lab"))["server"], "web-17.lab");
     EXPECT_EQ(observed(make(".xml"))["server"], ".xml");
 }
 

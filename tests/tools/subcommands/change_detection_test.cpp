@@ -20,6 +20,8 @@ std::string function(int bus) {
 }
 
 const std::string three_functions = cds_file(function(1) + function(2) + function(3));
+const std::string file_with_a_gap =
+    cds_file(function(1) + cds_component("pci_device_info", {integer("Bus Number", "9")}));
 
 }  // namespace
 
@@ -256,6 +258,23 @@ TEST_F(ChangeDetection, RefreshThatCannotNoteWhatTheRowsAreFromLeavesTheDatabase
     expect_refused("refresh server.xml",
                    "cannot refresh 'inventory.db' from 'server.xml': insert into Source: no room for notes");
     EXPECT_EQ(run("sqlite3 inventory.db .dump").out, before);
+}
+
+TEST_F(ChangeDetection, RefreshTellsWhatLeftNoRow) {
+    write("incomplete.xml", file_with_a_gap);
+    const command_result result = zebdb_cds("refresh incomplete.xml");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, EndsWith("\n1 component left no row: 1 has no address; "
+                                     "zebdb-cds explain incomplete.xml tells which\n"));
+}
+
+TEST_F(ChangeDetection, RefreshThatIsStrictLeavesTheDatabaseAsItWas) {
+    ASSERT_EQ(zebdb_cds("refresh server.xml").status, 0);
+    write("incomplete.xml", file_with_a_gap);
+    expect_refused("refresh --strict incomplete.xml",
+                   "cannot refresh 'inventory.db' from 'incomplete.xml': 1 component left no row: 1 has no address; "
+                   "zebdb-cds explain incomplete.xml tells which");
+    EXPECT_EQ(query("inventory.db", "SELECT count(*) FROM PCIs"), "3");
 }
 
 TEST_F(ChangeDetection, RefreshReadsStandardInput) {

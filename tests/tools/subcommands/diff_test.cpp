@@ -19,6 +19,18 @@ TEST_F(Diff, OfEqualInventoriesSaysSo) {
     expect_diff(0, "No difference.\n");
 }
 
+TEST_F(Diff, CountsWhatDiffersOfEachKind) {
+    write_both(module("A1", "S1"), module("A1", "S1") + module("B1", "S2"));
+    const command_result result = diff("old.xml new.xml --stat");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out,
+              "Kind        Difference\n"
+              "Processors  no difference\n"
+              "Memory      1 added\n"
+              "Bridges     no difference\n"
+              "Devices     no difference\n");
+}
+
 TEST_F(Diff, CountsInNoJson) {
     write_both("", "");
     const command_result result = diff("old.xml new.xml --stat --format json");

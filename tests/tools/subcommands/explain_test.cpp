@@ -80,6 +80,12 @@ TEST_F(Explain, FitsIntoTheWidthOfTheEnvironmentAlsoInAPipe) {
                            "    would have made a row\n"));
 }
 
+TEST_F(Explain, HidesSerialNumbersWhereItIsTold) {
+    const std::string server = cds_file(module("A1", "SECRET"));
+    EXPECT_THAT(explain(server, "--all --format json"), HasSubstr("SECRET"));
+    EXPECT_THAT(explain(server, "--all --format json --redact"), Not(HasSubstr("SECRET")));
+}
+
 TEST_F(Explain, LeavesNothingBehind) {
     write("server.xml", cds_file(processor("CPU 1") + module("A1", "S1")));
     EXPECT_EQ(left_in_tmp("zebdb-cds explain server.xml"), "");

@@ -74,6 +74,18 @@ TEST_F(Export, RefusesAFileWhoseTimeHasNoText) {
                 ElementsAre("its time is not between the years 0 and 9999; set another, or give one by --at"));
 }
 
+TEST_F(Export, TakesAFileWhoseTimeHasNoTextWhereOneIsGiven) {
+    const command_result result = run_with_disk(
+        1'000'000,
+        "cp " + exported_server +
+            " disk/a.xml; touch -d @300000000000 disk/a.xml; zebdb-cds export disk/a.xml --at 2026-11-19T10:00:00Z");
+    if (result.status == no_disk) {
+        GTEST_SKIP() << "no file system can be mounted here";
+    }
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(values(result.out, "status"), ElementsAre("loaded"));
+}
+
 TEST_F(Export, OfAPipeAsksForNoTimeOfIt) {
     const command_result result =
         run_with_disk(1'000'000, "mkfifo disk/a.xml; touch -d @300000000000 disk/a.xml; cat " + exported_server +

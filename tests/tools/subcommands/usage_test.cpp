@@ -181,6 +181,8 @@ INSTANTIATE_TEST_SUITE_P(
         wrong_usage{
             "AnUnknownKind", "show disks",
             "'disks' is neither a kind {processors,memory,bridges,devices} nor a file; see 'zebdb-cds show --help'"},
+        wrong_usage{"AnEmptyKind", "show ''",
+                    "'' is neither a kind {processors,memory,bridges,devices} nor a file; see 'zebdb-cds show --help'"},
         wrong_usage{"AnUnknownFormat", "show --format xml",
                     "--format: xml not in {table,text,json,jsonl,csv}; see 'zebdb-cds show --help'"},
         wrong_usage{"AnUnknownFormatOfATree", "tree --format csv",
