@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <optional>
 #include <ostream>
 #include <sstream>
 #include <string>
@@ -116,6 +117,17 @@ TEST_F(LeftOutComponents, ThatStandBelowARecordAreToldAsExplained) {
 TEST_F(LeftOutComponents, ThatAreChildSlotGroupsAreToldAsExplained) {
     expect_as_explained(
         cds_component(cds_slots(cds_group("cpu_info", {text("Socket Designation", "CPU 1")}) + processor("CPU 2"))), 1);
+}
+
+TEST_F(LeftOutComponents, HaveTheRuleThatKeepsThemOut) {
+    cds_parser::document document;
+    std::istringstream in(cds_component(cds_slots(cds_group("cpu_info", {text("Socket Designation", "CPU 1")}))));
+    ASSERT_TRUE(document.parse(in));
+    std::vector<std::optional<omission>> rules;
+    for (const explanation& each : explanations_of(document, false)) {
+        rules.push_back(each.rule);
+    }
+    EXPECT_THAT(rules, testing::ElementsAre(omission::not_reached));
 }
 
 TEST_F(LeftOutComponents, OfSeveralDocumentsDoNotDependOnThoseBefore) {

@@ -87,9 +87,19 @@ TEST(LeftOut, IsEveryFurtherFunctionOfACardThatIsRecordedOnce) {
     EXPECT_EQ(found[0].first_of_card, document.root.child_slot_groups.front()->components.front());
 }
 
+TEST(LeftOut, IsNoFunctionOfACardInAnotherServer) {
+    const std::string card = card_function("0", "3");
+    for (const std::string index : {"0", "1"}) {
+        EXPECT_THAT(omissions(card + server(card, index)), IsEmpty()) << index;
+    }
+}
+
 TEST(LeftOut, IsWhatStandsBelowARecordThatHasNothingBelow) {
-    const std::string inner = processor("CPU 2");
-    EXPECT_THAT(omissions(cds_component("cpu_info", {text("Socket Designation", "CPU 1")}, inner)),
+    const auto below_a_processor = [](const std::string& inner) {
+        return omissions(cds_component("cpu_info", {text("Socket Designation", "CPU 1")}, inner));
+    };
+    EXPECT_THAT(below_a_processor(processor("CPU 2")), ElementsAre(omission::not_reached));
+    EXPECT_THAT(below_a_processor(cds_component("fan_info", {}, cds_component("fan_info", {}, processor("CPU 2")))),
                 ElementsAre(omission::not_reached));
 }
 
