@@ -56,6 +56,10 @@ TEST_F(OddValues, AreNumbersThatDoNotConvert) {
 TEST_F(OddValues, AreNumbersWithMoreBitsThanTheirColumn) {
     EXPECT_EQ(only(of(processor("CPU 1", {hex("Core Count", "100000001")}))).what, oddity::too_large);
     EXPECT_EQ(only(of(processor("CPU 1", {hex("Processor ID", "BFEBFBFF000906E9")}))).what, oddity::too_large);
+    for (const char* value : {"-2147483649", "4294967296"}) {
+        EXPECT_EQ(only(of(processor("CPU 1", {integer("Core Count", value)}))).what, oddity::too_large) << value;
+    }
+    EXPECT_THAT(of(processor("CPU 1", {integer("Core Count", "-2147483648")})), IsEmpty());
 }
 
 TEST_F(OddValues, AreNumbersThatTheLoaderReplaces) {

@@ -210,12 +210,14 @@ TEST_F(Verdict, OfASecondFunctionOfAGpuCardAreTheCardAndItsFirstFunction) {
 }
 
 TEST_F(Verdict, OfASecondFunctionWithoutASlotIsOfTheCardAtSlotMinusOne) {
-    const json all = told(function("1", {hex("Vendor ID", "8086"), hex("Device ID", "56C1")}) +
-                          function("2", {hex("Vendor ID", "8086"), hex("Device ID", "56C1")}));
-    EXPECT_EQ(all[0]["result"], "recorded");
-    EXPECT_EQ(all[1]["reasons"].at(0),
-              "the card at slot -1 is recorded once, by its first function 0000:01:00.0; at a slot of its own it would "
-              "have made a row");
+    for (const std::vector<setting>& slot : {std::vector<setting>{}, {text("Slot Number", "here")}}) {
+        const std::vector<setting> of_card = joined({hex("Vendor ID", "8086"), hex("Device ID", "56C1")}, slot);
+        const json all = told(function("1", of_card) + function("2", of_card));
+        EXPECT_EQ(all[0]["result"], "recorded");
+        EXPECT_EQ(all[1]["reasons"].at(0),
+                  "the card at slot -1 is recorded once, by its first function 0000:01:00.0; at a slot of its own it "
+                  "would have made a row");
+    }
 }
 
 TEST_F(Verdict, AreNoneOfTheSameGpuCardInAnotherNode) {
