@@ -101,6 +101,15 @@ TEST(PciTopology, CutsABridgeThatIsBehindItself) {
                 ElementsAre("b1 0 circle"));
 }
 
+TEST(PciTopology, CutsEveryCircle) {
+    EXPECT_THAT(shape(bridges({{number(1), none, number(0), number(0)},
+                               {number(2), number(2), number(1), number(0)},
+                               {number(3), number(4), number(2), number(0)},
+                               {number(4), number(3), number(3), number(0)}}),
+                      functions({})),
+                ElementsAre("b1 0", "b2 0 circle", "b3 0 circle", "b4 1"));
+}
+
 TEST(PciTopology, NamesTheParentByItsPlace) {
     const inventory_table above =
         bridges({{number(5), none, number(0), number(1)}, {number(6), number(5), number(1), number(0)}});

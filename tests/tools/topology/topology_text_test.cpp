@@ -240,3 +240,18 @@ TEST_F(TopologyText, HasBoxesAndBoldHeadingsAndLinesThatFitWhereTheStyleHas) {
               "   │  └─ 0000:01:01.0 function\n"
               "   └─ 0000:02:00.0 function\n");
 }
+
+TEST_F(TopologyText, LeavesTwentyColumnsOfEachLineToItsText) {
+    add_function(1, -1, 1, 0, "SlotDesignation = 'xxxxxxxxxx'");
+    add_function(2, -1, 2, 0, "SlotDesignation = 'xxxxxxxxxxx'");
+    text_style style;
+    style.width = 1;
+    EXPECT_EQ(tree(style),
+              "Node 1\n"
+              "`- Segment 0000\n"
+              "   +- 0000:01:00.0\n"
+              "   |     function, xxxxxxxxxx\n"
+              "   `- 0000:02:00.0\n"
+              "         function,\n"
+              "         xxxxxxxxxxx\n");
+}
