@@ -9,6 +9,7 @@
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 namespace {
 
@@ -127,6 +128,15 @@ TEST_F(TwoServers, AreCountedByKind) {
               "Memory      1 removed, 1 changed\n"
               "Bridges     no difference\n"
               "Devices     no difference\n");
+}
+
+TEST_F(TwoServers, AreCountedWithoutATableWhereAKindWouldNotFitIntoALine) {
+    write_both(machine("1", "S1"), machine("1", "S2"));
+    text_style style;
+    style.width = 22;
+    EXPECT_THAT(difference_counts(difference(), style), StartsWith("Kind        Difference\nProcessors  no\n"));
+    style.width = 21;
+    EXPECT_THAT(difference_counts(difference(), style), StartsWith("Kind        Processor\n            s\n"));
 }
 
 TEST_F(TwoServers, ThatAreTheSameAreNotCounted) {
