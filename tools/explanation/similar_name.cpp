@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -25,18 +27,16 @@ std::size_t distance(const std::string& from, const std::string& to) {
     std::vector<std::size_t> before_last(to.size() + 1);
     std::vector<std::size_t> last(to.size() + 1);
     std::vector<std::size_t> row(to.size() + 1);
-    for (std::size_t j = 0; j <= to.size(); ++j) {
-        row[j] = j;
-    }
-    for (std::size_t i = 1; i <= from.size(); ++i) {
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i) {
         before_last.swap(last);
         last.swap(row);
-        row[0] = i;
-        for (std::size_t j = 1; j <= to.size(); ++j) {
-            const std::size_t changed = last[j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
-            row[j] = std::min({changed, last[j] + 1, row[j - 1] + 1});
-            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1]) {
-                row[j] = std::min(row[j], before_last[j - 2] + 1);
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t changed = last[j] + (from[i] == to[j] ? 0 : 1);
+            row[j + 1] = std::min({changed, last[j + 1] + 1, row[j] + 1});
+            if (i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j]) {
+                row[j + 1] = std::min(row[j + 1], before_last[j - 1] + 1);
             }
         }
     }
@@ -49,7 +49,7 @@ const char* most_similar(const std::string& name, const std::vector<const char*>
                          std::size_t characters_a_change) {
     const std::string wanted = simplified(name);
     const char* nearest = nullptr;
-    std::size_t fewest = 0;
+    std::size_t fewest = std::numeric_limits<std::size_t>::max();
     for (const char* each : known) {
         const std::string candidate = simplified(each);
         const std::size_t longer = std::max(wanted.size(), candidate.size());
@@ -59,7 +59,7 @@ const char* most_similar(const std::string& name, const std::vector<const char*>
             continue;
         }
         const std::size_t changes = distance(wanted, candidate);
-        if (changes <= most && (nearest == nullptr || changes < fewest)) {
+        if (changes <= most && changes < fewest) {
             nearest = each;
             fewest = changes;
         }

@@ -62,6 +62,7 @@ TEST(SimilarSetting, IsOfEqualsOneThatTheGroupLacks) {
 TEST(SimilarSetting, NeedNotBeAsNearWhereTheGroupLacksIt) {
     EXPECT_STREQ(similar_in("cpu_info", {}, "Voltaxx"), "Voltage");
     EXPECT_EQ(similar_in("cpu_info", {integer("Voltage", "1")}, "Voltaxx"), nullptr);
+    EXPECT_EQ(similar_in("cpu_info", {}, "Voltxxx"), nullptr);
 }
 
 TEST(SimilarSetting, OfAnotherThatTheGroupHasMayDifferInOneOfFiveCharacters) {

@@ -17,6 +17,7 @@ const char* similar(const std::string& name) {
 
 TEST(SimilarName, IsTheSameInAnotherCase) {
     EXPECT_STREQ(similar("SERIAL number"), "Serial Number");
+    EXPECT_STREQ(most_similar("ABYZ", {"abyz"}, 5), "abyz");
 }
 
 TEST(SimilarName, IsTheSameWithOtherSeparators) {
@@ -31,9 +32,19 @@ TEST(SimilarName, HasACharacterChangedOrMoreOrLess) {
     EXPECT_STREQ(similar("ore Count"), "Core Count");
 }
 
+TEST(SimilarName, CountsEachOfThoseAsOneChange) {
+    EXPECT_STREQ(similar("Vpltage"), "Voltage");
+    EXPECT_STREQ(similar("Volttage"), "Voltage");
+    EXPECT_STREQ(similar("Votage"), "Voltage");
+    EXPECT_EQ(similar("xVoltge"), nullptr);
+}
+
 TEST(SimilarName, HasTwoSwappedCharactersForOneChange) {
     EXPECT_STREQ(similar("Voltgae"), "Voltage");
+    EXPECT_STREQ(similar("oVltage"), "Voltage");
     EXPECT_EQ(similar("Voltaxx"), nullptr);
+    EXPECT_EQ(similar("oVltgae"), nullptr);
+    EXPECT_EQ(similar("Vxltgae"), nullptr);
 }
 
 TEST(SimilarName, IsTheNearest) {
