@@ -103,7 +103,7 @@ private:
         }
         const auto card = cds_parser::device_key(node_index_, function.location, function.slot);
         const auto [first, is_first] = cards_.try_emplace(card, &visited);
-        first_of_card_ = is_first ? nullptr : first->second;
+        first_of_card_ = first->second;
         return is_first ? std::nullopt : std::optional(omission::recorded_once);
     }
 

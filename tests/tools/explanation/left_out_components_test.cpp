@@ -108,6 +108,23 @@ TEST_F(LeftOutComponents, OfTheSameCardInOtherServersAreOthers) {
     expect_as_explained(cds_file(server(card_function("0"), "1") + server(card_function("0"), "2")), 0);
 }
 
+TEST_F(LeftOutComponents, OfCardsInSeveralServersAreToldAsExplained) {
+    const std::string card = card_function("0") + card_function("1");
+    expect_as_explained(cds_file(server(card, "1") + server(card, "2")), 2);
+}
+
+TEST_F(LeftOutComponents, HaveTheWordOfTheirRule) {
+    cds_parser::document document;
+    std::istringstream in(cds_file(cds_component("pci_device_info", address("3")) +
+                                   cds_component("cpu_info", {}, cds_component("fan_info", {}, processor("CPU 2")))));
+    ASSERT_TRUE(document.parse(in));
+    std::vector<std::string> codes;
+    for (const told_component& each : told(document, loader_, doubts_)) {
+        codes.push_back(each.code);
+    }
+    EXPECT_THAT(codes, testing::ElementsAre("no_location", "nothing_known", "not_reached"));
+}
+
 TEST_F(LeftOutComponents, ThatStandBelowARecordAreToldAsExplained) {
     expect_as_explained(cds_file(cds_component("cpu_info", {text("Socket Designation", "CPU 1")},
                                                module("A1", "1") + cds_component("fan_info", {}, module("A2", "2")))),

@@ -87,9 +87,23 @@ TEST(LeftOut, IsEveryFurtherFunctionOfACardThatIsRecordedOnce) {
     EXPECT_EQ(found[0].first_of_card, document.root.child_slot_groups.front()->components.front());
 }
 
+TEST(LeftOut, IsNoFunctionOfACardInAnotherSlot) {
+    EXPECT_THAT(omissions(card_function("0", "3") + card_function("0", "259")), IsEmpty());
+}
+
+TEST(LeftOut, HasAFirstFunctionOnlyOfACard) {
+    cds_parser::document document;
+    read(document, cds_file(card_function("0", "3") + card_function("1", "3") + unplaced));
+    const std::vector<left_out_element> found = left_out_of(document);
+    ASSERT_EQ(found.size(), 2u);
+    EXPECT_NE(found[0].first_of_card, nullptr);
+    EXPECT_EQ(found[1].why, omission::no_location);
+    EXPECT_EQ(found[1].first_of_card, nullptr);
+}
+
 TEST(LeftOut, IsNoFunctionOfACardInAnotherServer) {
     const std::string card = card_function("0", "3");
-    for (const std::string index : {"0", "1"}) {
+    for (const std::string index : {"0", "1", "254"}) {
         EXPECT_THAT(omissions(card + server(card, index)), IsEmpty()) << index;
     }
 }
