@@ -80,10 +80,10 @@ std::optional<oddity> oddity_of(const setting_node& setting, column_type type, c
 
 std::vector<odd_value> odd_values(const cds_parser::component& explained, const known_group* recorded_by,
                                   const std::optional<inventory_table>& row) {
-    std::vector<odd_value> odd;
     if (recorded_by == nullptr) {
-        return odd;
+        return {};
     }
+    std::vector<odd_value> odd;
     const cds_parser::setting_group& group = *explained.get_setting_group(recorded_by->name);
     for (const column& each : recorded_by->kind->description().recorded) {
         const setting_node* setting = group.get_setting(each.setting);

@@ -8,6 +8,14 @@
 
 using testing::IsEmpty;
 
+namespace {
+
+setting decimal(const std::string& name, const std::string& value) {
+    return {name, value, cds_parser::setting_node::decimal_value};
+}
+
+}  // namespace
+
 class OddValues : public explanation_test {
 protected:
     static std::vector<odd_value> of(const std::string& component) {
@@ -25,6 +33,38 @@ TEST_F(OddValues, AreNoneThatConvert) {
     EXPECT_THAT(of(processor("CPU 1", {integer("Core Count", " 0x1F "), hex("Voltage", "8a"), integer("Status", "-1"),
                                        hex("Processor ID", "7fffffffffffffff"), integer("Family", "4294967295")})),
                 IsEmpty());
+}
+
+TEST_F(OddValues, AreNoneWithBlanksAtTheirEnds) {
+    EXPECT_THAT(of(processor("CPU 1", {integer("Core Count", " &#9;&#13;&#10;8 &#9;&#13;&#10;")})), IsEmpty());
+}
+
+TEST_F(OddValues, AreNoneOfDecimalNumbersThatConvert) {
+    EXPECT_THAT(of(processor("CPU 1", {decimal("Core Count", "1.5"), decimal("Voltage", "1e3")})), IsEmpty());
+}
+
+TEST_F(OddValues, AreDecimalNumbersThatDoNotConvert) {
+    for (const char* value : {"many", "1.5x", "true"}) {
+        EXPECT_EQ(only(of(processor("CPU 1", {decimal("Core Count", value)}))).what, oddity::no_number) << value;
+    }
+    EXPECT_EQ(only(of(processor("CPU 1", {decimal("Processor ID", "1e999")}))).what, oddity::too_large);
+}
+
+TEST_F(OddValues, AreNumbersWithoutDigits) {
+    for (const char* value : {" ", "  "}) {
+        EXPECT_EQ(only(of(processor("CPU 1", {integer("Core Count", value)}))).what, oddity::no_number) << value;
+    }
+}
+
+TEST_F(OddValues, AreNoneBesideANumberThatIsTooLarge) {
+    EXPECT_EQ(only(of(processor("CPU 1", {hex("Processor ID", "BFEBFBFF000906E9"), integer("Core Count", "8"),
+                                          integer("Family", "6"), integer("Voltage", "1")})))
+                  .setting,
+              "Processor ID");
+}
+
+TEST_F(OddValues, AreNoneThatNoColumnTakes) {
+    EXPECT_THAT(of(module("A1", "S1", {integer("Capacity", "N/A")})), IsEmpty());
 }
 
 TEST_F(OddValues, AreNoTruthsButFour) {
@@ -50,7 +90,9 @@ TEST_F(OddValues, AreNumbersThatDoNotConvert) {
     for (const char* value : {"N/A", "12abc", "1 2"}) {
         EXPECT_EQ(only(of(processor("CPU 1", {integer("Core Count", value)}))).what, oddity::no_number) << value;
     }
-    EXPECT_EQ(only(of(processor("CPU 1", {hex("Core Count", "xyz")}))).what, oddity::no_number);
+    for (const char* value : {"xyz", "g"}) {
+        EXPECT_EQ(only(of(processor("CPU 1", {hex("Core Count", value)}))).what, oddity::no_number) << value;
+    }
 }
 
 TEST_F(OddValues, AreNumbersWithMoreBitsThanTheirColumn) {
