@@ -73,6 +73,10 @@ TEST_F(ComponentLoader, KeepsWhatTheLoaderLogs) {
     EXPECT_THAT(load("cpu_info", {}).log, IsEmpty());
 }
 
+TEST_F(ComponentLoader, GivesTheRowOfAModuleWhateverItsLocator) {
+    EXPECT_TRUE(load("memory_info", {text("Device Locator", "probe")}).row);
+}
+
 TEST_F(ComponentLoader, LeavesWhatIsBelowAComponentWhereItWas) {
     const auto above = component_with("fan_info", {});
     cds_parser::child_slot_group* slots = add_children(*above, {make_component("cpu_info")});

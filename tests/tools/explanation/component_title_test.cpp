@@ -4,6 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
+#include "support/tree_builder.h"
 #include "tools/explanation/explanation_test.h"
 
 using testing::StartsWith;
@@ -41,6 +44,20 @@ TEST(ComponentName, IsNoneWhereTheComponentHasNone) {
     EXPECT_TRUE(is_named(told, path_of(1)));
     EXPECT_FALSE(is_named(told, ""));
     EXPECT_FALSE(is_named(told, " "));
+}
+
+TEST(ComponentName, IsThatOfTheTitle) {
+    const std::unique_ptr<cds_parser::component> named(make_component("cpu_info", {text("Socket Designation", "A")}));
+    const std::unique_ptr<cds_parser::component> placed(
+        make_component("pci_bridge_info", {integer("Bus Number", "1")}));
+    EXPECT_EQ(component_name(*named, find_known_group("cpu_info")), "A");
+    EXPECT_EQ(component_name(*placed, find_known_group("pci_bridge_info")), "0000:01:?.?");
+}
+
+TEST(ComponentName, IsEmptyWithoutASettingOrAGroup) {
+    const std::unique_ptr<cds_parser::component> bare(make_component("cpu_info"));
+    EXPECT_EQ(component_name(*bare, find_known_group("cpu_info")), "");
+    EXPECT_EQ(component_name(*bare, nullptr), "");
 }
 
 TEST(ComponentTitleOfAKind, IsThereForEveryOne) {

@@ -148,6 +148,12 @@ TEST_F(ExplanationJson, HasAWordForEveryOddity) {
          "value": "hex_value '1FFFFFFFF'", "stored": 4294967295},
         {"group": "pci_device_info", "setting": "Hotplug", "column": "Hotplug", "problem": "no_number",
          "value": "hex_value 'no'", "stored": 0}])"));
+    const json replaced =
+        told_of(function("1", {hex("Vendor ID", "1000"), hex("Device ID", "97"), hex("Class Code", "10700"),
+                               integer("Location", "0"), integer("Slot Number", "5")}));
+    EXPECT_EQ(replaced["odd_values"], json::parse(R"([
+        {"group": "pci_device_info", "setting": "Slot Number", "column": "SlotNo", "problem": "replaced",
+         "value": "integer_value '5'", "stored": 0}])"));
 }
 
 TEST_F(ExplanationJson, GivesNumbersTheirWholeValue) {

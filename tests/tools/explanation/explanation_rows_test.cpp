@@ -65,6 +65,12 @@ TEST_F(ExplainedRows, AreBehindTheNearestBridgeAboveThem) {
     EXPECT_THAT(above, testing::ElementsAre(none, 1, 2, 1, none));
 }
 
+TEST_F(ExplainedRows, AreBehindNoBridgeInAChildSlotGroup) {
+    const std::vector<explanation> all = explanations(cds_component(cds_slots(cds_group("cpu_info"))));
+    ASSERT_EQ(all.size(), 1u);
+    EXPECT_EQ(all[0].bridge, component_loader::no_parent);
+}
+
 TEST_P(ExplainedSample, HasTheRowsOfALoad) {
     std::ifstream file(SAMPLES_DIR + std::string("/") + GetParam() + ".xml");
     const std::string content{std::istreambuf_iterator<char>(file), {}};

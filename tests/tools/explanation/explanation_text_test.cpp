@@ -162,12 +162,19 @@ TEST_F(ExplanationText, OfProblemsSaysAReasonOnceForAllComponents) {
 }
 
 TEST_F(ExplanationText, OfProblemsKeepsReasonsApartWithinTheirRule) {
-    const std::string shown = problems(cds_file(cds_component("pci_bridge_info", {integer("Bus Number", "1")}) +
-                                                cds_component("pci_bridge_info", {})));
-    EXPECT_THAT(shown, StartsWith("No row, 2 components: its address is incomplete; "));
-    EXPECT_THAT(shown, HasSubstr("  * PCI bridge 0000:01:?.?\n"
-                                 "    at      /component/child_slot_group[1]/component[1]\n"
-                                 "    there is no setting 'Device Number' in pci_bridge_info\n"));
+    EXPECT_EQ(problems(cds_file(
+                  cds_component("pci_bridge_info", {integer("Bus Number", "1"), integer("Device Number", "0")}) +
+                  cds_component("pci_bridge_info", {integer("Device Number", "0"), integer("Function Number", "0")}))),
+              "No row, 2 components: its address is incomplete; a bus, a device and a function number, none of them "
+              "negative, would have made a row\n"
+              "  * PCI bridge 0000:01:00.?\n"
+              "    at      /component/child_slot_group[1]/component[1]\n"
+              "    there is no setting 'Function Number' in pci_bridge_info\n"
+              "  * PCI bridge 0000:?:00.0\n"
+              "    at      /component/child_slot_group[1]/component[2]\n"
+              "    there is no setting 'Bus Number' in pci_bridge_info\n"
+              "\n"
+              "2 components to record: 0 rows, 2 without a row; 0 settings that no column takes\n");
 }
 
 TEST_F(ExplanationText, OfProblemsHasWhatLooksWrongBehindWhatIsMissing) {
@@ -183,6 +190,11 @@ TEST_F(ExplanationText, OfProblemsHasWhatLooksWrongBehindWhatIsMissing) {
                                  "Number' may be meant\n"));
     EXPECT_LT(shown.find("No row"), shown.find("Looks wrong"));
     EXPECT_THAT(shown, EndsWith("2 settings that no column takes; 1 value that looks wrong\n"));
+}
+
+TEST_F(ExplanationText, CountsValuesThatLookWrong) {
+    EXPECT_THAT(problems(cds_file(processor("CPU 1", {text("Core Count", "8"), text("Voltage", "1")}))),
+                EndsWith("0 settings that no column takes; 2 values that look wrong\n"));
 }
 
 TEST_F(ExplanationText, OfProblemsHasSettingsThatCannotMatter) {

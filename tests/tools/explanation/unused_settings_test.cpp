@@ -4,6 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+#include <optional>
+
+#include "support/tree_builder.h"
 #include "tools/explanation/explanation_test.h"
 
 using testing::ElementsAre;
@@ -88,6 +92,14 @@ TEST_F(UnusedSettings, AreThoseOfAGroupThatTheLoaderPassesOver) {
     EXPECT_THAT(unused(cds_component(cds_group("memory_info", {text("Device Locator", "A1")}) +
                                      cds_group("pci_bridge_info", address("1")))),
                 ElementsAre(not_taken("memory_info", "Device Locator")));
+}
+
+TEST_F(UnusedSettings, AreAllOfAComponentThatIsNotRecorded) {
+    const std::unique_ptr<cds_parser::component> told(make_component("cpu_info", {text("Serial Number", "1")}));
+    const std::vector<unused_setting> found = unused_settings(*told, nullptr, std::nullopt);
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].name, "Serial Number");
+    EXPECT_EQ(found[0].why, idleness::other_record);
 }
 
 TEST_F(UnusedSettings, AreThoseOfASecondGroupOfTheName) {

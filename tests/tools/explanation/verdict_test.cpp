@@ -4,6 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+
+#include "support/tree_builder.h"
 #include "tools/explanation/explanation_test.h"
 
 using testing::ElementsAre;
@@ -92,6 +95,15 @@ TEST_F(Verdict, OfAnOrdinaryModuleAreThatItHasSettingsOfPersistentOnesOnly) {
     const json of = told_of(cds_component("memory_info", {integer("Capacity", "1")}));
     EXPECT_EQ(of["result"], "nothing_known");
     EXPECT_EQ(of["row"], nullptr);
+}
+
+TEST_F(Verdict, WithoutARuleAreTheSettingsAlone) {
+    const std::unique_ptr<cds_parser::component> judged(
+        make_component("pci_bridge_info", {integer("Bus Number", "1"), integer("Device Number", "0")}));
+    counterfactual doubts;
+    const verdict given = verdict_on(*judged, find_known_group("pci_bridge_info"), {}, nullptr, doubts);
+    EXPECT_EQ(given.became, fate::incomplete);
+    EXPECT_THAT(given.reasons, ElementsAre(absent("Function Number", "pci_bridge_info")));
 }
 
 TEST_F(Verdict, OfABridgeAreAllSettingsThatItLacks) {
