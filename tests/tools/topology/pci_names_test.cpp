@@ -4,8 +4,13 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <string>
 
 #include "support/scratch_file.h"
 #include "tools/topology/topology_test.h"
@@ -72,6 +77,72 @@ TEST_F(PciNames, AreMissingWhereThereAreNoNumbers) {
 TEST_F(PciNames, AreNumbersWhereThoseAreTooLarge) {
     execute("UPDATE PCIs SET VendorId = 0x18086, DeviceId = -1");
     expect_named("8086  Chips Inc.\n\tffff  Last\n", ": [18086:ffffffffffffffff]");
+}
+
+TEST_F(PciNames, AreThereUpToTheLargestNumbers) {
+    execute("UPDATE PCIs SET VendorId = 0xFFFF, DeviceId = 0xFFFF");
+    expect_named("ffff  Last Inc.\n\tffff  Last One\n", ": Last Inc. Last One");
+}
+
+// Of which the lower bits are those of others.
+TEST_F(PciNames, AreNumbersAboveThose) {
+    execute("UPDATE PCIs SET DeviceId = 0x10000");
+    expect_named("8086  Chips Inc.\n8087  Other Inc.\n\t0000  First\n", ": Chips Inc. [8086:10000]");
+    execute("UPDATE PCIs SET VendorId = 0x10000");
+    expect_named("0000  First Inc.\n", ": [10000:10000]");
+}
+
+TEST_F(PciNames, AreNoneWithoutNumbers) {
+    const scratch_file list("0000  First Inc.\n\t0000  First\n");
+    use_names(list.path());
+    pci_names::id forgotten = 0;
+    forgotten.reset();
+    pci_names names;
+    EXPECT_EQ(names.vendor(forgotten), std::nullopt);
+    EXPECT_EQ(names.device(0, forgotten), std::nullopt);
+    EXPECT_EQ(names.device(0, 0), "First");
+}
+
+TEST_F(PciNames, MayBeginWithAnyCharacter) {
+    expect_named("8086  ~ Inc.\n", ": ~ Inc. [8086:1572]");
+}
+
+TEST_F(PciNames, ComeFromAListBesideThePackedOneThatIsMissing) {
+    const scratch_file list("8086  Chips Inc.\n");
+    use_names(list.path() + std::string(".gz"));
+    EXPECT_THAT(tree(), EndsWith("function: Chips Inc. [8086:1572]\n"));
+    use_names(list.path() + std::string(".bz"));
+    EXPECT_THAT(tree(), EndsWith("function: [8086:1572]\n"));
+}
+
+TEST_F(PciNames, ComeFromAListThatIsNamedAsAPackedOne) {
+    const scratch_file other("");
+    const std::string name = other.path() + std::string(".gz");
+    std::ofstream(name) << "8086  Chips Inc.\n";
+    use_names(name);
+    const std::string shown = tree();
+    unlink(name.c_str());
+    EXPECT_THAT(shown, EndsWith("function: Chips Inc. [8086:1572]\n"));
+}
+
+TEST_F(PciNames, AreNumbersWhereTheListHasAShortName) {
+    use_names("x");
+    EXPECT_THAT(tree(), EndsWith("function: [8086:1572]\n"));
+}
+
+TEST_F(PciNames, ComeFromTheListOfTheSystemWhereAnEmptyOneIsNamed) {
+    unsetenv("ZEBDB_PCI_IDS");
+    const std::string shown = tree();
+    use_names("");
+    EXPECT_EQ(tree(), shown);
+}
+
+TEST_F(PciNames, AreNumbersWhereTheListIsDamagedWhateverWentWrongBefore) {
+    const scratch_file list("8086  Chips Inc.\n\t\t\t1572\nnonsense\n");
+    use_names(list.path());
+    pci_names names;
+    errno = ENOMEM;
+    EXPECT_EQ(names.vendor(0x8086), std::nullopt);
 }
 
 TEST_F(PciNames, AreOneLineOfUtf8WhateverIsInTheList) {

@@ -36,7 +36,8 @@ std::vector<std::string> shape(const inventory_table& of_bridges, const inventor
         const std::string problem = part.problem == pci_problem::circle           ? " circle"
                                     : part.problem == pci_problem::missing_bridge ? " missing"
                                                                                   : "";
-        shapes.push_back((part.is_bridge ? "b" : "f") + std::to_string(*number_in(part.row["Id"])) + " " +
+        const auto id = number_in(part.row["Id"]);
+        shapes.push_back((part.is_bridge ? "b" : "f") + (id ? std::to_string(*id) : "-") + " " +
                          std::to_string(part.depth) + problem);
     }
     return shapes;
@@ -67,6 +68,23 @@ TEST(PciTopology, HasTheNodesOneAfterTheOther) {
     EXPECT_THAT(shape(bridges({}), of_two_nodes), ElementsAre("f2 0", "f3 0", "f1 0"));
 }
 
+TEST(PciTopology, HasTheNodesOneAfterTheOtherBehindABridge) {
+    const inventory_table of_two_nodes = {&kinds::devices,
+                                          {"Id", "BridgeId", "NodeIndex", "BusNo", "DeviceNo"},
+                                          {{number(1), number(7), number(1), number(1), number(0)},
+                                           {number(2), number(7), number(0), number(2), number(0)}}};
+    EXPECT_THAT(shape(bridges({{number(7), none, number(0), number(0)}}), of_two_nodes),
+                ElementsAre("b7 0", "f2 1", "f1 1"));
+}
+
+TEST(PciTopology, TakesNoFunctionForABridge) {
+    EXPECT_THAT(shape(bridges({{absent, none, number(0), number(9)}}),
+                      functions({{number(1), none, number(0), number(0)},
+                                 {number(2), number(1), number(0), number(1)},
+                                 {number(3), number(0), number(0), number(2)}})),
+                ElementsAre("f1 0", "b- 0", "f2 0 missing", "f3 0 missing"));
+}
+
 TEST(PciTopology, HasABridgeBeforeAFunctionOfItsAddress) {
     EXPECT_THAT(
         shape(bridges({{number(1), none, number(0), number(1)}}), functions({{number(2), none, number(0), number(1)}})),
@@ -82,6 +100,9 @@ TEST(PciTopology, PutsWhatIsBehindAMissingBridgeToTheRootsBehindTheOthers) {
 TEST(PciTopology, TakesABridgeNamedByTextForMissing) {
     EXPECT_THAT(shape(bridges({}), functions({{number(1), "first", number(0), number(0)}})),
                 ElementsAre("f1 0 missing"));
+    EXPECT_THAT(shape(bridges({{number(0), none, number(0), number(0)}}),
+                      functions({{number(1), "first", number(0), number(1)}})),
+                ElementsAre("b0 0", "f1 0 missing"));
 }
 
 TEST(PciTopology, TakesARowThatNamesNoBridgeForARoot) {
@@ -106,8 +127,8 @@ TEST(PciTopology, CutsEveryCircle) {
                                {number(2), number(2), number(1), number(0)},
                                {number(3), number(4), number(2), number(0)},
                                {number(4), number(3), number(3), number(0)}}),
-                      functions({})),
-                ElementsAre("b1 0", "b2 0 circle", "b3 0 circle", "b4 1"));
+                      functions({{number(1), number(4), number(4), number(0)}})),
+                ElementsAre("b1 0", "b2 0 circle", "b3 0 circle", "b4 1", "f1 2"));
 }
 
 TEST(PciTopology, NamesTheParentByItsPlace) {

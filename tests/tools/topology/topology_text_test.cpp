@@ -208,6 +208,8 @@ TEST_F(TopologyText, KeepsControlCharactersFromTheTerminal) {
 TEST_F(TopologyText, NamesTheKindOfAFunction) {
     add_function(1, -1, 0, 1, "ClsCode = 0x010802");
     EXPECT_EQ(part_of(tree()), "0000:00:01.0 storage (NVMe)");
+    execute("UPDATE PCIs SET ClsCode = 0x090000");
+    EXPECT_EQ(part_of(tree()), "0000:00:01.0 input");
 }
 
 TEST_F(TopologyText, NamesAClassByItsCodeWhereThatHasNoName) {
@@ -241,17 +243,44 @@ TEST_F(TopologyText, HasBoxesAndBoldHeadingsAndLinesThatFitWhereTheStyleHas) {
               "   └─ 0000:02:00.0 function\n");
 }
 
-TEST_F(TopologyText, LeavesTwentyColumnsOfEachLineToItsText) {
-    add_function(1, -1, 1, 0, "SlotDesignation = 'xxxxxxxxxx'");
-    add_function(2, -1, 2, 0, "SlotDesignation = 'xxxxxxxxxxx'");
+TEST_F(TopologyText, FillsALineToItsEnd) {
+    add_function(1, -1, 0, 1, "SlotDesignation = 'aaaa bbbb'");
     text_style style;
-    style.width = 1;
+    style.width = 6 + 32;
+    EXPECT_THAT(tree(style), EndsWith("   `- 0000:00:01.0 function, aaaa bbbb\n"));
+    style.width -= 1;
+    EXPECT_THAT(tree(style), EndsWith("   `- 0000:00:01.0 function, aaaa\n"
+                                      "         bbbb\n"));
+}
+
+TEST_F(TopologyText, LeavesALittleRoomToADeepTree) {
+    add_bridge(1, -1, 0, 1, "VendorId = 0x8086, DevId = 0x1573");
+    add_function(1, 1, 1, 0, "SlotDesignation = 'xxxxxxxxxxxxxxxxxxxxxxxxx'");
+    text_style style;
+    style.width = 10;
     EXPECT_EQ(tree(style),
               "Node 1\n"
               "`- Segment 0000\n"
-              "   +- 0000:01:00.0\n"
-              "   |     function, xxxxxxxxxx\n"
-              "   `- 0000:02:00.0\n"
-              "         function,\n"
-              "         xxxxxxxxxxx\n");
+              "   `- 0000:00:01.0 bridge:\n"
+              "      |  [8086:1573]\n"
+              "      `- 0000:01:00.0\n"
+              "            function,\n"
+              "            xxxxxxxxxxxxxxxxxxxx\n"
+              "            xxxxx\n");
+}
+
+TEST_F(TopologyText, LeadsToWhatIsBehindABridgeOfSeveralLines) {
+    add_bridge(1, -1, 0, 1, "VendorId = 0x8086, DevId = 0x1573");
+    add_bridge(2, -1, 0, 2, "VendorId = 0x8086, DevId = 0x1573");
+    add_function(1, 1, 1, 0);
+    text_style style;
+    style.width = 32;
+    EXPECT_EQ(tree(style),
+              "Node 1\n"
+              "`- Segment 0000\n"
+              "   +- 0000:00:01.0 bridge:\n"
+              "   |  |  [8086:1573]\n"
+              "   |  `- 0000:01:00.0 function\n"
+              "   `- 0000:00:02.0 bridge:\n"
+              "         [8086:1573]\n");
 }
