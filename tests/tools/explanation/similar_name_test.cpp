@@ -20,6 +20,12 @@ TEST(SimilarName, IsTheSameInAnotherCase) {
     EXPECT_STREQ(most_similar("ABYZ", {"abyz"}, 5), "abyz");
 }
 
+TEST(SimilarName, HasNoOtherCaseOfWhatIsNoLetter) {
+    EXPECT_EQ(most_similar("a;", {"a["}, 5), nullptr);
+    EXPECT_EQ(most_similar("a@", {"a`"}, 5), nullptr);
+    EXPECT_EQ(most_similar("a[", {"a{"}, 5), nullptr);
+}
+
 TEST(SimilarName, IsTheSameWithOtherSeparators) {
     EXPECT_STREQ(similar("Serial_Number"), "Serial Number");
     EXPECT_STREQ(similar("SerialNumber"), "Serial Number");

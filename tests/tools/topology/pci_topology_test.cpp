@@ -166,6 +166,21 @@ TEST(PartOfTheTopology, IsThePathToAnAddressAndWhatIsBehindIt) {
     EXPECT_EQ(parts[2].parent, 1u);
 }
 
+TEST(PartOfTheTopology, IsNotWhatIsBehindAnotherRoot) {
+    const inventory_table roots = {&kinds::bridges,
+                                   {"Id", "ParentId", "SegNo", "BusNo", "DevNo", "FunNo"},
+                                   {{number(1), absent, number(0), number(0), number(1), number(0)},
+                                    {number(2), absent, number(0), number(0), number(2), number(0)},
+                                    {number(3), number(1), number(0), number(1), number(0), number(0)},
+                                    {number(4), number(2), number(0), number(2), number(0), number(0)}}};
+    pci_names names;
+    const std::vector<pci_part> parts = part_of_topology(pci_topology(roots, functions({}), names), "0000:00:01.0");
+    ASSERT_EQ(parts.size(), 2u);
+    EXPECT_EQ(parts[0].row["Id"], number(1));
+    EXPECT_EQ(parts[1].row["Id"], number(3));
+    EXPECT_EQ(parts[1].parent, 0u);
+}
+
 TEST(PartOfTheTopology, IsEmptyWhereNothingIsAtTheAddress) {
     pci_names names;
     EXPECT_TRUE(
