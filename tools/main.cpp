@@ -46,16 +46,16 @@ void fail_unless_finished() {
 // What is destroyed may need memory, as JSON values do, and then nothing can catch that there is none.
 [[noreturn]] void end_uncaught() {
     const std::exception_ptr uncaught = std::current_exception();
+    if (uncaught == nullptr) {
+        std::abort();
+    }
     try {
-        if (uncaught != nullptr) {
-            std::rethrow_exception(uncaught);
-        }
+        std::rethrow_exception(uncaught);
     } catch (const std::bad_alloc&) {
         ::_exit(fail_for_want_of_memory());
     } catch (...) {
         std::abort();
     }
-    std::abort();
 }
 
 int run_to_the_end(int argc, char** argv) {

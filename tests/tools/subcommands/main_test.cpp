@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <string>
+
+#include "support/built.h"
+#include "support/cds_hardware.h"
 #include "tools/subcommands/command_test.h"
 
 class Process : public command_test {
@@ -32,4 +37,37 @@ TEST_F(Process, LetsNoFileTakeTheDescriptorThatItsCallerClosed) {
     EXPECT_EQ(standard_descriptors("<file >file 2>&-"), "file 0\nfile 1\nnull 0\n");
     EXPECT_EQ(standard_descriptors("<file >file 2>&- 3<file"), "file 0\nfile 1\nnull 0\n");
     EXPECT_EQ(standard_descriptors("<&- >&- 2>&-"), "null 1\nnull 0\nnull 0\n");
+}
+
+// What it calls ends the process.
+class EndedProcess : public command_test {
+protected:
+    // A blank ends the name of what is preloaded, and may stand in the name of the project's folder.
+    EndedProcess() {
+        std::filesystem::create_symlink(built::failing_insert, folder() / "failing_insert.so");
+        write("server.xml", cds_file(processor("CPU 1")));
+    }
+
+    command_result load_failing(const std::string& failure) const {
+        return run(
+            "export ASAN_OPTIONS=\"${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0\"; ulimit -c 0; "
+            "FAILING_TABLE=Processor FAILURE='" +
+            failure + "' LD_PRELOAD=./failing_insert.so zebdb-cds load server.xml");
+    }
+};
+
+TEST_F(EndedProcess, HasFailedWhateverStatusALibraryEndedItWith) {
+    EXPECT_EQ(load_failing("exit").status, 2);
+}
+
+TEST_F(EndedProcess, SaysThatNothingCouldCatchAWantOfMemory) {
+    const command_result result = load_failing("no memory");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.last_error_line(), "zebdb-cds: out of memory");
+}
+
+TEST_F(EndedProcess, IsAbortedWhereThereIsAnotherReason) {
+    constexpr int aborted = 128 + 6;
+    EXPECT_EQ(load_failing("exception").status, aborted);
+    EXPECT_EQ(load_failing("terminate").status, aborted);
 }
