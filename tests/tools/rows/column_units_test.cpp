@@ -52,12 +52,16 @@ TEST(ColumnUnits, WriteSizesInTheLargestWholeUnit) {
     EXPECT_EQ(kibibytes(number(1024)), "1 MiB");
     EXPECT_EQ(mebibytes(number(32768)), "32 GiB");
     EXPECT_EQ(mebibytes(number(1536)), "1536 MiB");
+    EXPECT_EQ(bytes(number(9999)), "9999 B");
+    EXPECT_EQ(mebibytes(number(3 << 20)), "3 TiB");
     EXPECT_EQ(bytes(std::uint64_t{1} << 60), "1024 PiB");
 }
 
 TEST(ColumnUnits, WriteALongSizeWithOneDecimal) {
     EXPECT_EQ(kibibytes(number(25344)), "24.8 MiB");
     EXPECT_EQ(mebibytes(number(many)), "126.4 GiB");
+    EXPECT_EQ(bytes(number(10'000)), "9.8 KiB");
+    EXPECT_EQ(bytes(std::uint64_t{18446744073709551615u}), "16384.0 PiB");
 }
 
 TEST(ColumnUnits, WriteNamesBesideTheNumbersThatHaveOne) {

@@ -22,6 +22,10 @@ TEST(DecodedText, IsTheNumberWhereItHasNoName) {
     EXPECT_EQ(decoded_text(kinds::memory, "Later", number(7)), "7");
 }
 
+TEST(DecodedText, IsTheNumberThatIsPutTogetherOfOthers) {
+    EXPECT_EQ(decoded_text(kinds::processors, "Status", number(0x41)), "65");
+}
+
 TEST(DecodedText, IsElseInItsUnit) {
     EXPECT_EQ(decoded_text(kinds::memory, "MemSize", number(32768)), "32 GiB");
     EXPECT_EQ(decoded_text(kinds::memory, "DevLocator", inventory_value("DIMM 1 ")), "DIMM 1 ");

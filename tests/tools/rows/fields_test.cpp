@@ -77,6 +77,14 @@ TEST(Enumerations, HaveEachNumberOnce) {
     }
 }
 
+TEST(Enumerations, OfBitsNameBitsOfANumber) {
+    for (const enumeration* values : enumerations::all) {
+        for (const enumerated_value& each : *values) {
+            EXPECT_TRUE(values->role != number_role::bit || each.number < 64) << values->name << ' ' << each.number;
+        }
+    }
+}
+
 TEST(Enumerations, AreAllUsedByAColumn) {
     std::set<const enumeration*> used;
     for (const inventory_kind* kind : kinds::all) {

@@ -21,6 +21,12 @@ TEST(RowText, IsAnAddress) {
     EXPECT_EQ(row_texts::device_address(function), "0000:3b:1f.7");
 }
 
+TEST(RowText, HasFourDigitsForEachHalfOfAnId) {
+    const inventory_table card = {
+        &kinds::devices, {"SubVendorId", "SubDeviceId"}, {{std::int64_t{0x15}, std::int64_t{7}}}};
+    EXPECT_EQ(row_texts::subsystem_id(inventory_row(card, 0)), "0015:0007");
+}
+
 TEST(RowText, HasADashForAPartThatIsAbsent) {
     EXPECT_EQ(row_texts::device_id(function), "8086:-");
     EXPECT_EQ(row_texts::lanes(function), "4/-");

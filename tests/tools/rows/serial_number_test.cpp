@@ -19,7 +19,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Placeholder,
                                          "Fill by OEM", "Invalid", "Module Missing", "No", "No Asset", "No CPU",
                                          "No Module", "No Serial", "No Serial Number", "Not Applicable",
                                          "Not Installed", "Not Present", "Not Provided", "Not Set", "Serial Number",
-                                         "System Serial Number", "Undefined", "Unspecified"));
+                                         "System Serial Number", "Undefined", "Unspecified", "{None}~"));
 
 class SerialNumber : public testing::TestWithParam<const char*> {};
 
@@ -28,8 +28,9 @@ TEST_P(SerialNumber, IsTaken) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, SerialNumber,
-                         testing::Values("S1", "01", "00000001", "0x10000000", "None1", "12345679", "\u00e9"));
+                         testing::Values("S1", "01", "00000001", "0Z", "0z", "0x10000000", "None1", "12345679",
+                                         "\u00e9"));
 
 TEST(SerialNumber, IsTakenWithoutTheBlanksAroundIt) {
-    EXPECT_EQ(real_serial_number(" \tS 1\n "), "S 1");
+    EXPECT_EQ(real_serial_number(" \tS 1\n\r"), "S 1");
 }

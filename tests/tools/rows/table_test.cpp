@@ -33,6 +33,10 @@ TEST(InventoryRow, IsOfTheKindOfItsTable) {
     EXPECT_EQ(&inventory_row(modules, 0).kind(), &kinds::memory);
 }
 
+TEST(InventoryRow, KnowsItsPlace) {
+    EXPECT_EQ(inventory_row(modules, 1).place(), 1u);
+}
+
 TEST(InventoryValue, IsANumberWithAllItsBits) {
     EXPECT_EQ(number_in(std::int64_t{-1}), 18446744073709551615u);
     EXPECT_EQ(number_in(std::uint64_t{18446744073709551615u}), 18446744073709551615u);

@@ -19,6 +19,10 @@ TEST(RowJson, HasEveryColumnInTheOrderOfTheTable) {
     EXPECT_EQ(row_json(table, 0).dump(), R"({"Id":1,"DevLocator":"A1","ArrayId":null})");
 }
 
+TEST(JsonLine, IsOneLineOfUtf8) {
+    EXPECT_EQ(json_line({{"name", "Z\u00fcri"}, {"nodes", {1, 2}}}), "{\"name\":\"Z\u00fcri\",\"nodes\":[1,2]}\n");
+}
+
 TEST(JsonText, IsHarmlessWhateverIsInIt) {
     EXPECT_EQ(json_text("\u202e\x1b\xff"), "\"\\u202e\\u001b\uFFFD\"\n");
 }
