@@ -70,6 +70,13 @@ TEST(RemoveColumns, OfTheNodeKeepsTheRestOfTheKeysOfCards) {
     EXPECT_THAT(tables[0].rows, ElementsAre(ElementsAre(number(0xFFFFFF)), ElementsAre(absent)));
 }
 
+TEST(RemoveColumns, OfTheNodeLeavesATableAsItIsThatKnowsOfNone) {
+    std::vector<inventory_table> tables = {
+        {&kinds::memory, {"MemSize", "Capacity"}, {{number(0x02FFFFFF), number(1)}}}};
+    remove_columns(tables, {"NodeIndex"});
+    EXPECT_THAT(tables[0].rows, ElementsAre(ElementsAre(number(0x02FFFFFF), number(1))));
+}
+
 TEST(IgnoredColumns, OfSerialsAreAllThatIdentifyAPart) {
     EXPECT_THAT(ignored_columns("serials"), testing::Contains("SerialNo"));
     EXPECT_THAT(ignored_columns("Speed"), ElementsAre("Speed"));

@@ -156,6 +156,11 @@ TEST_F(DifferenceJson, GivesBothIdentitiesOfAMovedPart) {
         "columns": {"SlotNo": {"old": 1, "new": 2}}}])"));
 }
 
+TEST_F(DifferenceJson, HasNoColumnsOfAPartThatHasOnlyMoved) {
+    write_both(module("A1", "S1"), module("B1", "S1"));
+    EXPECT_EQ(different_json()["memory"]["moved"][0]["columns"], json::object());
+}
+
 TEST_F(DifferenceJson, CountsTheRecordsOfACollision) {
     write_both(function("1") + function("1"), function("1"));
     EXPECT_EQ(different_json()["devices"]["collisions"],

@@ -102,6 +102,16 @@ TEST_F(DifferenceText, QuotesTextsSoThatEveryDifferenceShows) {
         "    AssetTag      \"T\" -> \"T \"\n");
 }
 
+TEST_F(DifferenceText, TellsOfASerialNumberThatOneInventoryLacks) {
+    write_both(module("A1", "S1") + module("A2", ""), module("A1", "") + module("A2", "S2"));
+    expect_different(
+        "Memory: 2 changed\n"
+        "~ A1\n"
+        "    SerialNo  \"S1\" -> -\n"
+        "~ A2: serial number S2\n"
+        "    SerialNo  - -> \"S2\"\n");
+}
+
 TEST_F(DifferenceText, TakesARemovedColumnForAbsent) {
     write_both(processor("CPU 1", {integer("Voltage", "12")}), processor("CPU 1"));
     expect_different(

@@ -78,6 +78,18 @@ TEST_F(TwoServers, AreJustTheSameWhereNothingWasIgnored) {
 TEST_F(TwoServers, DifferAllTheSameInWhatIsNotIgnored) {
     write_both(machine("1", "S1"), machine("1", "S2", "B1"));
     EXPECT_FALSE(without_serials().is_same());
+    EXPECT_FALSE(without_serials().differs_in_ignored);
+}
+
+TEST_F(TwoServers, KeepTheirNodeWhereTheOtherHasNoParts) {
+    write_both(server(processor("CPU 1")), "");
+    expect_different(
+        "Processors: 1 removed\n"
+        "- CPU 1, node 1\n");
+    write_both("", server(processor("CPU 1")));
+    expect_different(
+        "Processors: 1 added\n"
+        "+ CPU 1, node 1\n");
 }
 
 TEST_F(TwoServers, AreTheSameButForTheColumnsThatAreNamed) {
@@ -137,6 +149,22 @@ TEST_F(TwoServers, AreCountedWithoutATableWhereAKindWouldNotFitIntoALine) {
     EXPECT_THAT(difference_counts(difference(), style), StartsWith("Kind        Difference\nProcessors  no\n"));
     style.width = 21;
     EXPECT_THAT(difference_counts(difference(), style), StartsWith("Kind        Processor\n            s\n"));
+}
+
+TEST_F(TwoServers, AreCountedInANarrowTerminal) {
+    write_both(machine("1", "S1") + server(module("B1", "S3")), machine("1", "S2"));
+    text_style narrow;
+    narrow.width = 24;
+    EXPECT_EQ(difference_counts(difference(), narrow),
+              "Kind        Difference\n"
+              "Processors  no\n"
+              "            difference\n"
+              "Memory      1 removed, 1\n"
+              "            changed\n"
+              "Bridges     no\n"
+              "            difference\n"
+              "Devices     no\n"
+              "            difference\n");
 }
 
 TEST_F(TwoServers, ThatAreTheSameAreNotCounted) {
