@@ -14,10 +14,9 @@
 namespace {
 
 std::string names_of_bits(const enumeration& names, std::uint64_t bits) {
-    constexpr std::uint64_t width = 64;
     std::string text;
     for (const enumerated_value& each : names) {
-        if (each.number < width && (bits >> each.number & 1) != 0) {
+        if ((bits >> each.number & 1) != 0) {
             text += (text.empty() ? "" : ", ") + std::string(each.name);
         }
     }
