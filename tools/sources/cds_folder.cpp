@@ -32,7 +32,7 @@ bool is_folder(const std::string& name) {
 std::vector<std::string> cds_files_in(const std::string& folder) {
     std::error_code problem;
     std::vector<std::string> files;
-    for (fs::directory_iterator entry(folder, problem), end; !problem && entry != end; entry.increment(problem)) {
+    for (fs::directory_iterator entry(folder, problem), end; entry != end; entry.increment(problem)) {
         if (is_cds_file(entry->path())) {
             files.push_back(entry->path().native());
         }

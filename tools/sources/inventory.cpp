@@ -204,7 +204,8 @@ inventory_table inventory::table_of(const inventory_kind& kind, const selection&
 
 std::int64_t inventory::count(const inventory_kind& kind) const {
     const statement_ptr rows = select("count(*)", kind);
-    return step(rows) ? sqlite3_column_int64(rows.get(), 0) : 0;
+    step(rows);
+    return sqlite3_column_int64(rows.get(), 0);
 }
 
 // A database of an earlier version, or of another maker, has no such table.
