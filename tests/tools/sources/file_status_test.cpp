@@ -10,6 +10,7 @@
 #include <fstream>
 #include <string>
 
+#include "support/replaced_stdin.h"
 #include "support/scratch_file.h"
 #include "support/scratch_folder.h"
 
@@ -20,6 +21,13 @@ TEST(FileStatus, TellsFilesFromOtherThings) {
     EXPECT_TRUE(is_file(status_of(file.path())));
     EXPECT_FALSE(is_file(status_of(".")));
     EXPECT_FALSE(is_file(status_of("nowhere")));
+}
+
+TEST(FileStatus, IsThatOfStandardInputWhereThatIsNamed) {
+    const scratch_file file("text");
+    const replaced_stdin standard_input(file.path());
+    EXPECT_TRUE(is_file(status_of("-")));
+    EXPECT_EQ(status_of("-").st_size, 4);
 }
 
 TEST(FileStatus, StaysTheSameWhileNothingIsWritten) {
@@ -51,6 +59,16 @@ TEST(FileStatus, ChangesWhenAnotherFileTakesThePlace) {
     const struct stat before = status_of(path);
     fs::rename(folder.file("new"), path);
     EXPECT_FALSE(is_unchanged(path, before));
+}
+
+TEST(FileStatus, ChangesWithTheDeviceOrTheSecondAlone) {
+    const scratch_file file("text");
+    struct stat on_another_device = status_of(file.path());
+    ++on_another_device.st_dev;
+    EXPECT_FALSE(is_unchanged(file.path(), on_another_device));
+    struct stat a_second_later = status_of(file.path());
+    ++a_second_later.st_mtim.tv_sec;
+    EXPECT_FALSE(is_unchanged(file.path(), a_second_later));
 }
 
 TEST(FileStatus, ChangesWhenTheFileGoes) {

@@ -3,9 +3,13 @@
 #include "sources/input_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <zlib.h>
 
+#include <chrono>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <thread>
@@ -15,8 +19,11 @@
 #include "console/failure.h"
 #include "sources/cds_file.h"
 #include "support/cds_text.h"
+#include "support/replaced_stdin.h"
 #include "support/scratch_file.h"
 #include "support/scratch_folder.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -63,6 +70,36 @@ std::string refusal_of_file(const std::string& name) {
     return refusal_of([&name] { const input_file input(name); });
 }
 
+// Waits, for some seconds at most, until the copying has ended that other inputs have left behind.
+void await_end_of_copying() {
+    const auto threads = [] { return std::distance(fs::directory_iterator("/proc/self/task"), {}); };
+    for (int i = 0; i < 1000 && threads() > 1; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+}
+
+int lowest_free_descriptor() {
+    const int lowest = dup(STDIN_FILENO);
+    close(lowest);
+    return lowest;
+}
+
+// Allows no descriptors but those below as long as it lives.
+class descriptors_below {
+public:
+    explicit descriptors_below(int limit) {
+        EXPECT_EQ(getrlimit(RLIMIT_NOFILE, &usual_), 0);
+        const rlimit few = {static_cast<rlim_t>(limit), usual_.rlim_max};
+        EXPECT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    }
+    ~descriptors_below() { setrlimit(RLIMIT_NOFILE, &usual_); }
+    descriptors_below(const descriptors_below&) = delete;
+    descriptors_below& operator=(const descriptors_below&) = delete;
+
+private:
+    rlimit usual_ = {};
+};
+
 }  // namespace
 
 TEST(InputFile, OnDiskIsOpenedByItsPathAsOftenAsOneLikes) {
@@ -88,6 +125,8 @@ TEST(InputFile, ThatIsAPipeIsReadOnceAndKeptForAnotherLook) {
     EXPECT_TRUE(all_of(in) == text);
     writer.join();
     EXPECT_TRUE(all_of(*input.read_again()) == text);
+    unlink(path.c_str());
+    EXPECT_TRUE(all_of(*input.read_as_it_lies()) == text);
     EXPECT_EQ(input.read_error(), "");
 }
 
@@ -145,6 +184,59 @@ TEST(InputFile, ThatIsAPipeIsNoDocumentWhenItGoesOnWithoutAnEnd) {
     cds_parser::document document;
     EXPECT_EQ(refusal_of([&] { read_cds(in, input, document); }), "it holds more than 256 MiB");
     writer.join();
+}
+
+TEST(InputFile, ThatIsPackedIsReadNoFurtherThanAllowed) {
+    const scratch_file file(packed(cds_file("")));
+    const input_file input(file.path(), 10);
+    EXPECT_EQ(refusal_of([&input] { input.read_all(); }), "it was packed by gzip and holds more than 256 MiB");
+    EXPECT_EQ(input_file::most_bytes, std::size_t{268'435'456});
+}
+
+TEST(InputFile, WithoutAnEndIsReadNoFurtherThanAllowed) {
+    const input_file input("/dev/zero", 1000);
+    EXPECT_EQ(refusal_of([&input] { input.read_all(); }), "it holds more than 256 MiB");
+}
+
+TEST(InputFile, ThatIsStandardInputIsReadAsWhateverItIs) {
+    const scratch_file file("text");
+    const replaced_stdin standard_input(file.path());
+    const input_file input("-");
+    EXPECT_FALSE(input.is_on_disk());
+    EXPECT_EQ(input.status().st_size, 4);
+    EXPECT_EQ(input.read_all(), "text");
+}
+
+TEST(InputFile, ThatIsStandardInputHasToBeOpen) {
+    const replaced_stdin standard_input(nullptr);
+    EXPECT_EQ(refusal_of_file("-"), "it is closed");
+}
+
+TEST(InputFile, NeedsADescriptorForItselfAndTwoForAPipe) {
+    await_end_of_copying();
+    const int first_free = lowest_free_descriptor();
+    for (const int left : {0, 1, 2}) {
+        const descriptors_below few(first_free + left);
+        EXPECT_EQ(refusal_of_file("/dev/null"), "Too many open files") << left;
+    }
+}
+
+TEST(InputFile, LeavesNoDescriptorOpen) {
+    const scratch_file plain("text");
+    const scratch_file other(packed("text"));
+    await_end_of_copying();
+    const int before = lowest_free_descriptor();
+    {
+        const input_file input(plain.path());
+        EXPECT_EQ(lowest_free_descriptor(), before);
+    }
+    EXPECT_EQ(lowest_free_descriptor(), before);
+    EXPECT_EQ(input_file(other.path()).read_all(), "text");
+    EXPECT_EQ(lowest_free_descriptor(), before);
+    const replaced_stdin standard_input(plain.path());
+    const int with_standard_input = lowest_free_descriptor();
+    EXPECT_EQ(input_file("-").read_all(), "text");
+    EXPECT_EQ(lowest_free_descriptor(), with_standard_input);
 }
 
 TEST(InputFile, ThatIsAPipeMayBeAsLongAsIsRead) {

@@ -12,6 +12,7 @@
 #include "console/failure.h"
 #include "sources/library_log.h"
 #include "support/cds_hardware.h"
+#include "support/replaced_stdin.h"
 #include "support/scratch_folder.h"
 
 using testing::StartsWith;
@@ -70,6 +71,27 @@ TEST_F(OpenInventory, ReadsADatabase) {
 TEST_F(OpenInventory, TellsThemApartByContentAndNotByName) {
     expect_module(write_database("server.xml"));
     expect_module(write("server.db", cds_file(module("A1", "S1"))));
+}
+
+TEST_F(OpenInventory, ReadsAShortFileThatCanBeReadOnlyOnce) {
+    const std::string path = write("short.xml", "<component/>");
+    const replaced_stdin standard_input(path.c_str());
+    EXPECT_TRUE(open_inventory("-").read(kinds::memory).rows.empty());
+}
+
+TEST_F(OpenInventory, KnowsTheBytesOfWhatWasNamed) {
+    const std::string path = write("server.xml", cds_file(module("A1", "S1")));
+    const opened_source of_file = open_source(path);
+    EXPECT_EQ(of_file.file.name, path);
+    EXPECT_EQ(of_file.file.bytes, fs::file_size(path));
+    EXPECT_NE(of_file.document, nullptr);
+    const opened_source of_database = open_source(write_database("server.db"));
+    EXPECT_EQ(of_database.file.bytes, fs::file_size(folder_.file("server.db")));
+    EXPECT_EQ(of_database.document, nullptr);
+    const replaced_stdin standard_input(path.c_str());
+    const opened_source of_standard_input = open_source("-");
+    EXPECT_EQ(of_standard_input.file.sha256, of_file.file.sha256);
+    EXPECT_EQ(of_standard_input.file.name, "-");
 }
 
 TEST_F(OpenInventory, WritesNothing) {

@@ -9,6 +9,7 @@
 
 #include "sources/memory_database.h"
 #include "sources/memory_inventory.h"
+#include "support/replaced_stdin.h"
 #include "support/scratch_file.h"
 
 namespace {
@@ -30,6 +31,7 @@ TEST(SourceRecord, HasTheSha256AndTheSizeOfItsBytes) {
     EXPECT_EQ(of_text(std::string(1'000'000, 'a')).sha256,
               "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
     EXPECT_EQ(of_text(std::string(1'000'000, 'a')).bytes, 1'000'000u);
+    EXPECT_EQ(of_text("abc").loaded_at, 0);
 }
 
 TEST(SourceRecord, IsAboutTheFileThatWasNamed) {
@@ -38,6 +40,14 @@ TEST(SourceRecord, IsAboutTheFileThatWasNamed) {
     EXPECT_EQ(source.name, file.path());
     EXPECT_EQ(source.bytes, 3u);
     EXPECT_NE(source.loaded_at, 0);
+}
+
+TEST(SourceRecord, IsAboutTheFileThatIsStandardInput) {
+    const scratch_file file("abc");
+    const replaced_stdin standard_input(file.path());
+    const input_file input("-");
+    EXPECT_EQ(input.read_all(), "abc");
+    EXPECT_EQ(source_of("-", input).bytes, 3u);
 }
 
 TEST(SourceRecord, IsReadBackFromTheDatabase) {
@@ -60,7 +70,10 @@ TEST(AgeText, SaysHowOldTheRowsAre) {
     EXPECT_EQ(age(2), "Loaded 2 seconds ago, " + from);
     EXPECT_EQ(age(119), "Loaded 119 seconds ago, " + from);
     EXPECT_EQ(age(120), "Loaded 2 minutes ago, " + from);
-    EXPECT_EQ(age(3 * 86400), "Loaded 3 days ago, " + from);
+    EXPECT_EQ(age(7199), "Loaded 119 minutes ago, " + from);
+    EXPECT_EQ(age(7200), "Loaded 2 hours ago, " + from);
+    EXPECT_EQ(age(2 * 86400 - 1), "Loaded 47 hours ago, " + from);
+    EXPECT_EQ(age(2 * 86400), "Loaded 2 days ago, " + from);
 }
 
 TEST(AgeText, SaysOnlyWhenWhereTheClockWasSetBack) {

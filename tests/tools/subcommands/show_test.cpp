@@ -54,6 +54,14 @@ TEST_F(Show, TakesACdsFileOrADatabase) {
     EXPECT_EQ(show("x.xml"), show(""));
 }
 
+TEST_F(Show, TakesADashForStandardInputWhateverFileHasThatName) {
+    const std::string shown = show("memory");
+    ASSERT_EQ(run("mv inventory.db ./-").status, 0);
+    write("y.xml", "<component/>");
+    EXPECT_EQ(show("memory - <y.xml"), "Memory (0)\n");
+    EXPECT_EQ(show("memory ./-"), shown);
+}
+
 TEST_F(Show, TakesWhatGzipPacked) {
     ASSERT_EQ(run("gzip --keep x.xml; gzip --keep inventory.db").status, 0);
     const std::string shown = show("");
