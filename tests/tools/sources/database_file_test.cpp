@@ -24,7 +24,11 @@ namespace fs = std::filesystem;
 TEST(WithAdvice, SaysWhatToDoAboutACode) {
     EXPECT_EQ(with_advice(SQLITE_BUSY, "database is locked"),
               "database is locked; another program is using it, try again when that is done");
+    EXPECT_EQ(with_advice(SQLITE_NOTADB, "open"), "open; name another file with --database");
+    EXPECT_EQ(with_advice(SQLITE_READONLY, "open"),
+              "open; make it and its folder writable or name another file with --database");
     EXPECT_EQ(with_advice(SQLITE_FULL, "commit"), "commit; make room and try again");
+    EXPECT_EQ(with_advice(SQLITE_CORRUPT, "open"), "open; name another file with --database or load into a new one");
 }
 
 TEST(WithAdvice, GoesByTheCodeAndNotByTheText) {
@@ -93,6 +97,24 @@ TEST_F(NewDatabase, IsNotToBeMadeWhereALinkLeadsIntoNoFolder) {
     EXPECT_THROW(is_to_be_made(path_), failure);
 }
 
+TEST_F(NewDatabase, IsNotToBeMadeWhereFortyLinksLeadIntoNoFolder) {
+    std::string next = "none/target.db";
+    for (int i = 0; i < 40; ++i) {
+        const std::string link = "link" + std::to_string(i);
+        fs::create_symlink(next, folder_.file(link));
+        next = link;
+    }
+    EXPECT_THAT([&] { is_to_be_made(folder_.file(next)); },
+                testing::ThrowsMessage<failure>(testing::HasSubstr("': No such file or directory")));
+}
+
+TEST_F(NewDatabase, IsNotToBeMadeOfALinkToItself) {
+    fs::create_symlink("inventory.db", path_);
+    EXPECT_THAT([&] { is_to_be_made(path_); }, testing::ThrowsMessage<failure>("cannot make database '" + path_ +
+                                                                               "': Too many levels of symbolic links"));
+    EXPECT_THROW(make_database(path_, source_), failure);
+}
+
 TEST_F(NewDatabase, IsMadeWhereLinksLeadFromFolderToFolder) {
     fs::create_directories(folder_.file("one"));
     fs::create_directories(folder_.file("two"));
@@ -101,6 +123,22 @@ TEST_F(NewDatabase, IsMadeWhereLinksLeadFromFolderToFolder) {
     EXPECT_TRUE(make_database(path_, source_));
     EXPECT_EQ(modules_in(folder_.file("two/target.db")), std::vector<std::string>{"DIMM 1"});
     EXPECT_TRUE(fs::is_symlink(folder_.file("one/next.db")));
+}
+
+TEST_F(NewDatabase, IsNotMadeOfWhatIsNoDatabase) {
+    std::ofstream(path_) << std::string(4096, 'x');
+    EXPECT_THAT([&] { make_database(path_, source_); },
+                testing::ThrowsMessage<failure>(
+                    "begin a transaction: file is not a database; name another file with --database"));
+}
+
+TEST_F(NewDatabase, IsNotMadeOfADatabaseThatIsCutOff) {
+    std::ofstream(path_).flush();
+    sqlite_database(path_).run("CREATE TABLE Fans (Name TEXT); INSERT INTO Fans VALUES (zeroblob(20000))");
+    fs::resize_file(path_, 4096);
+    EXPECT_THAT([&] { make_database(path_, source_); },
+                testing::ThrowsMessage<failure>("begin a transaction: database disk image is malformed; name another "
+                                                "file with --database or load into a new one"));
 }
 
 TEST_F(NewDatabase, IsNotMadeWhereItCannotBeOpened) {
@@ -144,6 +182,14 @@ TEST(RequiredInventory, IsAFileThatHoldsOne) {
                                                 "with --database"));
 }
 
+TEST(RequiredInventory, IsNotBelowAFile) {
+    const scratch_folder folder;
+    std::ofstream(folder.file("x")).flush();
+    EXPECT_THAT(
+        [&] { require_inventory(folder.file("x/y.db")); },
+        testing::ThrowsMessage<failure>("cannot read database '" + folder.file("x/y.db") + "': Not a directory"));
+}
+
 TEST(RequiredInventory, IsAlsoWhatTheServiceKeepsBesideTheRecords) {
     for (const std::string table : {"PCIAdapter", "InventorySequence", "PendingFirmware"}) {
         const scratch_folder folder;
@@ -160,6 +206,22 @@ TEST(ForeignDatabase, IsRefusedAlsoWhereItsTableHasTheNameOfOurSource) {
     std::ofstream(path).flush();
     sqlite_database(path).run("CREATE TABLE Source (River TEXT)");
     EXPECT_THROW(refuse_foreign_database(path), failure);
+}
+
+TEST(ForeignDatabase, IsRefusedAlsoWhereItsTableHasTheNameOfOneOfOurKinds) {
+    const scratch_folder folder;
+    const std::string path = folder.file("minds.db");
+    std::ofstream(path).flush();
+    sqlite_database(path).run("CREATE TABLE memory (Age INTEGER); CREATE TABLE Minds (Name TEXT)");
+    EXPECT_THROW(refuse_foreign_database(path), failure);
+}
+
+TEST(ForeignDatabase, IsNoneThatCannotBeRead) {
+    const scratch_folder folder;
+    const std::string path = folder.file("x.db");
+    std::ofstream(path) << std::string(4096, 'x');
+    EXPECT_NO_THROW(refuse_foreign_database(path));
+    EXPECT_NO_THROW(require_inventory(path));
 }
 
 TEST(ForeignDatabase, IsRefusedWithoutRollingBackWhatWasInterruptedInIt) {

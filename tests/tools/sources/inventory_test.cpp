@@ -3,9 +3,12 @@
 #include "sources/inventory.h"
 
 #include <gmock/gmock.h>
+#include <sqlite3.h>
 #include <zeb_db_workstation.h>
 
+#include <chrono>
 #include <fstream>
+#include <thread>
 
 #include "console/failure.h"
 #include "support/scratch_folder.h"
@@ -13,6 +16,7 @@
 #include "tools/memory_rows.h"
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::StartsWith;
 using testing::ThrowsMessage;
 
@@ -44,7 +48,26 @@ TEST_F(Inventory, HasRowsInTheOrderOfTheirIds) {
 TEST_F(Inventory, HasOnlyTheRowsBehindAnId) {
     rows_.execute("INSERT INTO Memory (Id) VALUES (1), (2), (3)");
     EXPECT_EQ(rows_.read().read_after(kinds::memory, 1).rows.size(), 2u);
-    EXPECT_EQ(rows_.read().count(kinds::memory), 3);
+    const inventory rows = rows_.read();
+    EXPECT_EQ(rows.read_after(kinds::memory, 2).rows.size(), 1u);
+    EXPECT_EQ(rows.read_after(kinds::memory, 0).rows.size(), 3u);
+    EXPECT_EQ(rows.count(kinds::memory), 3);
+}
+
+TEST_F(Inventory, HasAValueForEveryColumnOfARow) {
+    rows_.execute("INSERT INTO Memory (Id) VALUES (1)");
+    const inventory_table memory = rows_.read().read(kinds::memory);
+    EXPECT_EQ(memory.rows[0].size(), memory.columns.size());
+}
+
+TEST_F(Inventory, IsRefusedWhenItsReadingIsInterrupted) {
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open_v2(rows_.database.sqlite_name().c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr),
+              SQLITE_OK);
+    const inventory rows("the rows", connection);
+    sqlite3_progress_handler(
+        connection, 1, [](void*) { return 1; }, nullptr);
+    EXPECT_THAT([&rows] { rows.count(kinds::memory); }, ThrowsMessage<failure>("cannot read the rows: interrupted"));
 }
 
 TEST_F(Inventory, HasUnsignedCapacitiesAndSignedRowIds) {
@@ -106,6 +129,51 @@ TEST(InventoryFile, OfANewerVersionIsRefused) {
                 ThrowsMessage<failure>(StartsWith("cannot read '" + path + "': it was made by a newer version")));
 }
 
+TEST(InventoryFile, HasASourceWithoutANameWhereNoneIsNoted) {
+    const scratch_folder folder;
+    const std::string path = folder.file("x.db");
+    std::ofstream(path).flush();
+    sqlite_database(path).run(
+        "CREATE TABLE Source (Name TEXT, Bytes INTEGER, Sha256 TEXT, LoadedAt INTEGER); INSERT INTO Source (Bytes) "
+        "VALUES (7)");
+    const auto source = inventory(path, database_naming::argument).source();
+    ASSERT_TRUE(source.has_value());
+    EXPECT_EQ(source->name, "");
+    EXPECT_EQ(source->bytes, 7u);
+}
+
+TEST(InventoryFile, HasNoFunctionRunThatItsSchemaNames) {
+    const scratch_folder folder;
+    const std::string path = folder.file("x.db");
+    int (*const add_function)(sqlite3*, const char**, const sqlite3_api_routines*) = [](sqlite3* opened, const char**,
+                                                                                        const sqlite3_api_routines*) {
+        const auto one = [](sqlite3_context* context, int, sqlite3_value**) { sqlite3_result_int(context, 1); };
+        return sqlite3_create_function(opened, "one", 0, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, one, nullptr,
+                                       nullptr);
+    };
+    sqlite3_auto_extension(reinterpret_cast<void (*)()>(add_function));
+    std::ofstream(path).flush();
+    sqlite_database(path).run(
+        "CREATE TABLE Source (Name AS (one()), Bytes, Sha256, LoadedAt); INSERT INTO Source (Bytes) VALUES (7)");
+    EXPECT_THAT([&] { inventory(path, database_naming::argument); },
+                ThrowsMessage<failure>(HasSubstr("unsafe use of one()")));
+    sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(add_function));
+}
+
+TEST(InventoryFile, IsWaitedForWhereAnotherProgramHasIt) {
+    const scratch_folder folder;
+    const std::string path = folder.file("x.db");
+    std::ofstream(path).flush();
+    sqlite_database other(path);
+    other.run("CREATE TABLE Memory (DevLocator TEXT); BEGIN EXCLUSIVE");
+    std::thread releasing([&other] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        other.run("COMMIT");
+    });
+    EXPECT_NO_THROW(inventory(path, database_naming::argument));
+    releasing.join();
+}
+
 TEST(InventoryFile, ThatIsNoDatabaseIsRefusedWhenItIsOpened) {
     const scratch_folder folder;
     const std::string path = folder.file("x.db");
@@ -126,6 +194,18 @@ TEST_F(Inventory, WithAComputedColumnIsRefused) {
             "cannot read the inventory: the column 'Big' of its table Memory holds nothing but is computed; it "
             "holds no inventory");
     }
+}
+
+TEST(LargeInventory, TakesTheMemoryOfItsValuesAndTheirTexts) {
+    const scratch_folder folder;
+    const std::string path = folder.file("x.db");
+    std::ofstream(path).flush();
+    sqlite_database(path).run(
+        "CREATE TABLE Memory (Size INTEGER, DevLocator TEXT); INSERT INTO Memory VALUES (1, 'A1')");
+    const std::size_t bytes = 2 * sizeof(inventory_value) + 2;
+    EXPECT_NO_THROW(inventory(path, database_naming::argument, bytes).read(kinds::memory));
+    EXPECT_THROW(inventory(path, database_naming::argument, bytes - 1).read(kinds::memory), failure);
+    EXPECT_EQ(inventory::most_bytes, std::size_t{536'870'912});
 }
 
 TEST(LargeInventory, IsReadAsFarAsItsTablesMayTakeMemory) {
