@@ -55,6 +55,11 @@ TEST_F(CdsFolder, StandsForALinkWhetherItLeadsSomewhereOrNot) {
     EXPECT_THAT(files(), ElementsAre(path("broken.xml"), path("good.xml")));
 }
 
+TEST_F(CdsFolder, StandsAlsoForWhatCannotBeLookedAt) {
+    fs::create_symlink("loop.xml", path("loop.xml"));
+    EXPECT_THAT(files(), ElementsAre(path("loop.xml")));
+}
+
 TEST_F(CdsFolder, IsAFolder) {
     make("a.xml");
     EXPECT_TRUE(is_folder(path("")));

@@ -71,6 +71,10 @@ TEST(GrammarError, IsACommentAProcessingInstructionOrACdataSection) {
     EXPECT_EQ(line_in("<component>\n<setting_group><name>a</name>\n<![CDATA[x]]></setting_group></component>"), 3u);
 }
 
+TEST(GrammarError, IsACdataSectionOnTheLineOfItsElementWhereItStandsFirst) {
+    EXPECT_EQ(line_in("<component>\n<setting_group><![CDATA[x]]></setting_group></component>"), 2u);
+}
+
 TEST(GrammarError, IsAboutNoElementOnlyWhereTheNodeHasNoName) {
     EXPECT_TRUE(error_in("<component><setting_group><name>a</name><![CDATA[x]]></setting_group></component>")
                     ->is_about_no_element);

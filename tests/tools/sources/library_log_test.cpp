@@ -84,6 +84,21 @@ TEST(LibraryLog, HasTheFailureOfTheDatabaseForItsProblemWhateverWasLogged) {
     EXPECT_EQ(log.database_failure(), log.problem());
 }
 
+TEST(LibraryLog, LeavesTheLogToItselfWhenItGoes) {
+    const captured_stderr standard_error;
+    { const library_log earlier(log_display::hidden); }
+    vonk_log::logErr("an error");
+    EXPECT_EQ(standard_error.text(), "ERROR: an error\n");
+}
+
+TEST(LibraryLog, IsShownBesideAProgressLine) {
+    const captured_stderr standard_error;
+    progress line({});
+    const library_log log(line);
+    vonk_log::logErr("an error");
+    EXPECT_EQ(standard_error.text(), "ERROR: an error\n");
+}
+
 TEST(LibraryLog, KnowsNothingOfAnEarlierFailure) {
     const memory_database database;
     {

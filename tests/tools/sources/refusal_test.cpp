@@ -3,6 +3,8 @@
 #include "sources/refusal.h"
 
 #include <gmock/gmock.h>
+#include <vonk_log.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -13,6 +15,7 @@
 #include "console/failure.h"
 #include "sources/cds_file.h"
 #include "sources/memory_database.h"
+#include "support/scratch_file.h"
 
 namespace fs = std::filesystem;
 
@@ -106,6 +109,23 @@ INSTANTIATE_TEST_SUITE_P(Of, BadSample, testing::ValuesIn(bad_samples), [](const
     std::replace(name.begin(), name.end(), '-', '_');
     return name;
 });
+
+TEST(Refusal, OfAPackedFileThatLacksOnlyItsEndSaysSo) {
+    const scratch_file file("");
+    const gzFile packed = gzopen(file.path(), "wb");
+    EXPECT_GT(gzputs(packed, "<component/>"), 0);
+    EXPECT_EQ(gzclose(packed), Z_OK);
+    fs::resize_file(file.path(), fs::file_size(file.path()) - 1);
+    EXPECT_EQ(cause_of_failed_load(file.path()), "it was packed by gzip and lacks its end");
+}
+
+TEST(Refusal, OfAGoodFileIsWhatTheLibrarySays) {
+    const scratch_file file("<component/>");
+    const input_file input(file.path());
+    const library_log log(log_display::hidden);
+    vonk_log::logErr("no more\nof this");
+    EXPECT_EQ(cause_of_refusal(input, log), "no more of this");
+}
 
 TEST(BadSamples, AreAllThereAre) {
     std::set<std::string> tested;
