@@ -12,6 +12,7 @@ extern const char* const command;         ///< zebdb-cds
 extern const char* const entry_point;     ///< entry_point.cpp
 extern const char* const failing_calls;   ///< failing_calls.cpp, to be preloaded
 extern const char* const failing_insert;  ///< failing_insert.cpp, to be preloaded
+extern const char* const failing_open;    ///< failing_open.cpp, to be preloaded
 extern const char* const refresh;         ///< refresh_main.cpp
 
 }  // namespace built

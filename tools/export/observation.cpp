@@ -62,7 +62,6 @@ void refuse_impossible_time(const struct stat& status) {
 
 // A file that there is no memory to open for is not one that cannot be read.
 std::ifstream opened(const std::string& path) {
-    errno = 0;
     std::ifstream file(path, std::ios::binary);
     if (!file.is_open() && errno == ENOMEM) {
         throw std::bad_alloc();

@@ -141,6 +141,18 @@ command_result command_test::run_unprivileged(const std::string& shell_command) 
     return run_by({"setpriv", "--bounding-set=-all", "--inh-caps=-all"}, shell_command, -1);
 }
 
+// A blank ends the name of what is preloaded, and may stand in the name of the project's folder.
+command_result command_test::run_preloaded(const char* library, const std::string& assignments,
+                                           const std::string& shell_command) const {
+    const fs::path link = folder_ / "preloaded.so";
+    fs::create_symlink(library, link);
+    const command_result result =
+        run("export ASAN_OPTIONS=\"${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0\"; " + assignments +
+            " LD_PRELOAD=./preloaded.so " + shell_command);
+    fs::remove(link);
+    return result;
+}
+
 std::string command_test::left_in_tmp(const std::string& shell_command) const {
     return run("before=$(ls -A /tmp); { " + shell_command +
                "; } >/dev/null; ls -A /tmp | grep --invert-match --line-regexp --fixed-strings \"$before\"")

@@ -32,6 +32,10 @@ protected:
     /// The same where root has no more rights than anybody else.
     command_result run_unprivileged(const std::string& shell_command) const;
 
+    /// The same with that library in front of all others; the assignments of variables say which of its functions fail.
+    command_result run_preloaded(const char* library, const std::string& assignments,
+                                 const std::string& shell_command) const;
+
     /// The same with a disk of `size` bytes mounted at "disk" in the folder, empty at first and gone afterwards. The
     /// status is no_disk where no file system can be mounted.
     command_result run_with_disk(std::size_t size, const std::string& shell_command) const;

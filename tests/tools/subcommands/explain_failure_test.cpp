@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <filesystem>
 
 #include "support/built.h"
 #include "support/quoted.h"
@@ -14,8 +13,6 @@ using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
-
-namespace fs = std::filesystem;
 
 class ExplainFailure : public explain_test {
 protected:
@@ -95,14 +92,11 @@ TEST_F(ExplainFailure, IsAUsageErrorWithAnotherFormatOrOption) {
 // Inserts that the database of the process refuses.
 class ExplainFailedInsert : public explain_test {
 protected:
-    // A blank ends the name of what is preloaded, and may stand in the name of the project's folder.
-    ExplainFailedInsert() { fs::create_symlink(built::failing_insert, folder() / "failing_insert.so"); }
-
     command_result explain_failing(const std::string& table, const std::string& components,
                                    const std::string& arguments = "") const {
         write("server.xml", cds_file(components));
-        return run("export ASAN_OPTIONS=\"${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0\"; FAILING_TABLE=" +
-                   table + " LD_PRELOAD=./failing_insert.so zebdb-cds explain server.xml " + arguments);
+        return run_preloaded(built::failing_insert, "FAILING_TABLE=" + table,
+                             "zebdb-cds explain server.xml " + arguments);
     }
 
     json told_failing(const std::string& table, const std::string& components) const {

@@ -2,12 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <cerrno>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include <nlohmann/json.hpp>
 
+#include "support/built.h"
 #include "support/quoted.h"
 #include "tools/subcommands/command_test.h"
 
@@ -84,6 +86,24 @@ TEST_F(Export, TakesAFileWhoseTimeHasNoTextWhereOneIsGiven) {
     }
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(values(result.out, "status"), ElementsAre("loaded"));
+}
+
+TEST_F(Export, OfAFileThatThereIsNoMemoryToOpenFails) {
+    write("a.xml", "<component/>");
+    const command_result result = run_preloaded(
+        built::failing_open, "FAILING_FILE=a.xml FAILING_ERROR=" + std::to_string(ENOMEM), "zebdb-cds export a.xml");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.out, IsEmpty());
+    EXPECT_EQ(result.err, "zebdb-cds: out of memory\n");
+}
+
+TEST_F(Export, RefusesAFileThatCannotBeOpened) {
+    write("a.xml", "<component/>");
+    const command_result result = run_preloaded(
+        built::failing_open, "FAILING_FILE=a.xml FAILING_ERROR=" + std::to_string(EIO), "zebdb-cds export a.xml");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(values(result.out, "reason"),
+                ElementsAre("cannot read the input: the stream is not open or has failed"));
 }
 
 TEST_F(Export, OfAPipeAsksForNoTimeOfIt) {
