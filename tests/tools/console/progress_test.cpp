@@ -9,6 +9,7 @@
 #include <vonk_log.h>
 
 #include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -73,7 +74,7 @@ protected:
 
     static std::vector<std::string> texts_for(const struct stat& file) {
         pseudo_terminal terminal(STDERR_FILENO);
-        { const progress line(file); }
+        std::make_unique<progress>(file).reset();
         return texts_of_line(terminal.text());
     }
 
@@ -143,7 +144,7 @@ TEST_F(Progress, IsNotShownOfWhatIsNoFile) {
 
 TEST_F(Progress, IsNotShownWhereStandardErrorIsNoTerminal) {
     const captured_stderr standard_error;
-    { const progress line(status_of(path_)); }
+    std::make_unique<progress>(status_of(path_)).reset();
     EXPECT_THAT(standard_error.text(), IsEmpty());
 }
 

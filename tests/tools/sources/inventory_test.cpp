@@ -65,8 +65,8 @@ TEST_F(Inventory, IsRefusedWhenItsReadingIsInterrupted) {
     ASSERT_EQ(sqlite3_open_v2(rows_.database.sqlite_name().c_str(), &connection, SQLITE_OPEN_READWRITE, nullptr),
               SQLITE_OK);
     const inventory rows("the rows", connection);
-    sqlite3_progress_handler(
-        connection, 1, [](void*) { return 1; }, nullptr);
+    const auto interrupt = [](void*) { return 1; };
+    sqlite3_progress_handler(connection, 1, interrupt, nullptr);
     EXPECT_THAT([&rows] { rows.count(kinds::memory); }, ThrowsMessage<failure>("cannot read the rows: interrupted"));
 }
 

@@ -5,6 +5,8 @@
 #include <gmock/gmock.h>
 #include <vonk_log.h>
 
+#include <memory>
+
 #include "sources/memory_database.h"
 #include "support/captured_stderr.h"
 
@@ -86,7 +88,7 @@ TEST(LibraryLog, HasTheFailureOfTheDatabaseForItsProblemWhateverWasLogged) {
 
 TEST(LibraryLog, LeavesTheLogToItselfWhenItGoes) {
     const captured_stderr standard_error;
-    { const library_log earlier(log_display::hidden); }
+    std::make_unique<library_log>(log_display::hidden).reset();
     vonk_log::logErr("an error");
     EXPECT_EQ(standard_error.text(), "ERROR: an error\n");
 }

@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "support/built.h"
-#include "support/quoted.h"
 #include "tools/subcommands/explain_test.h"
 
 using testing::ElementsAre;
