@@ -13,15 +13,15 @@ protected:
     /// What stands behind the first three descriptors of a command that was started with these redirections, and how
     /// it is open: 0 for reading, 1 for writing.
     std::string standard_descriptors(const std::string& redirections) const {
-        return run("mkfifo pipe; echo >file; zebdb-cds dump pipe " + redirections + R"( &
+        return run("mkfifo pipe; echo >file; zebdb-cds dump pipe " + redirections + R"sh( &
             exec 9>pipe  # goes on when the command has opened it
             for descriptor in 0 1 2; do
-                echo $(basename $(readlink /proc/$!/fd/$descriptor)) \
+                echo $(basename "$(readlink /proc/$!/fd/$descriptor)") \
                     $(sed -n 's/^flags:.*\(.\)$/\1/p' /proc/$!/fdinfo/$descriptor)
             done
             exec 9>&-
             wait
-            rm pipe)")
+            rm pipe)sh")
             .out;
     }
 };
