@@ -46,7 +46,14 @@ std::vector<std::string> values(const std::string& out, const char* key) {
 
 }  // namespace
 
-class Export : public command_test {};
+class Export : public command_test {
+protected:
+    command_result export_failing_to_open(int error) const {
+        write("a.xml", "<component/>");
+        return run_preloaded(built::failing_open, "FAILING_FILE=a.xml FAILING_ERROR=" + std::to_string(error),
+                             "zebdb-cds export a.xml");
+    }
+};
 
 TEST_F(Export, PrintsALineForEachFileInTheirOrder) {
     const command_result result = run("cp " + exported_server + " b.xml; cp b.xml a.xml; zebdb-cds export b.xml a.xml");
@@ -89,18 +96,14 @@ TEST_F(Export, TakesAFileWhoseTimeHasNoTextWhereOneIsGiven) {
 }
 
 TEST_F(Export, OfAFileThatThereIsNoMemoryToOpenFails) {
-    write("a.xml", "<component/>");
-    const command_result result = run_preloaded(
-        built::failing_open, "FAILING_FILE=a.xml FAILING_ERROR=" + std::to_string(ENOMEM), "zebdb-cds export a.xml");
+    const command_result result = export_failing_to_open(ENOMEM);
     EXPECT_EQ(result.status, 2);
     EXPECT_THAT(result.out, IsEmpty());
     EXPECT_EQ(result.err, "zebdb-cds: out of memory\n");
 }
 
 TEST_F(Export, RefusesAFileThatCannotBeOpened) {
-    write("a.xml", "<component/>");
-    const command_result result = run_preloaded(
-        built::failing_open, "FAILING_FILE=a.xml FAILING_ERROR=" + std::to_string(EIO), "zebdb-cds export a.xml");
+    const command_result result = export_failing_to_open(EIO);
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(values(result.out, "reason"),
                 ElementsAre("cannot read the input: the stream is not open or has failed"));
